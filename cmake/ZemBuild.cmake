@@ -1,0 +1,29 @@
+# What every target of the tree shares: the language, the warnings, and the ways to add a library or a test.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(zem_options INTERFACE)
+target_compile_options(zem_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_include_directories(zem_options INTERFACE ${PROJECT_SOURCE_DIR})
+
+# zem_add_library(NAME SOURCES... [LIBS ...]): a static library of one folder, linked by the plug-in and by tests.
+function(zem_add_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
+  add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PUBLIC zem_options ${arg_LIBS})
+endfunction()
+
+# zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program whose cases CTest learns from the program itself.
+function(zem_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
+  target_compile_definitions(${name} PRIVATE ZEM_SHARED_DIR="${PROJECT_SOURCE_DIR}/../shared")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()

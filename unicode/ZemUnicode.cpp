@@ -10,8 +10,9 @@ namespace {
 
 enum StoredForm : std::int32_t { kUtf16 = 1, kAsItIs = 3 };
 
-// The output used to collect in a buffer of 10,240 bytes that grew by 1,024 whenever fewer than 10 bytes beyond
-// the next unit's were free, and each growth lost the result to repeat. The buffer is gone; its thresholds stay.
+// The output used to collect in a buffer of 10,240 bytes that grew by 1,024 whenever fewer than 10 bytes
+// beyond the next unit's were free, and each growth lost the result to repeat. The buffer is gone; its
+// thresholds stay.
 constexpr std::size_t kFirstGrowth = 10'240 - 10;
 constexpr std::size_t kGrowth = 1'024;
 

@@ -113,11 +113,13 @@ void ChunkWriter::AppendWord(uint32_t value) {
 void ChunkWriter::AppendBytes(std::string_view bytes) { bytes_.append(bytes); }
 
 void ChunkWriter::AppendUtf16(std::u16string_view text) {
+  const size_t high = variant_ == Variant::LittleEndian ? 1 : 0;
+  size_t at = Size();
+  bytes_.resize(at + text.size() * 2);
   for (const char16_t unit : text) {
-    const auto high = static_cast<uint8_t>(unit >> 8 & 0xff);
-    const auto low = static_cast<uint8_t>(unit & 0xff);
-    AppendByte(variant_ == Variant::LittleEndian ? low : high);
-    AppendByte(variant_ == Variant::LittleEndian ? high : low);
+    bytes_[at + high] = static_cast<char>(unit >> 8 & 0xff);
+    bytes_[at + 1 - high] = static_cast<char>(unit & 0xff);
+    at += 2;
   }
 }
 
@@ -169,6 +171,13 @@ DataObject LocationObject(std::string_view path) {
   AppendHalf(body, alias.size() + 6);
   body += alias;
   return RawObject(1, std::move(body));
+}
+
+DataObject PositionObject(Variant variant, uint32_t position) {
+  ChunkWriter body(variant);
+  body.AppendWord(position);
+  body.AppendBytes(std::string(16, '\0'));
+  return RawObject(100, body.TakeBytes());
 }
 
 std::vector<DataObject> SongObjects(Variant variant, const SongTexts &texts) {

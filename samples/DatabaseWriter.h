@@ -74,12 +74,12 @@ struct DataObject {
   };
   uint32_t type = 0;
   Form form = Form::Utf16;
-  std::u16string text;
-  std::string bytes;
-  uint32_t encodingWord = 1;            // at 0x18, in the variant's byte order; 1 means UTF-16
-  uint32_t usedWord = 0;                // at 0x14; a reader skips the object when it is not 0
-  uint32_t headerLength = 0x18;         // as told at 4; changes no position
-  std::optional<uint32_t> totalLength;  // as told at 8, when it should differ from the real length
+  std::u16string text{};
+  std::string bytes{};
+  uint32_t encodingWord = 1;              // at 0x18, in the variant's byte order; 1 means UTF-16
+  uint32_t usedWord = 0;                  // at 0x14; a reader skips the object when it is not 0
+  uint32_t headerLength = 0x18;           // as told at 4; changes no position
+  std::optional<uint32_t> totalLength{};  // as told at 8, when it should differ from the real length
 };
 
 // UTF-16 text with encoding word 1.
@@ -97,6 +97,10 @@ DataObject RawObject(uint32_t type, std::string bytes);
 // bytes.
 DataObject LocationObject(std::string_view path);
 
+// The object (type 100) with which players number a playlist's entries: `position` at 0x18, then 16 zero
+// bytes.
+DataObject PositionObject(Variant variant, uint32_t position);
+
 // One track (mhit / htim). A field that lies past `headerLength` is not written.
 struct Track {
   uint32_t id = 0;
@@ -110,13 +114,19 @@ struct Track {
   uint32_t samplerate = 0;  // Hz in 16.16 fixed point: 44100 Hz is 44100 << 16
   uint8_t moviefileflag = 0;
   uint32_t mediaType = 0;
-  std::vector<DataObject> objects;
-  std::optional<uint32_t> headerLength;
+  std::vector<DataObject> objects{};
+  std::optional<uint32_t> headerLength{};
 };
 
 // The texts of an ordinary song; an empty one makes no object.
 struct SongTexts {
-  std::u16string title, path, album, artist, genre, filetype, composer;
+  std::u16string title{};
+  std::u16string path{};
+  std::u16string album{};
+  std::u16string artist{};
+  std::u16string genre{};
+  std::u16string filetype{};
+  std::u16string composer{};
 };
 
 // The data objects of an ordinary song, with the type numbers of the variant. A big-endian path becomes a
@@ -125,35 +135,36 @@ std::vector<DataObject> SongObjects(Variant variant, const SongTexts &texts);
 
 // One playlist entry (mhip / hptm).
 struct Entry {
-  uint32_t ref = 0;                 // track id, at 0x18
-  uint32_t ply = 0;                 // play word, at 0x10
-  std::vector<DataObject> objects;  // players add one of type 100 with the position
-  std::optional<uint32_t> headerLength;
+  uint32_t ref = 0;                   // track id, at 0x18
+  uint32_t ply = 0;                   // play word, at 0x10
+  std::vector<DataObject> objects{};  // players add one of type 100 with the position
+  std::optional<uint32_t> headerLength{};
 };
 
 // One playlist (mhyp / hpim).
 struct Playlist {
-  std::optional<std::u16string> name;  // an object of type 1 or 100, as the variant has it, before `objects`
-  uint8_t typeII = 1;                  // the byte at 0x2c
+  // Written before `objects`, as an object of type 1 (little-endian) or 100 (big-endian).
+  std::optional<std::u16string> name{};
+  uint8_t typeII = 1;  // the byte at 0x2c
   bool master = false;
-  std::vector<DataObject> objects;
-  std::vector<Entry> entries;
-  std::optional<uint32_t> type;  // at 12, when it should differ from the number of data objects
-  std::optional<uint32_t> headerLength;
+  std::vector<DataObject> objects{};
+  std::vector<Entry> entries{};
+  std::optional<uint32_t> type{};  // at 12, when it should differ from the number of data objects
+  std::optional<uint32_t> headerLength{};
 };
 
 // One data set (mhsd / hdsm) with a list of tracks, a list of playlists, or chunks written by hand.
 struct DataSet {
   uint32_t type = 1;  // 1 tracks, 2 playlists, 3 podcasts, 4 albums
-  std::variant<std::vector<Track>, std::vector<Playlist>, std::string> content;
-  std::optional<uint32_t> declaredCount;  // of the list, when it should differ from the real number
-  std::optional<uint32_t> headerLength;
-  std::optional<uint32_t> listHeaderLength;
+  std::variant<std::vector<Track>, std::vector<Playlist>, std::string> content{};
+  std::optional<uint32_t> declaredCount{};  // of the list, when it should differ from the real number
+  std::optional<uint32_t> headerLength{};
+  std::optional<uint32_t> listHeaderLength{};
 };
 
 struct Library {
-  std::vector<DataSet> sets;
-  std::optional<uint32_t> headerLength;
+  std::vector<DataSet> sets{};
+  std::optional<uint32_t> headerLength{};
 };
 
 // A data set of type 1 with the tracks, then one of type 2 with the playlists.

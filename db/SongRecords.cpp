@@ -1,0 +1,147 @@
+#include "db/SongRecords.h"
+
+#include <cstdio>
+
+#include "db/ByteOrder.h"
+
+const songInfo errSongInfo = {0, 0, {}};
+
+namespace {
+
+std::string_view Bytes(const uint8_t *at, size_t n) { return {reinterpret_cast<const char *>(at), n}; }
+
+// A data object's header and what precedes its text.
+constexpr int32_t kTextOffset = 40;
+
+uint32_t FileOrder(uint32_t word, int32_t libType) {
+  if (libType == 1) Swap4Byte(&word);
+  return word;
+}
+
+// The field that a data object of the type fills in a big-endian file; null for a type that is dropped.
+songInfo *BigEndianField(CSongList &song, uint32_t type) {
+  switch (type) {
+    case 2:
+      return &song.title;
+    case 3:
+      return &song.album;
+    case 4:
+      return &song.artist;
+    case 5:
+      return &song.genre;
+    case 12:
+      return &song.composer;
+    default:
+      return nullptr;
+  }
+}
+
+songInfo *LittleEndianField(CSongList &song, uint32_t type) {
+  switch (type) {
+    case kObjectTitle:
+      return &song.title;
+    case kObjectPath:
+      return &song.path;
+    case kObjectAlbum:
+      return &song.album;
+    case kObjectArtist:
+      return &song.artist;
+    case kObjectGenre:
+      return &song.genre;
+    case kObjectFileType:
+      return &song.filetype;
+    case kObjectComposer:
+      return &song.composer;
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
+                          ByteString::Keep keep) {
+  if (objPtr == nullptr) return 0;
+  const bool isText = FileOrder(_encode, libType) == 1;
+  uint8_t *start = isText ? objPtr : objPtr - 16;
+  const auto bufSize =
+      static_cast<int32_t>(isText ? fsbb->myLen - uint32_t{kTextOffset} : fsbb->myLen - fsbb->jump);
+  const uint32_t encode = isText ? _encode : 0;
+  if (bufSize <= 0) return 0;
+  const auto size = static_cast<size_t>(bufSize);
+
+  if (libType != 1) {
+    if (fsbb->count == 1) {
+      return SetLocation(fsbb, start, objPtr + (fsbb->myLen - uint32_t{kTextOffset}), encode, keep);
+    }
+    songInfo *field = BigEndianField(*this, fsbb->count);
+    if (field == nullptr) return 0;
+    field->obj.Append(Bytes(start, size), keep);
+    field->enc = encode;
+    return 1;
+  }
+
+  if (isText) Swap2ByteString(start, size);
+  songInfo *field = LittleEndianField(*this, fsbb->count);
+  if (field == nullptr) {
+    songInfo other{static_cast<int32_t>(fsbb->count), encode, {}};
+    other.obj.Append(Bytes(start, size), keep);
+    unknown.push_back(std::move(other));
+    return 1;
+  }
+  field->obj.Append(Bytes(start, size), keep);
+  field->idx = static_cast<int32_t>(fsbb->count);
+  field->enc = encode;
+  return 1;
+}
+
+// An alias-style body holds the volume's name with a length byte before it, and further on the full path,
+// which begins with that name and has its 16-bit length right before it. The body is laid out for a text
+// object; it is read from the same distance before the text when the object is not marked as text.
+int32_t CSongList::SetLocation(const fsbbStruct *fsbb, const uint8_t *start, const uint8_t *objectEnd,
+                               uint32_t encode, ByteString::Keep keep) {
+  constexpr int32_t kName = 0x23;
+  const uint8_t *at = start + (kName - kTextOffset);
+  if (fsbb->myLen < uint32_t{kName}) return 0;
+  const size_t room = fsbb->myLen - uint32_t{kName};
+  const size_t n = at[-1];
+  if (n > room) return 0;
+  const std::string_view name = Bytes(at, n);
+  const std::string_view rest = Bytes(at + n, room - n);
+  const size_t match = rest.find(name);
+  if (match == std::string_view::npos) return 0;
+  const uint8_t *found = at + n + match;
+  const size_t length = size_t{256} * found[-2] + found[-1];
+  if (objectEnd < found || length > static_cast<size_t>(objectEnd - found)) return 0;
+  path.obj.Append(Bytes(found, length), keep);
+  path.enc = encode;
+  return 1;
+}
+
+void CSongList::SetTrack(trackParam _track) {
+  track = _track;
+  const auto num = static_cast<int32_t>(_track.num);
+  const auto total = static_cast<int32_t>(_track.total);
+  char text[50];
+  if (_track.total == 0 && _track.num == 0) {
+    std::snprintf(text, sizeof text, "%s", "-");
+  } else if (_track.total == 0) {
+    std::snprintf(text, sizeof text, "%d", num);
+  } else {
+    const int width = _track.total < 100 ? 2 : _track.total < 1000 ? 3 : 4;
+    std::snprintf(text, sizeof text, "%0*d/%0*d", width, num, width, total);
+  }
+  trackInfo.obj.Append(text);
+}
+
+int32_t CPlayList::SetTitle(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
+                            ByteString::Keep keep) {
+  const uint32_t nameType = libType == 1 ? 1 : 100;
+  const auto lng = static_cast<int32_t>(fsbb->myLen - uint32_t{kTextOffset});
+  if (fsbb->count != nameType || objPtr == nullptr || lng < 0) return 0;
+  const auto size = static_cast<size_t>(lng);
+  if (libType == 1) Swap2ByteString(objPtr, size);
+  name.obj.Append(Bytes(objPtr, size), keep);
+  name.enc = _encode;
+  return 1;
+}

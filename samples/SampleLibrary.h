@@ -1,0 +1,62 @@
+// The songs and playlists of the sample player: invented, and such as real libraries hold.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "samples/DatabaseWriter.h"
+
+namespace samples {
+
+// What a song holds besides the fields every one has.
+struct ExtraText {
+  uint32_t type = 0;
+  std::u16string_view text{};
+};
+
+struct SampleSong {
+  std::u16string_view title{};
+  std::u16string_view artist{};
+  std::u16string_view album{};
+  std::u16string_view genre{};
+  std::u16string_view composer{};
+  std::u16string_view filetype = u"AAC audio file";
+  std::string_view file{};  // folder and name under the music folder, "F00/ABCD.m4a"
+  uint32_t number = 0;
+  uint32_t total = 0;
+  uint32_t year = 0;
+  uint32_t duration = 0;  // milliseconds
+  uint32_t bitrate = 128;
+  uint32_t rate = 44100;   // Hz
+  int64_t added = 0;       // seconds since 1970-01-01 00:00:00 UTC
+  uint32_t mediaType = 1;  // 1 music, 2 movie, 4 podcast, 8 audiobook
+  bool compilation = false;
+  bool missing = false;  // its file is not on the player
+  std::vector<ExtraText> extra{};
+  std::string_view enclosure{};  // address of a podcast episode, 8-bit
+};
+
+struct SamplePlaylist {
+  std::u16string_view name{};
+  std::vector<size_t> songs{};  // positions in SampleSongs(); a song may stand more than once
+};
+
+const std::vector<SampleSong> &SampleSongs();
+
+// The master playlist, which holds every song, first.
+std::vector<SamplePlaylist> SamplePlaylists();
+
+// The bytes of the placeholder that stands for the song's file; no two songs share them.
+std::string PlaceholderFile(const SampleSong &song);
+
+// The player's database: albums, tracks, podcasts, playlists, in this order.
+std::string SamplePlayerDatabase();
+
+// The same songs and playlists as a big-endian desktop library. Text that Mac Roman can hold is 8-bit, as in
+// older libraries; the rest is UTF-16.
+std::string SampleDesktopLibrary();
+
+}  // namespace samples

@@ -1,0 +1,88 @@
+#include "plugin/RbiTunesDB.h"
+
+int32_t ZemRbiTunesDB_GetPlayListType(REALobject instance, int32_t playlist, int32_t reqType) {
+  const CiTunesDB *db = Database(instance);
+  if (db == nullptr) return 0;
+  const int32_t p = PlayNum(playlist);
+  return reqType == 0 ? db->PlayListType(p) : db->PlayListTypeII(p);
+}
+
+int32_t ZemRbiTunesDB_GetPlayListTypeI(REALobject instance, int32_t playlist) {
+  return ZemRbiTunesDB_GetPlayListType(instance, playlist, 0);
+}
+int32_t ZemRbiTunesDB_GetPlayListTypeII(REALobject instance, int32_t playlist) {
+  return ZemRbiTunesDB_GetPlayListType(instance, playlist, 1);
+}
+
+REALboolean ZemRbiTunesDB_GetPlaySong(REALobject instance, int32_t playlist, int32_t index) {
+  const CiTunesDB *db = Database(instance);
+  if (db == nullptr) return REALboolean::False;
+  const refidx *entry = db->Entry(PlayNum(playlist), index);
+  return ToBoolean(entry == nullptr || entry->ply == 0);
+}
+
+void ZemRbiTunesDB_SetPlaySong(REALobject instance, int32_t playlist, int32_t index, REALboolean play) {
+  CiTunesDB *db = Database(instance);
+  refidx *entry = db == nullptr ? nullptr : db->Entry(PlayNum(playlist), index);
+  if (entry == nullptr) return;
+  // The top bit of -(play XOR 1): 0 for True, 1 for False, and fixed for every other value a host may pass.
+  entry->ply = static_cast<int32_t>((0U - (static_cast<uint32_t>(play) ^ 1U)) >> 31);
+}
+
+int32_t ZemRbiTunesDB_GetFlags(REALobject instance, int32_t playlist, int32_t index) {
+  const CiTunesDB *db = Database(instance);
+  const refidx *entry = db == nullptr ? nullptr : db->Entry(PlayNum(playlist), index);
+  return entry == nullptr ? 0 : entry->flg;
+}
+
+void ZemRbiTunesDB_SetFlags(REALobject instance, int32_t playlist, int32_t index, int32_t flags) {
+  CiTunesDB *db = Database(instance);
+  refidx *entry = db == nullptr ? nullptr : db->Entry(PlayNum(playlist), index);
+  if (entry != nullptr) entry->flg = flags;
+}
+
+REALboolean ZemRbiTunesDB_CompareSongObject(REALobject instance, int32_t object, int32_t playlist,
+                                            int32_t indexA, int32_t indexB) {
+  const CiTunesDB *db = Database(instance);
+  if (db == nullptr) return REALboolean::False;
+  constexpr int32_t kTexts = 1;
+  if (playlist >= 0) {
+    const auto song = [&](int32_t position) {
+      const refidx *entry = db->Entry(PlayNum(playlist), position);
+      return entry == nullptr ? 0 : entry->idx;
+    };
+    indexA = song(indexA);
+    indexB = song(indexB);
+  }
+  return ToBoolean(db->CompareSongsObjects(object, indexA, indexB, kTexts));
+}
+
+REALboolean ZemRbiTunesDB_CompareArtist(REALobject instance, int32_t indexA, int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectArtist, -1, indexA, indexB);
+}
+REALboolean ZemRbiTunesDB_CompareAlbum(REALobject instance, int32_t indexA, int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectAlbum, -1, indexA, indexB);
+}
+REALboolean ZemRbiTunesDB_CompareGenre(REALobject instance, int32_t indexA, int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectGenre, -1, indexA, indexB);
+}
+REALboolean ZemRbiTunesDB_CompareComposer(REALobject instance, int32_t indexA, int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectComposer, -1, indexA, indexB);
+}
+
+REALboolean ZemRbiTunesDB_ComparePlaylistArtist(REALobject instance, int32_t playlist, int32_t indexA,
+                                                int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectArtist, playlist, indexA, indexB);
+}
+REALboolean ZemRbiTunesDB_ComparePlaylistAlbum(REALobject instance, int32_t playlist, int32_t indexA,
+                                               int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectAlbum, playlist, indexA, indexB);
+}
+REALboolean ZemRbiTunesDB_ComparePlaylistGenre(REALobject instance, int32_t playlist, int32_t indexA,
+                                               int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectGenre, playlist, indexA, indexB);
+}
+REALboolean ZemRbiTunesDB_ComparePlaylistComposer(REALobject instance, int32_t playlist, int32_t indexA,
+                                                  int32_t indexB) {
+  return ZemRbiTunesDB_CompareSongObject(instance, kObjectComposer, playlist, indexA, indexB);
+}

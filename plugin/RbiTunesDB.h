@@ -1,0 +1,304 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "db/CiTunesDB.h"
+#include "sdk/PluginMain.h"
+
+// The scripting class ZemiTunesDB: its class record, its property and method tables, and the functions the
+// host calls.
+//
+// Host-facing functions take the host object first. They answer a neutral value (0, False, the null string,
+// nil) when nothing is loaded or an index is out of range, and never touch the Error property unless they say
+// so. Returned strings and folder items carry one reference, the caller's. The functions here may throw
+// std::bad_alloc; what the tables register answers the neutral value instead.
+
+// A Boolean of the host: 0 or 1, though host code may pass anything.
+enum class REALboolean : int32_t { False = 0, True = 1 };
+
+constexpr REALboolean ToBoolean(bool value) { return value ? REALboolean::True : REALboolean::False; }
+
+// The data block that the host keeps, zero-filled at first, in every object of the class.
+struct RbiTunesDBData {
+  int16_t err;         // the Error property
+  CiTunesDB *db;       // owned; null only when it could not be created
+  REALfolderItem dbf;  // the item of the first accepted Load, not owned; non-null blocks every later Load
+  uint32_t ecd;        // the ResultEncode property
+};
+
+constexpr size_t kPropertyCount = 6;
+constexpr size_t kMethodCount = 130;
+
+extern REALclassDefinition RbiTunesDBClass;
+extern REALclassDefinition *RbiTunesDBClassPointer;
+extern REALproperty RbiTunesDBProperties[kPropertyCount];
+extern REALmethodDefinition RbiTunesDBMethods[kMethodCount];
+
+// The ZerobasePlayerlist property, 0 or 1, shared by all objects.
+extern int32_t gListSet;
+
+// The internal playlist index of a host playlist number.
+inline int32_t PlayNum(int32_t playlist) {
+  return static_cast<int32_t>(static_cast<uint32_t>(playlist) + static_cast<uint32_t>(gListSet));
+}
+
+// The data block of an object; null for a null object.
+inline RbiTunesDBData *InstanceData(REALobject instance) {
+  if (instance == nullptr) return nullptr;
+  return static_cast<RbiTunesDBData *>(REALGetClassData(instance, RbiTunesDBClassPointer));
+}
+
+// The object's database; null when there is none.
+inline CiTunesDB *Database(REALobject instance) {
+  const RbiTunesDBData *data = InstanceData(instance);
+  return data == nullptr ? nullptr : data->db;
+}
+
+// Property accessors.
+int32_t Get_Error(REALobject instance, intptr_t parameter);
+int32_t Get_LibType(REALobject instance, intptr_t parameter);
+REALboolean Get_UseSJIS(REALobject instance, intptr_t parameter);
+void Set_UseSJIS(REALobject instance, intptr_t parameter, REALboolean value);
+int32_t Get_ResultEncode(REALobject instance, intptr_t parameter);
+void Set_ResultEncode(REALobject instance, intptr_t parameter, int32_t value);
+REALstring Get_VolumeName(REALobject instance, intptr_t parameter);
+REALboolean Get_ZeroBasePlayerlist(REALobject instance, intptr_t parameter);
+void Set_ZeroBasePlayerlist(REALobject instance, intptr_t parameter, REALboolean value);
+
+// Life of an object. Load reads the item's file once in the object's life and sets Error: -50 for no item, no
+// specification or no file, 1 for a rejected file, 0 on success. The constructor sets -108 when memory runs
+// out.
+void ZemRbiTunesDB_ZemRbiTunesDB(REALobject instance);
+void ZemRbiTunesDB_Destructor(REALobject instance);
+REALboolean ZemRbiTunesDB_LoadiTunesDB(REALobject instance, REALfolderItem item);
+int32_t ZemRbiTunesDB_CountSongs(REALobject instance);
+int32_t ZemRbiTunesDB_CountPlayLists(REALobject instance);
+int32_t ZemRbiTunesDB_CountPlayListSongs(REALobject instance, int32_t playlist);
+
+// The selectors of the integer dispatchers. L takes a library index, P a playlist and a position, R a track
+// ID.
+enum IntegerSelector : int32_t {
+  kID = 0,                  // L
+  kTrackNumber = 1,         // L
+  kTrackTotal = 2,          // L
+  kPlayListEntryIndex = 3,  // P: the entry's own library index
+  kPlayListEntryRef = 4,    // P: the track ID it refers to
+  kPlayListTrackNumber = 5,
+  kPlayListTrackTotal = 6,
+  kReferIndex = 7,  // R: the library index, 0 for an unknown ID
+  kReferTrackNumber = 8,
+  kReferTrackTotal = 9,
+  kUnknownCount = 10,  // L
+  kProp = 11,          // L; the word's number comes as the playlist
+  kDuration = 12,
+  kPlayListDuration,
+  kReferDuration,
+  kFileSize = 15,
+  kPlayListFileSize,
+  kReferFileSize,
+  kYear = 18,
+  kPlayListYear,
+  kReferYear,
+  kDateAdded = 21,
+  kPlayListDateAdded,
+  kReferDateAdded,
+  kBitrate = 24,
+  kPlayListBitrate,
+  kReferBitrate,
+  kSamplerate = 27,
+  kPlayListSamplerate,
+  kReferSamplerate,
+  kMediaType = 30,
+  kPlayListMediaType,
+  kReferMediaType,
+  kMovieFileFlag = 33,
+  kPlayListMovieFileFlag,
+  kReferMovieFileFlag = 35,
+};
+
+// The value of a selector, as the loader stored it; 0 for a selector outside 0 to 35 and an index out of
+// range.
+int32_t ZemRbiTunesDB_GetIntegerData(REALobject instance, int32_t selector, int32_t index, int32_t playlist);
+
+// Stores a value at a library index, through a cascade that host code depends on: prop, track number, track
+// total, file size, year, media type; each selector stores its own field and all that follow it.
+void ZemRbiTunesDB_SetIntegerData(REALobject instance, int32_t selector, int32_t index, int32_t num,
+                                  int32_t value);
+
+// Where the string dispatchers take a text from: a playlist's name, or a song's named or other object, the
+// song picked by library index, by playlist and position (song 0 for an invalid pair) or by track ID (song 0
+// for an unknown one).
+enum TextSource : int32_t {
+  kFromPlayListName = 0,
+  kFromSong = 1,
+  kFromPlayList = 2,
+  kFromTrackID = 3,
+  kUnknownFromSong = 4,
+  kUnknownFromPlayList = 5,
+  kUnknownFromTrackID = 6,
+};
+
+// A new host string of the text *d with encoding code `encode`, in the encoding that ResultEncode and UseSJIS
+// ask for. `param` is the text's object number; a path always leaves as ASCII. Null for a null or empty text.
+REALstring GetEncodingStringData(const std::string_view *d, uint32_t encode, int32_t param,
+                                 const RbiTunesDBData *iTunes);
+
+// A new host string of a text of unknown form: 8-bit when it is single-byte characters stored as UTF-16 or
+// all printable ASCII, otherwise UTF-16. Null when the host cannot build it.
+REALstring CutOffZeroInString(const std::string_view *d);
+
+// The text, or the encoding code alone, of object `param` of a source; null or 0 for an unknown source.
+REALstring ZemRbiTunesDB_GetEncodingStringData(REALobject instance, int32_t dataType, int32_t param,
+                                               int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetEncodingStringNumber(REALobject instance, int32_t dataType, int32_t param,
+                                              int32_t playlist, int32_t index);
+
+// Replaces a song's text by the host string's bytes and code as they are. Only the source kFromSong is known.
+void ZemRbiTunesDB_SetEncodingStringData(REALobject instance, int32_t dataType, int32_t param,
+                                         int32_t playlist, int32_t index, REALstring data);
+
+// A new folder item for a full colon-separated path, whether or not the file exists; nil for nil, for a path
+// longer than 255 bytes and for one the file manager cannot describe.
+REALfolderItem ZemRbiTunesDB_GetFolderItemFromPath(REALstring path);
+
+// The host's own path of an item; the null string for nil.
+REALstring ZemRbiTunesDB_GetPathFromFolderItem(REALfolderItem item);
+
+// Whether two songs share a text. With a negative playlist the indexes are library indexes, otherwise
+// positions, and an invalid one stands for song 0.
+REALboolean ZemRbiTunesDB_CompareSongObject(REALobject instance, int32_t object, int32_t playlist,
+                                            int32_t indexA, int32_t indexB);
+
+// The methods, in the order of the table.
+int32_t ZemRbiTunesDB_GetID(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetProp(REALobject instance, int32_t index, int32_t num);
+int32_t ZemRbiTunesDB_GetIndexFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetRefNumFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetPlayListEncode(REALobject instance, int32_t playlist);
+int32_t ZemRbiTunesDB_GetPlayListTypeI(REALobject instance, int32_t playlist);
+int32_t ZemRbiTunesDB_GetPlayListTypeII(REALobject instance, int32_t playlist);
+int32_t ZemRbiTunesDB_GetPlayListType(REALobject instance, int32_t playlist, int32_t reqType);
+REALstring ZemRbiTunesDB_GetPlayListName(REALobject instance, int32_t playlist);
+REALstring ZemRbiTunesDB_GetPathWithVolume(REALobject instance, REALstring path);
+REALboolean ZemRbiTunesDB_CompareArtist(REALobject instance, int32_t indexA, int32_t indexB);
+REALboolean ZemRbiTunesDB_CompareAlbum(REALobject instance, int32_t indexA, int32_t indexB);
+REALboolean ZemRbiTunesDB_CompareGenre(REALobject instance, int32_t indexA, int32_t indexB);
+REALboolean ZemRbiTunesDB_CompareComposer(REALobject instance, int32_t indexA, int32_t indexB);
+REALboolean ZemRbiTunesDB_ComparePlaylistArtist(REALobject instance, int32_t playlist, int32_t indexA,
+                                                int32_t indexB);
+REALboolean ZemRbiTunesDB_ComparePlaylistAlbum(REALobject instance, int32_t playlist, int32_t indexA,
+                                               int32_t indexB);
+REALboolean ZemRbiTunesDB_ComparePlaylistGenre(REALobject instance, int32_t playlist, int32_t indexA,
+                                               int32_t indexB);
+REALboolean ZemRbiTunesDB_ComparePlaylistComposer(REALobject instance, int32_t playlist, int32_t indexA,
+                                                  int32_t indexB);
+int32_t ZemRbiTunesDB_CountSongUnknown(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetTrackTotalInfo(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetTitle(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetPath(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetAlbum(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetArtist(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetGenre(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetComposer(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetFileType(REALobject instance, int32_t index);
+REALboolean ZemRbiTunesDB_GetCompilation(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetDataAdded(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetUnknown(REALobject instance, int32_t index, int32_t num);
+int32_t ZemRbiTunesDB_GetTitleEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetPathEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetAlbumEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetArtistEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetGenreEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetComposerEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetFileTypeEncode(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetNumTrack(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetTotalTrack(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetDuration(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetFileSize(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetYear(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetBitrate(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetSamplerate(REALobject instance, int32_t index);
+REALboolean ZemRbiTunesDB_GetMovieFileFlag(REALobject instance, int32_t index);
+int32_t ZemRbiTunesDB_GetMediaType(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetAbsolutePath(REALobject instance, int32_t index);
+REALfolderItem ZemRbiTunesDB_GetFolderItem(REALobject instance, int32_t index);
+REALstring ZemRbiTunesDB_GetAbsolutePath2(REALobject instance, int32_t index);
+void ZemRbiTunesDB_SetTitle(REALobject instance, int32_t index, REALstring title);
+void ZemRbiTunesDB_SetAlbum(REALobject instance, int32_t index, REALstring album);
+void ZemRbiTunesDB_SetArtist(REALobject instance, int32_t index, REALstring artist);
+void ZemRbiTunesDB_SetGenre(REALobject instance, int32_t index, REALstring genre);
+void ZemRbiTunesDB_SetComposer(REALobject instance, int32_t index, REALstring composer);
+void ZemRbiTunesDB_SetNumTrack(REALobject instance, int32_t index, int32_t number);
+void ZemRbiTunesDB_SetTotalTrack(REALobject instance, int32_t index, int32_t total);
+void ZemRbiTunesDB_SetFileSize(REALobject instance, int32_t index, int32_t filesize);
+void ZemRbiTunesDB_SetYear(REALobject instance, int32_t index, int32_t year);
+void ZemRbiTunesDB_SetMediaType(REALobject instance, int32_t index, int32_t flag);
+void ZemRbiTunesDB_SetCompilation(REALobject instance, int32_t index, REALboolean compilation);
+REALstring ZemRbiTunesDB_GetTrackTotalInfoFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetTitleFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetPathFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetAlbumFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetArtistFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetGenreFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetComposerFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetFileTypeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALboolean ZemRbiTunesDB_GetCompilationFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetDataAddedFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetUnknownFromPlayList(REALobject instance, int32_t playlist, int32_t index,
+                                                int32_t num);
+int32_t ZemRbiTunesDB_GetTitleEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetPathEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetAlbumEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetArtistEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetGenreEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetComposerEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetFileTypeEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetNumTrackFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetTotalTrackFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetDurationFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetFileSizeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetYearFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetBitrateFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetSamplerateFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALboolean ZemRbiTunesDB_GetMovieFileFlagFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetMediaTypeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALboolean ZemRbiTunesDB_GetPlaySong(REALobject instance, int32_t playlist, int32_t index);
+void ZemRbiTunesDB_SetPlaySong(REALobject instance, int32_t playlist, int32_t index, REALboolean play);
+int32_t ZemRbiTunesDB_GetFlags(REALobject instance, int32_t playlist, int32_t index);
+void ZemRbiTunesDB_SetFlags(REALobject instance, int32_t playlist, int32_t index, int32_t flags);
+REALstring ZemRbiTunesDB_GetAbsolutePathFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALfolderItem ZemRbiTunesDB_GetFolderItemFromPlayList(REALobject instance, int32_t playlist, int32_t index);
+REALstring ZemRbiTunesDB_GetAbsolutePath2FromPlayList(REALobject instance, int32_t playlist, int32_t index);
+int32_t ZemRbiTunesDB_GetReferIndex(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferTrackTotalInfo(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferTitle(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferPath(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferAlbum(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferArtist(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferGenre(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferComposer(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferFileType(REALobject instance, int32_t trackID);
+REALboolean ZemRbiTunesDB_GetReferCompilation(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferDateAdded(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferUnknown(REALobject instance, int32_t trackID, int32_t num);
+int32_t ZemRbiTunesDB_GetReferTitleEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferPathEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferAlbumEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferArtistEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferGenreEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferComposerEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferFileTypeEncode(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferNumTrack(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferTotalTrack(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferDuration(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferFileSize(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferYear(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferBitrate(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferSamplerate(REALobject instance, int32_t trackID);
+REALboolean ZemRbiTunesDB_GetReferMovieFileFlag(REALobject instance, int32_t trackID);
+int32_t ZemRbiTunesDB_GetReferMediaType(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferAbsolutePath(REALobject instance, int32_t trackID);
+REALfolderItem ZemRbiTunesDB_GetReferFolderItem(REALobject instance, int32_t trackID);
+REALstring ZemRbiTunesDB_GetReferAbsolutePath2(REALobject instance, int32_t trackID);

@@ -1,6 +1,7 @@
 #include "samples/DatabaseWriter.h"
 
 #include <algorithm>
+#include <ostream>
 #include <stdexcept>
 #include <utility>
 
@@ -62,6 +63,10 @@ void AppendHalf(std::string &bytes, size_t value) {
 }
 
 }  // namespace
+
+std::ostream &operator<<(std::ostream &stream, Variant variant) {
+  return stream << (variant == Variant::LittleEndian ? "LittleEndian" : "BigEndian");
+}
 
 std::string_view Tag(Kind kind, Variant variant) {
   static constexpr std::array<std::string_view, 8> kLittle{"mhbd", "mhsd", "mhlt", "mhit",

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +22,9 @@ enum class Variant {
   LittleEndian,  // the player's own file: mhbd, mhsd, ...
   BigEndian      // the desktop library: hdfm, hdsm, ...
 };
+
+// Writes the variant's name, for messages and test names.
+std::ostream &operator<<(std::ostream &stream, Variant variant);
 
 enum class Kind { File, DataSet, TrackList, Track, PlaylistList, Playlist, Entry, Object };
 

@@ -8,7 +8,6 @@
 namespace samples_test {
 namespace {
 
-using samples::DataObject;
 using samples::GeneratedLibrary;
 using samples::Track;
 using samples::Variant;

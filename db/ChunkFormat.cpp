@@ -10,34 +10,40 @@ constexpr uint16_t Half(const char (&text)[3]) {
   return Half(static_cast<uint8_t>(text[0]), static_cast<uint8_t>(text[1]));
 }
 
-// The last two characters of a kind's little-endian tag, then the two halves of its big-endian one. Some
-// pairs do not spell the little-endian tag reversed; that is how the big-endian files are written.
-struct Tag {
-  ChunkKind kind;
-  uint16_t littleCode;
-  uint16_t bigCode;
-  uint16_t bigPad;
-};
-
-constexpr Tag kTags[] = {
-    {ChunkKind::DataSet, Half("sd"), Half("sm"), Half("hd")},
-    {ChunkKind::TrackList, Half("lt"), Half("lm"), Half("ht")},
-    {ChunkKind::Track, Half("it"), Half("im"), Half("ht")},
-    {ChunkKind::PlayListList, Half("lp"), Half("lm"), Half("hp")},
-    {ChunkKind::PlayList, Half("yp"), Half("im"), Half("hp")},
-    {ChunkKind::PlayListEntry, Half("ip"), Half("tm"), Half("hp")},
-    {ChunkKind::DataObject, Half("od"), Half("hm"), Half("ho")},
-};
-
 }  // namespace
 
+// A tag is told by its last two characters alone in the little-endian form, by both halves in the big-endian
+// one. Some big-endian halves do not spell the other tag reversed; that is how those files are written.
 ChunkKind KindOf(const fsbbStruct &fsbb) {
-  const uint16_t pad = Half(fsbb.pad[0], fsbb.pad[1]);
-  const uint16_t code = Half(fsbb.code[0], fsbb.code[1]);
-  for (const Tag &tag : kTags) {
-    if (code == tag.littleCode || (code == tag.bigCode && pad == tag.bigPad)) return tag.kind;
+  const auto padIs = [&](const char(&text)[3]) { return Half(fsbb.pad[0], fsbb.pad[1]) == Half(text); };
+  switch (Half(fsbb.code[0], fsbb.code[1])) {
+    case Half("od"):
+      return ChunkKind::DataObject;
+    case Half("ip"):
+      return ChunkKind::PlayListEntry;
+    case Half("it"):
+      return ChunkKind::Track;
+    case Half("yp"):
+      return ChunkKind::PlayList;
+    case Half("sd"):
+      return ChunkKind::DataSet;
+    case Half("lt"):
+      return ChunkKind::TrackList;
+    case Half("lp"):
+      return ChunkKind::PlayListList;
+    case Half("hm"):
+      return padIs("ho") ? ChunkKind::DataObject : ChunkKind::Other;
+    case Half("tm"):
+      return padIs("hp") ? ChunkKind::PlayListEntry : ChunkKind::Other;
+    case Half("im"):
+      return padIs("ht") ? ChunkKind::Track : padIs("hp") ? ChunkKind::PlayList : ChunkKind::Other;
+    case Half("sm"):
+      return padIs("hd") ? ChunkKind::DataSet : ChunkKind::Other;
+    case Half("lm"):
+      return padIs("ht") ? ChunkKind::TrackList : padIs("hp") ? ChunkKind::PlayListList : ChunkKind::Other;
+    default:
+      return ChunkKind::Other;
   }
-  return ChunkKind::Other;
 }
 
 int32_t LibTypeOf(const fsbbStruct &fsbb) {
@@ -46,23 +52,8 @@ int32_t LibTypeOf(const fsbbStruct &fsbb) {
   return code == Half("fm") && Half(fsbb.pad[0], fsbb.pad[1]) == Half("hd") ? 0 : -1;
 }
 
-uint32_t FileImage::Word(uint64_t at, int32_t libType) const {
+uint32_t FileImage::WordAtEnd(uint64_t at, int32_t libType) const {
   uint8_t bytes[4] = {};
-  const uint8_t *from = bytes;
-  if (Holds(at, 4)) {
-    from = bytes_ + at;
-  } else {
-    for (unsigned i = 0; i < 4; ++i) bytes[i] = Byte(at + i);
-  }
-  uint32_t word = BigEndianWord(from);
-  if (libType == 1) Swap4Byte(&word);
-  return word;
-}
-
-fsbbStruct FileImage::Header(uint32_t at, int32_t libType) const {
-  return {{Byte(at), Byte(at + 1)},
-          {Byte(at + 2), Byte(at + 3)},
-          Word(at + 4, libType),
-          Word(at + 8, libType),
-          Word(at + 12, libType)};
+  for (unsigned i = 0; i < 4; ++i) bytes[i] = Byte(at + i);
+  return WordOf(bytes, libType);
 }

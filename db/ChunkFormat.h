@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "db/ByteOrder.h"
+
 // The records the loader reads from a file, in values: words already in the machine's order.
 
 // The first 16 bytes of every chunk. `jump` is the header's length, the distance to the first child or the
@@ -65,15 +67,32 @@ class FileImage {
   uint8_t *At(uint32_t at) const { return bytes_ + at; }
 
   // The word at `at`, in the byte order of libType; a byte past the end reads as zero.
-  uint32_t Word(uint64_t at, int32_t libType) const;
+  uint32_t Word(uint64_t at, int32_t libType) const {
+    return Holds(at, 4) ? WordOf(bytes_ + at, libType) : WordAtEnd(at, libType);
+  }
 
   // The byte at `at`, or zero past the end.
   uint8_t Byte(uint64_t at) const { return at < size_ ? bytes_[at] : uint8_t{0}; }
 
-  // The chunk header at `at`, with its three words in the order of libType.
-  fsbbStruct Header(uint32_t at, int32_t libType) const;
+  // The chunk header at `at`, with its three words in the order of libType; the caller has asked Holds for
+  // it.
+  fsbbStruct Header(uint32_t at, int32_t libType) const {
+    const uint8_t *header = bytes_ + at;
+    return {{header[0], header[1]},
+            {header[2], header[3]},
+            WordOf(header + 4, libType),
+            WordOf(header + 8, libType),
+            WordOf(header + 12, libType)};
+  }
 
  private:
+  static uint32_t WordOf(const uint8_t *bytes, int32_t libType) {
+    uint32_t word = BigEndianWord(bytes);
+    if (libType == 1) Swap4Byte(&word);
+    return word;
+  }
+  uint32_t WordAtEnd(uint64_t at, int32_t libType) const;
+
   uint8_t *bytes_;
   uint32_t size_;
 };

@@ -2,13 +2,13 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "db/ByteOrder.h"
 #include "db/ByteString.h"
 #include "db/ChunkFormat.h"
+#include "db/LargePages.h"
 #include "db/SongRecords.h"
 #include "db/SongTable.h"
 
@@ -113,5 +113,5 @@ class CiTunesDB {
   void ReadEntry(const FileImage &image, uint32_t at);
   void ReadDataObject(const FileImage &image, uint32_t at, const fsbbStruct &fsbb);
 
-  std::vector<std::unique_ptr<uint8_t[]>> images_;
+  std::vector<LargeBuffer> images_;
 };

@@ -13,15 +13,16 @@ constexpr uint32_t kChunkHeader = 16;
 // a short object's text would begin has an address.
 constexpr size_t kSpare = 48;
 
-// The whole file with the spare bytes after it, or null. `size` gets the file's length.
-std::unique_ptr<uint8_t[]> ReadWhole(FILE *fp, uint32_t *size) {
+// The whole file with the spare bytes after it, or null. Throws std::bad_alloc. `size` gets the file's
+// length.
+LargeBuffer ReadWhole(FILE *fp, uint32_t *size) {
   if (std::fseek(fp, 0, SEEK_END) != 0) return nullptr;
   const long filesize = std::ftell(fp);
   if (filesize < long{kChunkHeader} || filesize > long{INT32_MAX}) return nullptr;
   if (std::fseek(fp, 0, SEEK_SET) != 0) return nullptr;
   const auto bytes = static_cast<size_t>(filesize);
-  std::unique_ptr<uint8_t[]> contents(new (std::nothrow) uint8_t[bytes + kSpare]);
-  if (contents == nullptr || std::fread(contents.get(), 1, bytes, fp) != bytes) return nullptr;
+  LargeBuffer contents = MakeLargeBuffer(bytes + kSpare);
+  if (std::fread(contents.get(), 1, bytes, fp) != bytes) return nullptr;
   std::memset(&contents[bytes], 0, kSpare);
   *size = static_cast<uint32_t>(bytes);
   return contents;
@@ -44,13 +45,13 @@ void Reserve(Table &table, uint32_t announced, uint32_t restOfFile) {
 
 int32_t CiTunesDB::LoadiTunesDB(FILE *fp) noexcept {
   if (fp == nullptr) return 0;
-  uint32_t size = 0;
-  std::unique_ptr<uint8_t[]> contents = ReadWhole(fp, &size);
-  if (contents == nullptr) return 0;
-  const FileImage image(contents.get(), size);
-  const int32_t variant = LibTypeOf(image.Header(0, 0));
-  if (variant < 0) return 0;
   try {
+    uint32_t size = 0;
+    LargeBuffer contents = ReadWhole(fp, &size);
+    if (contents == nullptr) return 0;
+    const FileImage image(contents.get(), size);
+    const int32_t variant = LibTypeOf(image.Header(0, 0));
+    if (variant < 0) return 0;
     images_.push_back(std::move(contents));
     libType = variant;
     Walk(image, image.Header(0, variant).jump);

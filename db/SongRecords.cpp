@@ -1,6 +1,7 @@
 #include "db/SongRecords.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <charconv>
 
 #include "db/ByteOrder.h"
 
@@ -34,6 +35,20 @@ songInfo *BigEndianField(CSongList &song, uint32_t type) {
     default:
       return nullptr;
   }
+}
+
+// Writes the word as the signed number it is shown as, with zeros after the sign up to the width ("%0*d";
+// every load writes two of these a song). Returns the end.
+char *PutDecimal(char *out, uint32_t word, int width) {
+  const auto value = static_cast<int32_t>(word);
+  char digits[12];
+  const char *end = std::to_chars(digits, digits + sizeof digits, value < 0 ? 0U - word : word).ptr;
+  if (value < 0) {
+    *out++ = '-';
+    --width;
+  }
+  for (auto count = end - digits; count < width; ++count) *out++ = '0';
+  return std::copy(static_cast<const char *>(digits), end, out);
 }
 
 songInfo *LittleEndianField(CSongList &song, uint32_t type) {
@@ -120,18 +135,19 @@ int32_t CSongList::SetLocation(const fsbbStruct *fsbb, const uint8_t *start, con
 
 void CSongList::SetTrack(trackParam _track) {
   track = _track;
-  const auto num = static_cast<int32_t>(_track.num);
-  const auto total = static_cast<int32_t>(_track.total);
   char text[50];
+  char *end = text;
   if (_track.total == 0 && _track.num == 0) {
-    std::snprintf(text, sizeof text, "%s", "-");
+    *end++ = '-';
   } else if (_track.total == 0) {
-    std::snprintf(text, sizeof text, "%d", num);
+    end = PutDecimal(end, _track.num, 1);
   } else {
     const int width = _track.total < 100 ? 2 : _track.total < 1000 ? 3 : 4;
-    std::snprintf(text, sizeof text, "%0*d/%0*d", width, num, width, total);
+    end = PutDecimal(end, _track.num, width);
+    *end++ = '/';
+    end = PutDecimal(end, _track.total, width);
   }
-  trackInfo.obj.Append(text);
+  trackInfo.obj.Append({text, static_cast<size_t>(end - text)});
 }
 
 int32_t CPlayList::SetTitle(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "db/LargePages.h"
 #include "db/SongRecords.h"
 #include "db/TrackIDIndex.h"
 
@@ -13,6 +14,8 @@
 // reference got that way is for use before the next search.
 class SongTable {
  public:
+  using Songs = std::vector<CSongList, LargeAllocator<CSongList>>;
+
   size_t size() const { return songs_.size(); }
   size_t capacity() const { return songs_.capacity(); }
   bool empty() const { return songs_.empty(); }
@@ -23,13 +26,13 @@ class SongTable {
     ForgetIDs();
     return songs_[i];
   }
-  std::vector<CSongList>::const_iterator begin() const { return songs_.begin(); }
-  std::vector<CSongList>::const_iterator end() const { return songs_.end(); }
-  std::vector<CSongList>::iterator begin() {
+  Songs::const_iterator begin() const { return songs_.begin(); }
+  Songs::const_iterator end() const { return songs_.end(); }
+  Songs::iterator begin() {
     ForgetIDs();
     return songs_.begin();
   }
-  std::vector<CSongList>::iterator end() { return songs_.end(); }
+  Songs::iterator end() { return songs_.end(); }
 
   // Room for `count` songs in all. Throws std::bad_alloc.
   void reserve(size_t count) { songs_.reserve(count); }
@@ -72,7 +75,7 @@ class SongTable {
     indexed_ = 0;
   }
 
-  std::vector<CSongList> songs_;
+  Songs songs_;
   mutable TrackIDIndex ids_;
   mutable size_t indexed_ = 0;  // the songs before this position are in ids_
 };

@@ -1,0 +1,33 @@
+#include "db/LargePages.h"
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
+
+namespace {
+
+constexpr size_t kBigPage = size_t{2} << 20;
+
+// Below this the rounding to big pages would cost more memory than it saves time.
+constexpr size_t kLarge = 4 * kBigPage;
+
+}  // namespace
+
+void *AllocateLarge(size_t bytes) {
+  if (bytes < kLarge) return ::operator new(bytes);
+  void *block = ::operator new (bytes, std::align_val_t{kBigPage});
+#ifdef MADV_HUGEPAGE
+  // Advice only: where it is refused the block works all the same.
+  static_cast<void>(madvise(block, bytes, MADV_HUGEPAGE));
+#endif
+  return block;
+}
+
+void FreeLarge(void *block, size_t bytes) noexcept {
+  if (block == nullptr) return;
+  if (bytes < kLarge) {
+    ::operator delete(block);
+  } else {
+    ::operator delete (block, std::align_val_t{kBigPage});
+  }
+}

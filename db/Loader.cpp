@@ -73,6 +73,7 @@ void CiTunesDB::Walk(const FileImage &image, uint32_t at) {
         break;
       case ChunkKind::TrackList:
         Reserve(songs, fsbb.myLen, image.Size() - at);
+        if (!songs.empty()) tarSong = &songs.KeepingID(songs.size() - 1);
         break;
       case ChunkKind::Track:
         infoType = libType == 1 ? 1 : 5;
@@ -80,7 +81,9 @@ void CiTunesDB::Walk(const FileImage &image, uint32_t at) {
         ReadTrack(image, at);
         break;
       case ChunkKind::PlayListList:
-        if (listType == 2) Reserve(plays, fsbb.myLen, image.Size() - at);
+        if (listType != 2) break;
+        Reserve(plays, fsbb.myLen, image.Size() - at);
+        if (!plays.empty()) tarPlay = &plays.back();
         break;
       case ChunkKind::PlayList:
         infoType = libType == 1 ? 2 : 6;
@@ -94,7 +97,7 @@ void CiTunesDB::Walk(const FileImage &image, uint32_t at) {
         }
         break;
       case ChunkKind::DataObject:
-        --odcount;
+        odcount = static_cast<int32_t>(static_cast<uint32_t>(odcount) - 1);
         ReadDataObject(image, at, fsbb);
         advance = fsbb.myLen;
         break;
@@ -156,8 +159,7 @@ void CiTunesDB::ReadDataObject(const FileImage &image, uint32_t at, const fsbbSt
       // A raw body is as long as the object without its header, so a header shorter than usual carries it
       // past the object: as far as the file goes it is taken, but copied, for the bytes behind belong to
       // other objects.
-      if (fsbb.jump > fsbb.myLen) return;
-      const uint64_t body = uint64_t{kRawBody} + fsbb.myLen - fsbb.jump;
+      const uint64_t body = uint64_t{kRawBody} + (fsbb.myLen - fsbb.jump);
       if (!image.Holds(at, body)) return;
       if (body > fsbb.myLen) keep = ByteString::Keep::Copy;
     }

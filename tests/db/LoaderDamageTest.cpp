@@ -1,0 +1,137 @@
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "samples/GeneratedLibrary.h"
+#include "tests/db/DatabaseFiles.h"
+#include "tests/db/ReferenceLoader.h"
+
+namespace db_test {
+namespace {
+
+using samples::Variant;
+
+// Whether the loader answers and leaves what the plain reader does, and never holds room for more records
+// than the file has bytes for.
+testing::AssertionResult ReadsAsTheReference(const std::string &file) {
+  CiTunesDB database;
+  ReferenceDatabase expected;
+  const int32_t result = Load(database, file);
+  const int32_t expectedResult = ReferenceLoad(file, expected);
+  if (result != expectedResult) {
+    return testing::AssertionFailure() << "result " << result << ", expected " << expectedResult;
+  }
+  if (!(Plain(database) == expected)) {
+    return testing::AssertionFailure() << "read\n"
+                                       << Describe(Plain(database)) << "expected\n"
+                                       << Describe(expected);
+  }
+  // A table that grows record by record may double its room.
+  const size_t room = file.size() / 16;
+  if (database.songs.capacity() > std::max(room, 2 * database.songs.size()) ||
+      database.plays.capacity() > std::max(room, 2 * database.plays.size())) {
+    return testing::AssertionFailure() << "room for more records than the file could hold";
+  }
+  return testing::AssertionSuccess();
+}
+
+class DamagedFile : public testing::TestWithParam<Variant> {};
+
+INSTANTIATE_TEST_SUITE_P(Loader, DamagedFile, testing::Values(Variant::LittleEndian, Variant::BigEndian));
+
+TEST_P(DamagedFile, SmallLibraryHoldsThreeSongsAndThreePlaylists) {
+  CiTunesDB database;
+  ASSERT_EQ(Load(database, SmallLibrary(GetParam())), 1);
+  EXPECT_EQ(database.songs.size(), 3U);
+  EXPECT_EQ(database.plays.size(), 3U);
+  EXPECT_TRUE(ReadsAsTheReference(SmallLibrary(GetParam())));
+}
+
+TEST_P(DamagedFile, EveryPrefixIsReadAsFarAsItGoes) {
+  const std::string file = SmallLibrary(GetParam());
+  for (size_t n = 0; n <= file.size(); ++n) {
+    ASSERT_TRUE(ReadsAsTheReference(file.substr(0, n))) << "prefix of " << n << " bytes";
+  }
+}
+
+TEST_P(DamagedFile, EveryWordMayBeHostile) {
+  constexpr std::array<uint32_t, 9> kHostile{0,          1,          15,         16,        0x7fffffff,
+                                             0x80000000, 0xfffffff0, 0xffffffff, 0x10000000};
+  const std::string file = SmallLibrary(GetParam());
+  for (size_t at = 0; at + 4 <= file.size(); at += 4) {
+    for (const uint32_t value : kHostile) {
+      samples::ChunkWriter word(GetParam());
+      word.AppendWord(value);
+      std::string damaged = file;
+      damaged.replace(at, 4, word.Bytes());
+      ASSERT_TRUE(ReadsAsTheReference(damaged)) << "word " << value << " at " << at;
+    }
+  }
+}
+
+TEST_P(DamagedFile, EveryTagMayBeAnyOther) {
+  const std::string file = SmallLibrary(GetParam());
+  for (size_t at = 0; at + 4 <= file.size(); at += 2) {
+    for (const Variant variant : {Variant::LittleEndian, Variant::BigEndian}) {
+      for (int kind = 0; kind <= static_cast<int>(samples::Kind::Object); ++kind) {
+        std::string damaged = file;
+        damaged.replace(at, 4, samples::Tag(static_cast<samples::Kind>(kind), variant));
+        ASSERT_TRUE(ReadsAsTheReference(damaged)) << "kind " << kind << " at " << at;
+      }
+    }
+  }
+}
+
+TEST_P(DamagedFile, RandomBytesAreReadAlike) {
+  const std::string file = SmallLibrary(GetParam());
+  samples::Random random(11);
+  for (int round = 0; round < 20000; ++round) {
+    std::string damaged = file;
+    const uint32_t changes = 1 + random.Below(8);
+    for (uint32_t i = 0; i < changes; ++i) {
+      const auto value = static_cast<char>(random.OneIn(2) ? random.Below(64) : random.Below(256));
+      damaged[random.Below(static_cast<uint32_t>(file.size()))] = value;
+    }
+    ASSERT_TRUE(ReadsAsTheReference(damaged)) << "round " << round;
+  }
+}
+
+TEST_P(DamagedFile, ChunksInAnyOrderAreReadAlike) {
+  samples::Random random(12);
+  for (int round = 0; round < 3000; ++round) {
+    samples::ChunkWriter out(GetParam());
+    samples::BeginFile(out, 0, 16);
+    const uint32_t chunks = random.Below(12);
+    for (uint32_t i = 0; i < chunks; ++i) {
+      const auto kind = static_cast<samples::Kind>(1 + random.Below(7));
+      const Variant form = random.OneIn(8) ? Variant::BigEndian : GetParam();
+      const size_t chunk = out.Begin(Tag(kind, form), 16 + 4 * random.Below(16), random.Below(4));
+      out.AppendBytes(std::string(random.Below(40), static_cast<char>('a' + random.Below(4))));
+      if (random.OneIn(3)) {
+        out.PutWord(chunk + 8, random.Below(200));
+      } else {
+        out.Finish(chunk);
+      }
+      if (kind != samples::Kind::Object) out.PutWord(chunk + 4, static_cast<uint32_t>(out.Size() - chunk));
+      if (kind == samples::Kind::Object && out.Size() - chunk > 0x1c) {
+        out.PutWord(chunk + 0x14, random.OneIn(6) ? 1 : 0);
+        out.PutWord(chunk + 0x18, random.Below(3));
+      }
+    }
+    ASSERT_TRUE(ReadsAsTheReference(out.Bytes())) << "round " << round;
+  }
+}
+
+TEST_P(DamagedFile, GeneratedLibraryIsReadAlike) {
+  const samples::GeneratedLibrary library{
+      .seed = 5, .songs = 300, .playlists = 4, .entries = 50, .variant = GetParam()};
+  const std::string file = library.Bytes();
+  EXPECT_TRUE(ReadsAsTheReference(file));
+  samples::Random random(13);
+  for (int round = 0; round < 50; ++round) {
+    EXPECT_TRUE(ReadsAsTheReference(file.substr(0, random.Below(static_cast<uint32_t>(file.size())))));
+  }
+}
+
+}  // namespace
+}  // namespace db_test

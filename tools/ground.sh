@@ -57,7 +57,7 @@ build() {
   say "Building $preset ..."
   (
     flock 9
-    cd "$root"
+    cd "$root" || exit
     log=$directory/build.log
     cmake --preset "$preset" >"$log" 2>&1 9>&- &&
       cmake --build "$directory" ${1:+--target "$@"} >>"$log" 2>&1 9>&- && exit

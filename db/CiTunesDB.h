@@ -114,4 +114,5 @@ class CiTunesDB {
   void ReadDataObject(const FileImage &image, uint32_t at, const fsbbStruct &fsbb);
 
   std::vector<LargeBuffer> images_;
+  uint64_t copied_ = 0;  // bytes of the file being walked that were copied into texts
 };

@@ -28,6 +28,10 @@ LargeBuffer ReadWhole(FILE *fp, uint32_t *size) {
   return contents;
 }
 
+// How many times the file's size may be copied for bodies that reach into other objects. Headers that are
+// merely short stay far below; it takes forged lengths to make every object claim the whole file.
+constexpr uint32_t kCopiesOfFile = 8;
+
 // Room for the records a list announces, but never for more than the rest of the file could hold, and never
 // in steps that would move the records over and over when a file repeats its lists.
 template <typename Table>
@@ -64,6 +68,7 @@ int32_t CiTunesDB::LoadiTunesDB(FILE *fp) noexcept {
 }
 
 void CiTunesDB::Walk(const FileImage &image, uint32_t at) {
+  copied_ = 0;
   for (uint32_t advance = at; advance != 0 && image.Holds(at, kChunkHeader);) {
     const fsbbStruct fsbb = image.Header(at, libType);
     advance = fsbb.jump;
@@ -161,7 +166,11 @@ void CiTunesDB::ReadDataObject(const FileImage &image, uint32_t at, const fsbbSt
       // other objects.
       const uint64_t body = uint64_t{kRawBody} + (fsbb.myLen - fsbb.jump);
       if (!image.Holds(at, body)) return;
-      if (body > fsbb.myLen) keep = ByteString::Keep::Copy;
+      if (body > fsbb.myLen) {
+        keep = ByteString::Keep::Copy;
+        copied_ += body;
+        if (copied_ > uint64_t{kCopiesOfFile} * image.Size()) return;
+      }
     }
     tarSong->SetObj(&fsbb, objPtr, param.res2[0], libType, keep);
   } else if ((infoType == 2 || infoType == 6) && listType == 2 && tarPlay != nullptr) {

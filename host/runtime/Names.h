@@ -1,0 +1,17 @@
+#pragma once
+
+// Names as BASIC compares them: without regard to the case of ASCII letters.
+
+#include <algorithm>
+#include <string_view>
+
+namespace zemhost {
+
+constexpr char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+constexpr bool sameName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lowerCase(x) == lowerCase(y); });
+}
+
+}  // namespace zemhost

@@ -46,8 +46,8 @@ class Object {
   // `ResultEncode = &h0100`. Throws HostError, with the position, when the text cannot be read.
   Value evaluate(std::string_view line) const;
 
-  // The method with this declaration (compared word by word without regard to case), looked up and prepared
-  // once for many calls. Throws HostError when the class has none.
+  // The method of this declaration, looked up and prepared once for many calls. Its name, kinds and result
+  // count, the arguments' names do not. Throws HostError when the class has none.
   Method method(std::string_view declaration) const;
 
   const ClassInfo &classInfo() const;
@@ -113,6 +113,10 @@ class Host {
   const ClassInfo &classInfo(std::string_view name) const;
   // All registered classes in registration order.
   std::vector<const ClassInfo *> classes() const;
+
+  // Methods that belong to no class, in registration order, and a call to one of them, chosen as for objects.
+  const std::vector<MethodInfo> &methods() const;
+  Value call(std::string_view name, std::initializer_list<Value> arguments = {}) const;
 
   // A new object; its "Constructor" has run with these arguments.
   Object make(std::string_view className, std::initializer_list<Value> arguments = {}) const;

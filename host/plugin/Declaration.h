@@ -5,21 +5,14 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
+#include "host/plugin/ParseResult.h"
 #include "host/plugin/Value.h"
 
 namespace zemhost {
 
-struct ParseError {
-  size_t position;      // byte offset in the text
-  std::string message;  // what was expected and what stands there
-};
-
-// Either what was read or why it could not be.
-template <typename T>
-using Parsed = std::variant<T, ParseError>;
+constexpr size_t kMaxArguments = 32;
 
 struct Argument {
   std::string name;
@@ -33,8 +26,16 @@ struct Declaration {
 };
 
 // Reads one declaration: a name, arguments in parentheses where there are any, and a result where there is
-// one. Words are matched without regard to case. Takes any bytes; the work is linear in their number.
+// one. Words are matched without regard to case. Takes any bytes; the work is linear in their number. At most
+// kMaxArguments arguments, each of another name.
 Parsed<Declaration> parseDeclaration(std::string_view text);
+
+// The declaration as this host writes it, with single blanks: "GetTitle(index As Integer) As String".
+std::string toText(const Declaration &declaration);
+
+// True when the two names are equal without regard to case and the arguments have the same kinds: host code
+// could not tell them apart.
+bool sameCall(const Declaration &a, const Declaration &b);
 
 // Reads a type's name; Kind::None when it is not one of Integer, Boolean, String and FolderItem.
 Kind kindFromName(std::string_view name);

@@ -49,8 +49,8 @@ class Value {
   uint32_t encoding() const { return string().encoding(); }
 
   // The value on one line as host code would write it, with the encoding's name for a string:
-  //   12    True    "Blue ""Train""" (UTF-8)    nil    iPod:iPod_Control:iTunes (no such file)
-  // Control characters show as Chr(9); a value without a result gives "(no result)".
+  //   12    True    "Blue ""Train""" (UTF-8)    nil    "iPod:Music:F00:A.mp3" (no such file)
+  // Control characters show as Chr(9); a call without a result gives "(no result)".
   std::string describe() const;
 
  private:

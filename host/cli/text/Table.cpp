@@ -1,0 +1,101 @@
+#include "host/cli/text/Table.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "host/cli/text/DisplayText.h"
+
+namespace zemhost {
+
+namespace {
+
+constexpr std::string_view kGap = "  ";
+
+}  // namespace
+
+Table::Table(std::vector<Column> columns) : columns_(std::move(columns)), used_(columns_.size()) {
+  for (const Column &column : columns_) widths_.push_back(displayWidth(column.heading));
+}
+
+void Table::addRow(std::vector<std::string> cells) {
+  if (cells.size() != columns_.size()) throw std::invalid_argument("a table row needs one cell per column");
+  for (size_t i = 0; i < cells.size(); ++i) {
+    cells[i] = safeText(cells[i]);
+    widths_[i] = std::max(widths_[i], displayWidth(cells[i]));
+    if (!cells[i].empty()) used_[i] = true;
+  }
+  rows_.push_back(std::move(cells));
+}
+
+void Table::write(std::ostream &out, std::optional<size_t> width) const {
+  const std::vector<Slot> slots = width ? columnsWithin(*width) : wholeColumns();
+  std::vector<std::string> headings;
+  for (const Column &column : columns_) headings.push_back(column.heading);
+  writeRow(out, headings, slots, width);
+  for (const auto &row : rows_) writeRow(out, row, slots, width);
+}
+
+std::vector<Table::Slot> Table::wholeColumns() const {
+  std::vector<Slot> slots;
+  for (size_t i = 0; i < columns_.size(); ++i) slots.push_back({i, widths_[i]});
+  return slots;
+}
+
+std::vector<Table::Slot> Table::columnsWithin(size_t width) const {
+  const auto least = [this](size_t column) {
+    const size_t floor = columns_[column].leastWidth;
+    return floor == 0 ? widths_[column] : std::min(widths_[column], floor);
+  };
+  const auto total = [](const std::vector<Slot> &slots) {
+    size_t sum = slots.empty() ? 0 : (slots.size() - 1) * kGap.size();
+    for (const Slot &slot : slots) sum += slot.width;
+    return sum;
+  };
+
+  std::vector<Slot> slots;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    if (used_[i] || rows_.empty()) slots.push_back({i, least(i)});
+  }
+  while (total(slots) > width) {
+    const auto last = std::max_element(slots.begin(), slots.end(), [this](const Slot &a, const Slot &b) {
+      return columns_[a.column].leaveOut < columns_[b.column].leaveOut;
+    });
+    if (last == slots.end() || columns_[last->column].leaveOut == 0) break;
+    slots.erase(last);
+  }
+
+  // Hand the room that is left to the narrowest of the columns that are still cut, cell by cell.
+  for (size_t room = width - std::min(width, total(slots)); room > 0; --room) {
+    Slot *narrowest = nullptr;
+    for (Slot &slot : slots) {
+      if (slot.width < widths_[slot.column] && (narrowest == nullptr || slot.width < narrowest->width)) {
+        narrowest = &slot;
+      }
+    }
+    if (narrowest == nullptr) break;
+    ++narrowest->width;
+  }
+  return slots;
+}
+
+void Table::writeRow(std::ostream &out, const std::vector<std::string> &cells, const std::vector<Slot> &slots,
+                     std::optional<size_t> width) const {
+  std::string line;
+  size_t blanks = 0;  // not written until text follows them
+  for (const Slot &slot : slots) {
+    if (&slot != slots.data()) blanks += kGap.size();
+    const std::string cell = cutToWidth(cells[slot.column], slot.width);
+    const size_t padding = slot.width - displayWidth(cell);
+    const bool right = columns_[slot.column].align == Column::Align::Right;
+    if (right) blanks += padding;
+    if (!cell.empty()) {
+      line.append(blanks, ' ').append(cell);
+      blanks = 0;
+    }
+    if (!right) blanks += padding;
+  }
+  out << (width ? cutToWidth(line, *width) : line) << '\n';
+}
+
+}  // namespace zemhost

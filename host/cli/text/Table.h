@@ -1,0 +1,54 @@
+#pragma once
+
+// Aligned columns of text on a terminal or in a pipe.
+
+#include <cstddef>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace zemhost {
+
+struct Column {
+  enum class Align { Left, Right };
+
+  std::string heading;
+  Align align = Align::Left;
+  // Where room is short, cells may be cut to this many terminal cells; 0: they are never cut.
+  size_t leastWidth = 0;
+  // Where room is short even so, columns are left out, the highest of these numbers first; 0: always shown.
+  int leaveOut = 0;
+};
+
+class Table {
+ public:
+  explicit Table(std::vector<Column> columns);
+
+  // Adds a row of one cell per column, made safe for a terminal. Throws std::invalid_argument for another
+  // number of cells.
+  void addRow(std::vector<std::string> cells);
+
+  // Writes headings and rows, one a line, no blanks at the end of a line. Without a width every cell of every
+  // column is written whole. With one no line takes more terminal cells than that: columns that are empty
+  // throughout or lose their place are left out, and texts are cut with an ellipsis.
+  void write(std::ostream &out, std::optional<size_t> width) const;
+
+ private:
+  struct Slot {  // a column that is shown
+    size_t column;
+    size_t width;
+  };
+
+  std::vector<Slot> wholeColumns() const;
+  std::vector<Slot> columnsWithin(size_t width) const;
+  void writeRow(std::ostream &out, const std::vector<std::string> &cells, const std::vector<Slot> &slots,
+                std::optional<size_t> width) const;
+
+  std::vector<Column> columns_;
+  std::vector<size_t> widths_;  // of the widest cell or heading of each column
+  std::vector<bool> used_;      // whether any cell of the column holds text
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace zemhost

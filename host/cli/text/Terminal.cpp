@@ -1,0 +1,24 @@
+#include "host/cli/text/Terminal.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <string_view>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace zemhost {
+
+std::optional<size_t> terminalWidth() {
+  if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  constexpr size_t kUsual = 80;
+  const char *const columns = std::getenv("COLUMNS");
+  if (columns == nullptr) return kUsual;
+  const std::string_view text = columns;
+  size_t width = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), width);
+  return error == std::errc() && end == text.data() + text.size() && width > 0 ? width : kUsual;
+}
+
+}  // namespace zemhost

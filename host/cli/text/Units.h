@@ -1,0 +1,43 @@
+#pragma once
+
+// The numbers of a song in a person's units. Zero means "not known" in the database and shows as no text,
+// except in the totals.
+
+#include <cstdint>
+#include <string>
+
+namespace zemhost {
+
+// The value of a rate word as the class gives it: the four bytes of the file, first one highest. Those of a
+// little-endian file (LibType other than 0) come reversed, those of a big-endian one straight.
+uint32_t rateWord(int32_t fromClass, int32_t libType);
+
+// Hertz, rounded, of a sample rate word in 16.16 fixed point.
+uint32_t sampleRateHertz(uint32_t rateWord);
+
+// "3:05", "1:02:03": whole minutes and seconds of milliseconds, the rest cut off.
+std::string durationText(uint32_t milliseconds);
+
+// As durationText, with days in front from 24 hours on: "2 days 3:04:05". "0:00" for nothing.
+std::string totalTimeText(uint64_t milliseconds);
+
+// "512 B", "48.1 kB", "3.4 MB", "1.25 GB", in powers of 1000.
+std::string sizeText(uint64_t bytes);
+
+// As sizeText, but "0 B" for nothing.
+std::string totalSizeText(uint64_t bytes);
+
+// "128 kbit/s".
+std::string bitRateText(uint32_t kilobitsPerSecond);
+
+// "44.1 kHz", with as many decimals as the rate needs.
+std::string sampleRateText(uint32_t hertz);
+
+// "2004-08-09 10:11:12", the date and time on the clock of whoever stored it: seconds since the start of
+// 1904, in no time zone.
+std::string dateText(uint32_t secondsSince1904);
+
+// The number in decimal.
+std::string numberText(uint32_t number);
+
+}  // namespace zemhost

@@ -1,0 +1,73 @@
+#include "host/cli/library/StoredText.h"
+
+#include <utility>
+
+#include "host/cli/library/FileWord.h"
+#include "host/runtime/TextEncoding.h"
+
+namespace zemhost {
+
+namespace {
+
+// Encoding words of the file.
+constexpr uint32_t kWordUtf16 = 1;
+constexpr uint32_t kWordUtf8 = 2;
+
+// The class's code for a text that it keeps as raw bytes.
+constexpr uint32_t kRawCode = 0;
+// Its code for a name whose form it guesses: plain ASCII comes converted to UTF-16, all else as it stands.
+constexpr uint32_t kGuessedCode = 3;
+
+std::string toUtf8(std::string_view bytes, uint32_t encoding) {
+  return convertText(bytes, encoding, kUtf8).bytes;
+}
+
+// Mac Roman unless the encoding word says otherwise.
+std::string byteText(std::string_view bytes, uint32_t encodingWord) {
+  return toUtf8(bytes, encodingWord == kWordUtf8 ? kUtf8 : kMacRoman);
+}
+
+std::string recordText(std::string_view record, bool bigEndian) {
+  constexpr size_t kHeader = 16;
+  if (record.size() < kHeader) return toUtf8(record, kMacRoman);
+  const uint32_t length = wordAt(record, 4, bigEndian);
+  return byteText(record.substr(kHeader, length), wordAt(record, 0, bigEndian));
+}
+
+bool isUtf16OfAscii(std::string_view bytes) {
+  if (bytes.size() % 2 != 0) return false;
+  for (size_t i = 0; i < bytes.size(); i += 2) {
+    if (bytes[i] != '\0') return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string songText(std::string_view bytes, uint32_t code, int32_t libType) {
+  if (bytes.empty()) return {};
+  return code == kRawCode ? recordText(bytes, libType == 0) : toUtf8(bytes, kUtf16);
+}
+
+std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libType) {
+  if (libType == 0) {
+    const bool utf16 = code == kWordUtf16 || (code == kGuessedCode && isUtf16OfAscii(bytes));
+    return utf16 ? toUtf8(bytes, kUtf16) : byteText(bytes, code);
+  }
+  // The code is the file's word with its bytes reversed, and every name has had its byte pairs swapped.
+  const uint32_t word = reversedWord(code);
+  if (word == kWordUtf16) return toUtf8(bytes, kUtf16);
+  std::string straight(bytes);
+  for (size_t i = 0; i + 1 < straight.size(); i += 2) std::swap(straight[i], straight[i + 1]);
+  return byteText(straight, word);
+}
+
+std::string pathText(std::string_view bytes, int32_t libType) {
+  if (libType == 0) return toUtf8(bytes, kMacRoman);
+  // The class has reduced each UTF-16 unit below 256 to one byte.
+  std::string units;
+  for (const char byte : bytes) units.append(1, '\0').append(1, byte);
+  return toUtf8(units, kUtf16);
+}
+
+}  // namespace zemhost

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+namespace zemhost {
+
+// Writes one line to standard error: the program's name and the message, made safe for a terminal.
+void printError(std::string_view message);
+
+}  // namespace zemhost

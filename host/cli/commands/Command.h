@@ -1,0 +1,26 @@
+#pragma once
+
+// The commands of the program. Each lives in a file of its own and is listed once below and in main.cpp.
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+namespace zemhost {
+
+// What the command that was asked for does; returns the exit status. Throws HostError for bad input.
+using Action = std::function<int()>;
+
+// Adds the argument PATH, which every command that reads a database takes.
+void addPathArgument(CLI::App &command, std::string &path);
+
+// Each adds its command to the program; when the command line names it, it leaves its work in `action`, which
+// must outlive the program's parsing.
+void addSongsCommand(CLI::App &program, Action &action);
+void addPlaylistsCommand(CLI::App &program, Action &action);
+void addPlaylistCommand(CLI::App &program, Action &action);
+void addInfoCommand(CLI::App &program, Action &action);
+void addCallCommand(CLI::App &program, Action &action);
+void addClassCommand(CLI::App &program, Action &action);
+
+}  // namespace zemhost

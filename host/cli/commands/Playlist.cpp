@@ -1,0 +1,60 @@
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Error.h"
+#include "host/cli/ExitStatus.h"
+#include "host/cli/commands/Command.h"
+#include "host/cli/commands/SongTable.h"
+#include "host/cli/library/PlaylistChoice.h"
+
+namespace zemhost {
+
+namespace {
+
+struct Arguments {
+  std::string path;
+  std::string playlist;
+};
+
+int32_t chosenPlaylist(const MusicLibrary &library, const std::string &wanted) {
+  std::vector<std::string> names;
+  const int32_t count = library.playlistCount();
+  for (int32_t number = 0; number < count; ++number) names.push_back(library.playlistName(number));
+  try {
+    return choosePlaylist(names, wanted);
+  } catch (const HostError &error) {
+    throw HostError(library.location().name + ": " + error.what());
+  }
+}
+
+int listPlaylist(const Arguments &arguments) {
+  const MusicLibrary library(openDatabase(arguments.path));
+  const int32_t playlist = chosenPlaylist(library, arguments.playlist);
+  SongTable table;
+  const int32_t count = library.entryCount(playlist);
+  for (int32_t position = 0; position < count; ++position) {
+    const PlaylistEntry entry = library.entry(playlist, position);
+    if (entry.song < 0) {
+      table.addMissingSong(position, entry.trackID);
+    } else {
+      table.addSong(position, library.song(entry.song));
+    }
+  }
+  table.write(std::cout);
+  return kSuccess;
+}
+
+}  // namespace
+
+void addPlaylistCommand(CLI::App &program, Action &action) {
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App *const command = program.add_subcommand("playlist", "List the songs of one playlist");
+  addPathArgument(*command, arguments->path);
+  command->add_option("PLAYLIST", arguments->playlist, "Its number, its name, or the beginning of its name")
+      ->required();
+  command->callback([arguments, &action] { action = [arguments] { return listPlaylist(*arguments); }; });
+}
+
+}  // namespace zemhost

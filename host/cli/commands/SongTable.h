@@ -1,0 +1,35 @@
+#pragma once
+
+// How songs are shown, wherever they are listed.
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+
+#include "host/cli/library/MusicLibrary.h"
+#include "host/cli/text/Table.h"
+
+namespace zemhost {
+
+class SongTable {
+ public:
+  SongTable();
+
+  // One row, and its share in the totals. `number` is what stands in the first column.
+  void addSong(int32_t number, const Song &song);
+  // A row for a playlist entry whose song is not in the library.
+  void addMissingSong(int32_t number, int32_t trackID);
+
+  // Writes the table, to the terminal's width when standard output is one, and a line that sums it up.
+  void write(std::ostream &out) const;
+
+ private:
+  Table table_;
+  Totals totals_;
+  uint64_t missing_ = 0;
+};
+
+// "1181 songs", "1 song".
+std::string countText(uint64_t count, const std::string &singular, const std::string &plural);
+
+}  // namespace zemhost

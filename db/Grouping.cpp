@@ -1,6 +1,8 @@
-#include <functional>
+#include <array>
+#include <cstring>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "db/CiTunesDB.h"
 
@@ -10,56 +12,106 @@
 
 namespace {
 
-struct GroupKey {
-  std::string_view text;
-  std::string_view artist;  // an album is the same only with the same artist; empty for the other cells
+uint64_t Mix(uint64_t h) {
+  h *= 0x9e3779b97f4a7c15;
+  return h ^ h >> 32;
+}
 
-  friend bool operator==(const GroupKey &, const GroupKey &) = default;
-};
-
-struct GroupKeyHash {
-  size_t operator()(const GroupKey &key) const {
-    const std::hash<std::string_view> hash;
-    return hash(key.text) * 31 + hash(key.artist);
+// Eight bytes at a step; the result serves tables of this process only.
+uint64_t HashText(std::string_view text, uint64_t h) {
+  size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    uint64_t word = 0;
+    std::memcpy(&word, text.data() + i, sizeof word);
+    h = Mix(h ^ word);
   }
-};
+  uint64_t tail = 0;
+  std::memcpy(&tail, text.data() + i, text.size() - i);
+  return Mix(Mix(h ^ tail) ^ text.size());
+}
 
-// The groups of one cell, over all songs.
+// The groups of one cell, over all songs: an open-addressing table from a text to the group's number.
 class Groups {
  public:
-  Groups(songInfo CSongList::*cell, const SongTable &songs) : cell_(cell) {
-    for (const CSongList &song : songs) {
-      if ((song.*cell).idx >= 0) continue;
-      needed_ = true;
-      if (!(song.*cell).obj.empty()) textsNeeded_ = true;
-    }
+  Groups(songInfo CSongList::*cell, const SongTable &songs)
+      : cell_(cell), songs_(songs), seed_(Mix(reinterpret_cast<uintptr_t>(&songs))) {}
+
+  // Sees what there is to number; called for every song before the first joins.
+  void Consider(const CSongList &song) {
+    const songInfo &cell = song.*cell_;
+    if (cell.idx >= 0) return;
+    needed_ = true;
+    if (!cell.obj.empty()) textsNeeded_ = true;
   }
 
-  // Gives the song's cell the number of its group, when that has one already and the cell has none. Otherwise
+  // Gives song i's cell the number of its group, when that has one already and the cell has none. Otherwise
   // the group starts with this song, and Start tells its number.
-  void Join(CSongList &song) {
+  void Join(CSongList &song, size_t i) {
     starting_ = nullptr;
     songInfo &cell = song.*cell_;
     if (!needed_ || (!textsNeeded_ && !cell.obj.empty())) return;
-    const GroupKey key = {cell.obj.View(), cell_ == &CSongList::album ? song.artist.obj.View() : ""};
-    const auto [group, isNew] = numbers_.try_emplace(key, 0);
-    if (isNew) {
-      starting_ = &group->second;
+    if (2 * (used_ + 1) > slots_.size()) Grow();
+    Slot &slot = Locate(song);
+    if (slot.first == kFree) {
+      slot.first = static_cast<uint32_t>(i);
+      ++used_;
+      starting_ = &slot;
     } else if (cell.idx < 0) {
-      cell.idx = group->second;
+      cell.idx = slot.number;
     }
   }
 
   void Start(int32_t number) {
-    if (starting_ != nullptr) *starting_ = number;
+    if (starting_ != nullptr) starting_->number = number;
   }
 
  private:
+  static constexpr uint32_t kFree = UINT32_MAX;
+  struct Slot {
+    uint32_t hash = 0;
+    uint32_t first = kFree;  // the group's first song
+    int32_t number = 0;
+  };
+
+  // An album is the same only with the same artist.
+  bool IsAlbum() const { return cell_ == &CSongList::album; }
+
+  bool SameGroup(const CSongList &a, const CSongList &b) const {
+    return (a.*cell_).obj == (b.*cell_).obj && (!IsAlbum() || a.artist.obj == b.artist.obj);
+  }
+
+  Slot &Locate(const CSongList &song) {
+    uint64_t h = HashText((song.*cell_).obj, seed_);
+    if (IsAlbum()) h = HashText(song.artist.obj, h);
+    const auto hash = static_cast<uint32_t>(h);
+    size_t at = hash & (slots_.size() - 1);
+    while (slots_[at].first != kFree &&
+           (slots_[at].hash != hash || !SameGroup(songs_[slots_[at].first], song))) {
+      at = (at + 1) & (slots_.size() - 1);
+    }
+    slots_[at].hash = hash;
+    return slots_[at];
+  }
+
+  void Grow() {
+    std::vector<Slot> old(slots_.empty() ? 64 : 2 * slots_.size());
+    old.swap(slots_);
+    for (const Slot &slot : old) {
+      if (slot.first == kFree) continue;
+      size_t at = slot.hash & (slots_.size() - 1);
+      while (slots_[at].first != kFree) at = (at + 1) & (slots_.size() - 1);
+      slots_[at] = slot;
+    }
+  }
+
   songInfo CSongList::*cell_;
+  const SongTable &songs_;
+  uint64_t seed_;             // so that no file can be made whose texts all meet in one place
   bool needed_ = false;       // some song's cell is unnumbered
   bool textsNeeded_ = false;  // and not only cells without a text are
-  std::unordered_map<GroupKey, int32_t, GroupKeyHash> numbers_;
-  int32_t *starting_ = nullptr;
+  std::vector<Slot> slots_;   // a power of two of them
+  size_t used_ = 0;
+  Slot *starting_ = nullptr;
 };
 
 }  // namespace
@@ -70,6 +122,11 @@ void CiTunesDB::SetSongsObjectIndex() {
   Groups genres(&CSongList::genre, songs);
   Groups composers(&CSongList::composer, songs);
   Groups filetypes(&CSongList::filetype, songs);
+  const std::array<Groups *, 5> all = {&artists, &albums, &genres, &composers, &filetypes};
+  for (const CSongList &song : std::as_const(songs)) {
+    for (Groups *groups : all) groups->Consider(song);
+  }
+
   int32_t artist = 0;
   int32_t album = 0;
   int32_t genre = 0;
@@ -77,7 +134,7 @@ void CiTunesDB::SetSongsObjectIndex() {
 
   for (size_t i = 0; i < songs.size(); ++i) {
     CSongList &song = songs.KeepingID(i);
-    for (Groups *groups : {&artists, &albums, &genres, &composers, &filetypes}) groups->Join(song);
+    for (Groups *groups : all) groups->Join(song, i);
     if (i + 1 == songs.size()) break;
 
     // Every count lands in the artist's cell, and composers and file types share a counter but take the

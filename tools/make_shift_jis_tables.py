@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Write unicode/ShiftJISTables.cpp from the published Shift_JIS mapping.
+"""Write unicode/ShiftJISTables.h from the published Shift_JIS mapping.
 
 The mapping has one line per code: the Shift_JIS code, a tab, the Unicode code point ("0x82A0<tab>U+3042"); lines
 that start with '#' are comments. Each table runs from the first to the last low byte its page maps.
@@ -12,7 +12,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 DEFAULT_MAPPING = ROOT.parent / "shared" / "data" / "shift_jis_mapping.tsv"
-DEFAULT_OUTPUT = ROOT / "unicode" / "ShiftJISTables.cpp"
+DEFAULT_OUTPUT = ROOT / "unicode" / "ShiftJISTables.h"
 
 # U+FFE5 is mapped but has never been part of the tables: page FF ends at U+FFE3.
 LEFT_OUT = {0xFFE5}
@@ -25,9 +25,20 @@ HEADER = """\
 //
 // From the Unicode Consortium's published mapping SHIFTJIS.TXT (JIS X 0208 and the JIS X 0201 katakana).
 
-#include "unicode/ShiftJISTables.h"
+#pragma once
+
+#include <cstdint>
 
 // clang-format off
+
+// The codes of one Unicode page (the code units with one high byte): codes[k] belongs to the low byte first + k.
+// A code is a double-byte Shift_JIS code (lead byte high), a single-byte one below 0x100, or 0: no mapping.
+// A page without a table has no codes and a count of 0.
+struct ShiftJISPage {
+  const std::uint16_t *codes;
+  std::uint8_t first;
+  std::uint16_t count;
+};
 
 """
 
@@ -80,20 +91,19 @@ def pages_of(mapping):
 
 
 def table_text(page, first, codes):
-    linkage = "" if page == 0 else "static "
-    lines = [
-        f"// U+{page:02X}{first:02X} to U+{page:02X}{first + len(codes) - 1:02X}",
-        f"{linkage}const std::uint16_t changetoShiftJIS{page:02X}[{len(codes)}] = {{",
-    ]
+    lines = [f"inline constexpr std::uint16_t changetoShiftJIS{page:02X}[{len(codes)}] = {{"]
     for start in range(0, len(codes), CODES_PER_LINE):
         lines.append("    " + ", ".join(f"0x{code:04X}" for code in codes[start : start + CODES_PER_LINE]) + ",")
-    return "\n".join(lines) + "\n};\n\n"
+    comment = f"// U+{page:02X}{first:02X} to U+{page:02X}{first + len(codes) - 1:02X}"
+    if page == 0:
+        comment += ", kept with the others and never consulted: page 00 goes by rule"
+    return "\n".join([comment, *lines]) + "\n};\n\n"
 
 
 def source_text(pages):
     parts = [HEADER]
     parts += [table_text(page, first, codes) for page, (first, codes) in pages.items()]
-    parts.append("const ShiftJISPage shiftJISPages[256] = {\n")
+    parts.append("// One row per high byte.\ninline constexpr ShiftJISPage shiftJISPages[256] = {\n")
     for page in range(0x100):
         first, codes = pages.get(page, (0, []))
         has_table = codes and page != 0

@@ -8,7 +8,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 SCRIPT = ROOT / "tools" / "make_shift_jis_tables.py"
-COMMITTED = ROOT / "unicode" / "ShiftJISTables.cpp"
+COMMITTED = ROOT / "unicode" / "ShiftJISTables.h"
 MAPPING = ROOT.parent / "shared" / "data" / "shift_jis_mapping.tsv"
 
 SMALL = "# comment\n0x41\tU+0041\n0x815F\tU+005C\n0x82A0\tU+3042\n0x82A4\tU+3046\n0x818F\tU+FFE5\n"

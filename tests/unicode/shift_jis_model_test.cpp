@@ -95,15 +95,19 @@ TEST(ShiftJISModel, RandomTitlesConvertAlike) { ExpectSameAsModel(20240501, 200'
 
 TEST(ShiftJISModel, RandomTextsOfManyGrowthsConvertAlike) { ExpectSameAsModel(20240502, 600, 24'000); }
 
-TEST(ShiftJISModel, EveryUnitConvertsAlikeAfterAnotherAndInBothOrders) {
+TEST(ShiftJISModel, EveryUnitConvertsAlikeAmongOthersAndInBothOrders) {
   for (unsigned unit = 0; unit < 0x10000; ++unit) {
     const auto high = static_cast<char>(unit >> 8);
     const auto low = static_cast<char>(unit & 0xFF);
+    const std::string highFirst = {0x30, 0x42, high, low, 0x30, 0x44, 0x30, 0x46, 0x00, 0x7E};
+    const std::string lowFirst = {'\xFE', '\xFF', 0x42, 0x30, low, high, 0x44, 0x30, 0x46, 0x30, 0x7E, 0x00};
     for (const std::int32_t encode : {1, 2}) {
-      ASSERT_NO_FATAL_FAILURE(ExpectSameAsModel({0x30, 0x42, high, low, 0x00, 0x7E}, encode))
-          << std::hex << unit;
-      ASSERT_NO_FATAL_FAILURE(ExpectSameAsModel({'\xFE', '\xFF', 0x42, 0x30, low, high, 0x7E, 0x00}, encode))
-          << std::hex << unit;
+      for (std::size_t units = 2; units <= 5; ++units) {
+        ASSERT_NO_FATAL_FAILURE(ExpectSameAsModel(highFirst.substr(0, 2 * units), encode))
+            << std::hex << unit;
+        ASSERT_NO_FATAL_FAILURE(ExpectSameAsModel(lowFirst.substr(0, 2 * units + 2), encode))
+            << std::hex << unit;
+      }
     }
   }
 }

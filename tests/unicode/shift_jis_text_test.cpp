@@ -9,7 +9,7 @@
 
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 constexpr std::int32_t kUtf16Code = 1;
 constexpr std::int32_t kAsItIsCode = 3;
@@ -232,6 +232,7 @@ TEST(ShiftJISStored, OddLengthReadsAZeroAfterTheText) {
   const std::string_view odd = std::string_view(bytes).substr(0, 3);
   EXPECT_EQ(Stored(odd, kUtf16Code), "A\x81\x40");
   EXPECT_EQ(Stored(odd, kOtherCode), "A\x81\x40");
+  EXPECT_EQ(Stored(std::string_view("\x00\x41\x00\x42", 3), kOtherCode), "A");
   EXPECT_EQ(Stored("\x00\xE9\x00"s, kOtherCode), "");
   EXPECT_EQ(Stored("\x00\x41\x00"s, kOtherCode), "A");
   EXPECT_EQ(Stored("\xFE\xFF\x41"s, kOtherCode), "A");

@@ -4,7 +4,9 @@
 
 #include "samples/GeneratedLibrary.h"
 #include "tests/db/DatabaseFiles.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
+#include "tests/model/Loader.h"
+#include "tests/model/Queries.h"
 
 namespace db_test {
 namespace {
@@ -14,14 +16,14 @@ using samples::Variant;
 
 struct CellPair {
   songInfo CSongList::*real;
-  ReferenceCell ReferenceSong::*plain;
+  model::Cell model::Song::*plain;
 };
 
-constexpr CellPair kCells[] = {{&CSongList::artist, &ReferenceSong::artist},
-                               {&CSongList::album, &ReferenceSong::album},
-                               {&CSongList::genre, &ReferenceSong::genre},
-                               {&CSongList::composer, &ReferenceSong::composer},
-                               {&CSongList::filetype, &ReferenceSong::filetype}};
+constexpr CellPair kCells[] = {{&CSongList::artist, &model::Song::artist},
+                               {&CSongList::album, &model::Song::album},
+                               {&CSongList::genre, &model::Song::genre},
+                               {&CSongList::composer, &model::Song::composer},
+                               {&CSongList::filetype, &model::Song::filetype}};
 
 // Songs in the database and in the plain records alike.
 class Songs {
@@ -36,7 +38,7 @@ class Songs {
   }
   void Number() {
     database_.SetSongsObjectIndex();
-    NumberByPairs(plain_);
+    model::SetSongsObjectIndex(plain_);
   }
   [[nodiscard]] bool Agree() const { return Plain(database_).songs == plain_; }
   [[nodiscard]] int32_t Idx(size_t song, const CellPair &cell) const {
@@ -46,7 +48,7 @@ class Songs {
 
  private:
   CiTunesDB database_;
-  std::vector<ReferenceSong> plain_;
+  std::vector<model::Song> plain_;
 };
 
 TEST(Grouping, OfThreeSongsWithoutTextsCrossesItsCounters) {
@@ -210,9 +212,9 @@ TEST_P(GroupingOfAFile, IsThatOfComparingEveryPair) {
     }
     const std::string file = samples::WriteLibrary(samples::OrdinaryLibrary(tracks, {}), GetParam());
     CiTunesDB database;
-    ReferenceDatabase expected;
+    model::Database expected;
     ASSERT_EQ(Load(database, file), 1);
-    ASSERT_EQ(ReferenceLoad(file, expected), 1);
+    ASSERT_TRUE(model::Load(file, expected));
     ASSERT_EQ(Plain(database), expected);
   }
 }

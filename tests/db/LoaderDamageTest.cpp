@@ -4,7 +4,8 @@
 
 #include "samples/GeneratedLibrary.h"
 #include "tests/db/DatabaseFiles.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
+#include "tests/model/Loader.h"
 
 namespace db_test {
 namespace {
@@ -13,11 +14,11 @@ using samples::Variant;
 
 // Whether the loader answers and leaves what the plain reader does, and never holds room for more records
 // than the file has bytes for.
-testing::AssertionResult ReadsAsTheReference(const std::string &file) {
+testing::AssertionResult ReadsAsTheModel(const std::string &file) {
   CiTunesDB database;
-  ReferenceDatabase expected;
+  model::Database expected;
   const int32_t result = Load(database, file);
-  const int32_t expectedResult = ReferenceLoad(file, expected);
+  const int32_t expectedResult = model::Load(file, expected);
   if (result != expectedResult) {
     return testing::AssertionFailure() << "result " << result << ", expected " << expectedResult;
   }
@@ -44,13 +45,13 @@ TEST_P(DamagedFile, SmallLibraryHoldsThreeSongsAndThreePlaylists) {
   ASSERT_EQ(Load(database, SmallLibrary(GetParam())), 1);
   EXPECT_EQ(database.songs.size(), 3U);
   EXPECT_EQ(database.plays.size(), 3U);
-  EXPECT_TRUE(ReadsAsTheReference(SmallLibrary(GetParam())));
+  EXPECT_TRUE(ReadsAsTheModel(SmallLibrary(GetParam())));
 }
 
 TEST_P(DamagedFile, EveryPrefixIsReadAsFarAsItGoes) {
   const std::string file = SmallLibrary(GetParam());
   for (size_t n = 0; n <= file.size(); ++n) {
-    ASSERT_TRUE(ReadsAsTheReference(file.substr(0, n))) << "prefix of " << n << " bytes";
+    ASSERT_TRUE(ReadsAsTheModel(file.substr(0, n))) << "prefix of " << n << " bytes";
   }
 }
 
@@ -64,7 +65,7 @@ TEST_P(DamagedFile, EveryWordMayBeHostile) {
       word.AppendWord(value);
       std::string damaged = file;
       damaged.replace(at, 4, word.Bytes());
-      ASSERT_TRUE(ReadsAsTheReference(damaged)) << "word " << value << " at " << at;
+      ASSERT_TRUE(ReadsAsTheModel(damaged)) << "word " << value << " at " << at;
     }
   }
 }
@@ -76,7 +77,7 @@ TEST_P(DamagedFile, EveryTagMayBeAnyOther) {
       for (int kind = 0; kind <= static_cast<int>(samples::Kind::Object); ++kind) {
         std::string damaged = file;
         damaged.replace(at, 4, samples::Tag(static_cast<samples::Kind>(kind), variant));
-        ASSERT_TRUE(ReadsAsTheReference(damaged)) << "kind " << kind << " at " << at;
+        ASSERT_TRUE(ReadsAsTheModel(damaged)) << "kind " << kind << " at " << at;
       }
     }
   }
@@ -92,7 +93,7 @@ TEST_P(DamagedFile, RandomBytesAreReadAlike) {
       const auto value = static_cast<char>(random.OneIn(2) ? random.Below(64) : random.Below(256));
       damaged[random.Below(static_cast<uint32_t>(file.size()))] = value;
     }
-    ASSERT_TRUE(ReadsAsTheReference(damaged)) << "round " << round;
+    ASSERT_TRUE(ReadsAsTheModel(damaged)) << "round " << round;
   }
 }
 
@@ -118,7 +119,7 @@ TEST_P(DamagedFile, ChunksInAnyOrderAreReadAlike) {
         out.PutWord(chunk + 0x18, random.Below(3));
       }
     }
-    ASSERT_TRUE(ReadsAsTheReference(out.Bytes())) << "round " << round;
+    ASSERT_TRUE(ReadsAsTheModel(out.Bytes())) << "round " << round;
   }
 }
 
@@ -126,10 +127,10 @@ TEST_P(DamagedFile, GeneratedLibraryIsReadAlike) {
   const samples::GeneratedLibrary library{
       .seed = 5, .songs = 300, .playlists = 4, .entries = 50, .variant = GetParam()};
   const std::string file = library.Bytes();
-  EXPECT_TRUE(ReadsAsTheReference(file));
+  EXPECT_TRUE(ReadsAsTheModel(file));
   samples::Random random(13);
   for (int round = 0; round < 50; ++round) {
-    EXPECT_TRUE(ReadsAsTheReference(file.substr(0, random.Below(static_cast<uint32_t>(file.size())))));
+    EXPECT_TRUE(ReadsAsTheModel(file.substr(0, random.Below(static_cast<uint32_t>(file.size())))));
   }
 }
 

@@ -5,7 +5,8 @@
 #include <unistd.h>
 
 #include "tests/db/DatabaseFiles.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
+#include "tests/model/Loader.h"
 
 namespace db_test {
 namespace {
@@ -20,7 +21,7 @@ void ExpectRejected(FILE *stream) {
   for (const Variant variant : {Variant::LittleEndian, Variant::BigEndian}) {
     CiTunesDB database;
     ASSERT_EQ(Load(database, SmallLibrary(variant)), 1);
-    const ReferenceDatabase before = Plain(database);
+    const model::Database before = Plain(database);
     EXPECT_EQ(database.LoadiTunesDB(stream), 0);
     EXPECT_EQ(Plain(database), before);
     EXPECT_EQ(database.error, 0);
@@ -187,9 +188,9 @@ TEST_P(Cursor, MayStandAtAnyDistanceEvenInsideAHeader) {
   const std::string tag(Tag(Kind::Track, GetParam()));
   for (size_t i = 0; i < 4; ++i) out.PutByte(list + 1 + i, static_cast<uint8_t>(tag[i]));
   CiTunesDB database;
-  ReferenceDatabase expected;
+  model::Database expected;
   EXPECT_EQ(Load(database, out.Bytes()), 1);
-  EXPECT_EQ(ReferenceLoad(out.Bytes(), expected), 1);
+  EXPECT_TRUE(model::Load(out.Bytes(), expected));
   EXPECT_EQ(Plain(database), expected);
 }
 

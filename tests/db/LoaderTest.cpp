@@ -2,7 +2,7 @@
 #include <string>
 
 #include "tests/db/DatabaseFiles.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
 
 namespace db_test {
 namespace {
@@ -147,17 +147,17 @@ TEST_P(EachVariant, EntriesAreResolvedToTheSongsTheyName) {
                                {{.name = u"a", .entries = {{.ref = 30}, {.ref = 20, .ply = 1}, {.ref = 10}}},
                                 {.entries = {{.ref = 20}}}});
   ASSERT_EQ(db_test::Load(database_, samples::WriteLibrary(library, GetParam())), 1);
-  const std::vector<ReferenceEntry> expected = {{30, 2, 0, 0}, {20, 1, 1, 0}, {10, 0, 0, 0}};
-  EXPECT_EQ(Plain(database_).playlists[0].entries, expected);
-  EXPECT_EQ(Plain(database_).playlists[1].entries, (std::vector<ReferenceEntry>{{20, 1, 0, 0}}));
+  const std::vector<model::Entry> expected = {{30, 2, 0, 0}, {20, 1, 1, 0}, {10, 0, 0, 0}};
+  EXPECT_EQ(Plain(database_).plays[0].entries, expected);
+  EXPECT_EQ(Plain(database_).plays[1].entries, (std::vector<model::Entry>{{20, 1, 0, 0}}));
 }
 
 TEST_P(EachVariant, EntryWithUnknownTrackPointsAtFirstSong) {
   const samples::Library library =
       samples::OrdinaryLibrary({{.id = 10}, {.id = 20}}, {{.entries = {{.ref = 77}, {.ref = 0xffffffff}}}});
   ASSERT_EQ(db_test::Load(database_, samples::WriteLibrary(library, GetParam())), 1);
-  const std::vector<ReferenceEntry> expected = {{77, 0, 0, 0}, {-1, 0, 0, 0}};
-  EXPECT_EQ(Plain(database_).playlists[0].entries, expected);
+  const std::vector<model::Entry> expected = {{77, 0, 0, 0}, {-1, 0, 0, 0}};
+  EXPECT_EQ(Plain(database_).plays[0].entries, expected);
 }
 
 TEST_P(EachVariant, PlaylistDataSetBeforeTheTracksResolvesEveryEntryToTheFirstSong) {
@@ -166,8 +166,8 @@ TEST_P(EachVariant, PlaylistDataSetBeforeTheTracksResolvesEveryEntryToTheFirstSo
   std::swap(library.sets[0], library.sets[1]);
   ASSERT_EQ(db_test::Load(database_, samples::WriteLibrary(library, GetParam())), 1);
   EXPECT_EQ(database_.songs.size(), 2U);
-  const std::vector<ReferenceEntry> expected = {{20, 0, 0, 0}, {10, 0, 0, 0}};
-  EXPECT_EQ(Plain(database_).playlists[0].entries, expected);
+  const std::vector<model::Entry> expected = {{20, 0, 0, 0}, {10, 0, 0, 0}};
+  EXPECT_EQ(Plain(database_).plays[0].entries, expected);
 }
 
 TEST_P(EachVariant, PlaylistsAreReadInDataSetsOfType2Alone) {

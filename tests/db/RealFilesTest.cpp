@@ -5,7 +5,8 @@
 #include <string>
 
 #include "tests/db/DatabaseFiles.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
+#include "tests/model/Loader.h"
 
 namespace db_test {
 namespace {
@@ -47,8 +48,8 @@ TEST_P(RealFiles, HoldTheSongsPlaylistsAndEntriesThatTheyShould) {
   for (const CPlayList &list : database.plays) entries += list.refnum.size();
   EXPECT_EQ(entries, GetParam().entries);
 
-  ReferenceDatabase expected;
-  ASSERT_EQ(ReferenceLoad(file, expected), 1);
+  model::Database expected;
+  ASSERT_TRUE(model::Load(file, expected));
   EXPECT_EQ(Plain(database), expected);
 }
 

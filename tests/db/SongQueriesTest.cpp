@@ -4,7 +4,7 @@
 #include <string>
 
 #include "db/CiTunesDB.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
 
 namespace db_test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "samples/GeneratedLibrary.h"
 #include "tests/db/DatabaseFiles.h"
-#include "tests/db/ReferenceLoader.h"
+#include "tests/db/PlainRecords.h"
 
 namespace db_test {
 namespace {

@@ -1,0 +1,93 @@
+#include "tests/db/PlainRecords.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <utility>
+
+namespace db_test {
+namespace {
+
+model::Cell Plain(const songInfo &cell) { return {cell.idx, cell.enc, std::string(cell.obj.View())}; }
+
+}  // namespace
+
+model::Song Plain(const CSongList &song) {
+  model::Song plain;
+  plain.id = song.id;
+  std::copy(std::begin(song.res), std::end(song.res), plain.res);
+  plain.number = song.track.num;
+  plain.total = song.track.total;
+  plain.duration = song.duration;
+  plain.filesize = song.filesize;
+  plain.bitrate = song.bitrate;
+  plain.samplerate = song.samplerate;
+  plain.moviefileflag = song.moviefileflag;
+  plain.mediaType = song.mediaType;
+  plain.year = song.year;
+  plain.trackInfo = Plain(song.trackInfo);
+  plain.title = Plain(song.title);
+  plain.path = Plain(song.path);
+  plain.album = Plain(song.album);
+  plain.artist = Plain(song.artist);
+  plain.genre = Plain(song.genre);
+  plain.filetype = Plain(song.filetype);
+  plain.composer = Plain(song.composer);
+  for (const songInfo &other : song.unknown) plain.unknown.push_back(Plain(other));
+  return plain;
+}
+
+model::Database Plain(const CiTunesDB &database) {
+  model::Database plain;
+  plain.libType = database.libType;
+  for (const CSongList &song : database.songs) plain.songs.push_back(Plain(song));
+  for (const CPlayList &list : database.plays) {
+    model::Playlist playlist{list.listType, list.listTypeII, Plain(list.name), {}};
+    for (const refidx &entry : list.refnum) {
+      playlist.entries.push_back({entry.ref, entry.idx, entry.ply, entry.flg});
+    }
+    plain.plays.push_back(std::move(playlist));
+  }
+  return plain;
+}
+
+namespace {
+
+void Describe(std::ostream &out, const model::Cell &cell) {
+  out << " {" << cell.idx << ' ' << cell.enc << ' ' << testing::PrintToString(cell.text) << '}';
+}
+
+void Describe(std::ostream &out, const model::Song &song) {
+  out << "song " << song.id << std::hex;
+  for (const int32_t word : song.res) out << ' ' << word;
+  for (const uint32_t word : {song.number, song.total, song.duration, song.filesize, song.bitrate,
+                              song.samplerate, uint32_t{song.moviefileflag}, song.mediaType, song.year}) {
+    out << ' ' << word;
+  }
+  out << std::dec;
+  for (const model::Cell *cell : {&song.trackInfo, &song.title, &song.path, &song.album, &song.artist,
+                                  &song.genre, &song.filetype, &song.composer}) {
+    Describe(out, *cell);
+  }
+  for (const model::Cell &cell : song.unknown) Describe(out, cell);
+  out << '\n';
+}
+
+}  // namespace
+
+std::string Describe(const model::Database &database) {
+  std::ostringstream out;
+  out << "variant " << database.libType << '\n';
+  for (const model::Song &song : database.songs) Describe(out, song);
+  for (const model::Playlist &list : database.plays) {
+    out << "playlist " << list.listType << ' ' << list.listTypeII;
+    Describe(out, list.name);
+    for (const model::Entry &entry : list.entries) {
+      out << " (" << entry.ref << ' ' << entry.idx << ' ' << entry.ply << ' ' << entry.flg << ')';
+    }
+    out << '\n';
+  }
+  return out.str();
+}
+
+}  // namespace db_test

@@ -1,0 +1,134 @@
+#include "tests/cli/Program.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sstream>
+#include <sys/wait.h>
+#include <system_error>
+#include <termios.h>
+#include <unistd.h>
+#include <utility>
+
+namespace zemhost {
+
+namespace {
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(const Descriptor &) = delete;
+  Descriptor(Descriptor &&other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor &operator=(const Descriptor &) = delete;
+  Descriptor &operator=(Descriptor &&other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+  ~Descriptor() { reset(); }
+
+  int number() const { return number_; }
+  void reset() {
+    if (number_ >= 0) close(number_);
+    number_ = -1;
+  }
+
+ private:
+  int number_ = -1;
+};
+
+int checked(int result, const char *what) {
+  if (result < 0) throw std::system_error(errno, std::generic_category(), what);
+  return result;
+}
+
+struct Channel {
+  Descriptor ours;
+  Descriptor theirs;
+};
+
+Channel makePipe() {
+  std::array<int, 2> ends{};
+  checked(pipe2(ends.data(), O_CLOEXEC), "pipe");
+  return {Descriptor(ends[0]), Descriptor(ends[1])};
+}
+
+Channel makeTerminal(unsigned short width) {
+  winsize size{};
+  size.ws_row = 24;
+  size.ws_col = width;
+  int ours = -1;
+  int theirs = -1;
+  checked(openpty(&ours, &theirs, nullptr, nullptr, &size), "openpty");
+  termios modes{};
+  checked(tcgetattr(theirs, &modes), "tcgetattr");
+  modes.c_oflag &= ~static_cast<tcflag_t>(OPOST);  // line ends as they were written
+  checked(tcsetattr(theirs, TCSANOW, &modes), "tcsetattr");
+  fcntl(ours, F_SETFD, FD_CLOEXEC);
+  return {Descriptor(ours), Descriptor(theirs)};
+}
+
+Channel outputChannel(const RunOptions &options) {
+  if (options.terminalWidth) return makeTerminal(*options.terminalWidth);
+  if (options.output.empty()) return makePipe();
+  return {Descriptor(), Descriptor(checked(open(options.output.c_str(), O_WRONLY | O_CLOEXEC), "open"))};
+}
+
+[[noreturn]] void runChild(const std::vector<std::string> &arguments, int out, int err, bool asNobody) {
+  constexpr uid_t kNobody = 65534;
+  std::vector<char *> words = {const_cast<char *>(ZEMHOST_PROGRAM)};
+  for (const std::string &argument : arguments) words.push_back(const_cast<char *>(argument.c_str()));
+  words.push_back(nullptr);
+  unsetenv("COLUMNS");
+  const bool ready = dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
+                     (!asNobody || (setgid(kNobody) == 0 && setuid(kNobody) == 0));
+  if (ready) execv(ZEMHOST_PROGRAM, words.data());
+  _exit(127);
+}
+
+// Reads what is there and appends it; false at the end.
+bool readInto(std::string &text, const Descriptor &from) {
+  std::array<char, 65536> buffer{};
+  const ssize_t got = read(from.number(), buffer.data(), buffer.size());
+  if (got > 0) text.append(buffer.data(), static_cast<size_t>(got));
+  return got > 0 || (got < 0 && errno == EINTR);  // a terminal ends with an error
+}
+
+void collect(Outcome &outcome, Descriptor &out, Descriptor &err, const std::optional<size_t> &readAtMost) {
+  while (out.number() >= 0 || err.number() >= 0) {
+    std::array<pollfd, 2> waits = {pollfd{out.number(), POLLIN, 0}, pollfd{err.number(), POLLIN, 0}};
+    if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) checked(-1, "poll");
+    if (waits[0].revents != 0 && !readInto(outcome.out, out)) out.reset();
+    if (waits[1].revents != 0 && !readInto(outcome.err, err)) err.reset();
+    if (readAtMost && outcome.out.size() >= *readAtMost) out.reset();
+  }
+}
+
+}  // namespace
+
+Outcome runZemhost(const std::vector<std::string> &arguments, const RunOptions &options) {
+  Channel out = outputChannel(options);
+  Channel err = makePipe();
+  const pid_t child = checked(fork(), "fork");
+  if (child == 0) runChild(arguments, out.theirs.number(), err.theirs.number(), options.asNobody);
+  out.theirs.reset();
+  err.theirs.reset();
+  Outcome outcome;
+  collect(outcome, out.ours, err.ours, options.readAtMost);
+  int status = 0;
+  checked(waitpid(child, &status, 0), "waitpid");
+  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return outcome;
+}
+
+std::vector<std::string> linesOf(const std::string &text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+}  // namespace zemhost

@@ -1,0 +1,31 @@
+#pragma once
+
+// Runs the built program as a person or a script would.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zemhost {
+
+struct Outcome {
+  int status = -1;  // 128 and the signal's number when a signal ended it
+  std::string out;
+  std::string err;
+};
+
+struct RunOptions {
+  std::optional<unsigned short> terminalWidth;  // standard output is a terminal of this width
+  std::filesystem::path output;                 // standard output is this file
+  bool asNobody = false;                        // without the rights of the superuser
+  std::optional<size_t> readAtMost;             // close the pipe from standard output after this many bytes
+};
+
+// Throws std::system_error when the program cannot be run at all.
+Outcome runZemhost(const std::vector<std::string> &arguments, const RunOptions &options = {});
+
+// The lines of a text, without their ends.
+std::vector<std::string> linesOf(const std::string &text);
+
+}  // namespace zemhost

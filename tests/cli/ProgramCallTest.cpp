@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -94,6 +95,8 @@ struct RealFile {
   int entries;
   const char *text;  // somewhere in the songs
 };
+
+void PrintTo(const RealFile &file, std::ostream *out) { *out << file.name; }
 
 class RealDatabase : public testing::TestWithParam<RealFile> {};
 

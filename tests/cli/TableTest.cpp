@@ -75,6 +75,13 @@ TEST(Table, ColumnsLeaveInTheirOrderWhereRoomIsShort) {
   EXPECT_EQ(lines(written(songs(), 15))[0], " #  Title");
 }
 
+TEST(Table, NarrowColumnTakesTheRoomThatWasTooSmallForAWiderOne) {
+  EXPECT_EQ(written(songs(), 19),
+            " #  Title      Time\n"
+            " 1  A Long \u2026   3:05\n"
+            "10  Short     12:00\n");
+}
+
 TEST(Table, NoLineTakesMoreThanTheWidth) {
   for (size_t width = 1; width < 60; ++width) {
     for (const std::string &line : lines(written(songs(), width))) {

@@ -12,11 +12,11 @@ namespace {
 
 std::vector<Column> songColumns() {
   using enum Column::Align;
-  return {{"#", Right, 0, 0},     {"Title", Left, 22, 0},     {"Artist", Left, 16, 1},
+  return {{"#", Right, 0, 0},     {"Title", Left, 28, 0},     {"Artist", Left, 16, 1},
           {"Album", Left, 16, 2}, {"Track", Right, 0, 5},     {"Time", Right, 0, 3},
           {"Genre", Left, 10, 7}, {"Year", Right, 0, 6},      {"Size", Right, 0, 4},
           {"Added", Left, 0, 8},  {"Bit rate", Right, 0, 9},  {"Sample rate", Right, 0, 10},
-          {"Kind", Left, 12, 12}, {"Composer", Left, 12, 11}, {"File", Left, 20, 13}};
+          {"Kind", Left, 12, 12}, {"Composer", Left, 12, 11}, {"File", Left, 33, 13}};
 }
 
 std::string orNothing(uint32_t number) { return number == 0 ? std::string() : numberText(number); }

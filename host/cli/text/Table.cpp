@@ -53,17 +53,18 @@ std::vector<Table::Slot> Table::columnsWithin(size_t width) const {
     return sum;
   };
 
-  std::vector<Slot> slots;
+  std::vector<size_t> order;
   for (size_t i = 0; i < columns_.size(); ++i) {
-    if (used_[i] || rows_.empty()) slots.push_back({i, least(i)});
+    if (used_[i] || rows_.empty()) order.push_back(i);
   }
-  while (total(slots) > width) {
-    const auto last = std::max_element(slots.begin(), slots.end(), [this](const Slot &a, const Slot &b) {
-      return columns_[a.column].leaveOut < columns_[b.column].leaveOut;
-    });
-    if (last == slots.end() || columns_[last->column].leaveOut == 0) break;
-    slots.erase(last);
+  std::stable_sort(order.begin(), order.end(),
+                   [this](size_t a, size_t b) { return columns_[a].rank < columns_[b].rank; });
+  std::vector<Slot> slots;
+  for (const size_t column : order) {
+    slots.push_back({column, least(column)});
+    if (columns_[column].rank != 0 && total(slots) > width) slots.pop_back();
   }
+  std::sort(slots.begin(), slots.end(), [](const Slot &a, const Slot &b) { return a.column < b.column; });
 
   // Hand the room that is left to the narrowest of the columns that are still cut, cell by cell.
   for (size_t room = width - std::min(width, total(slots)); room > 0; --room) {

@@ -17,8 +17,8 @@ struct Column {
   Align align = Align::Left;
   // Where room is short, cells may be cut to this many terminal cells; 0: they are never cut.
   size_t leastWidth = 0;
-  // Where room is short even so, columns are left out, the highest of these numbers first; 0: always shown.
-  int leaveOut = 0;
+  // Columns are given their place in the order of these numbers, as far as there is room; those of 0 always.
+  int rank = 0;
 };
 
 class Table {

@@ -43,9 +43,9 @@ TEST(ChoosePlaylist, BeginningOfOneNameIsEnough) {
 }
 
 TEST(ChoosePlaylist, SeveralThatFitAreListed) {
-  EXPECT_EQ(refusal("JAZ"), "\"JAZ\" may be any of the playlists 1 \"Jazz\", 2 \"jazz\", 3 \"Jazz Live\"");
+  EXPECT_EQ(refusal("JAZ"), R"("JAZ" may be any of the playlists 1 "Jazz", 2 "jazz", 3 "Jazz Live")");
   EXPECT_EQ(refusal("Twice", {"Twice", "Twice"}),
-            "\"Twice\" may be any of the playlists 0 \"Twice\", 1 \"Twice\"");
+            R"("Twice" may be any of the playlists 0 "Twice", 1 "Twice")");
 }
 
 TEST(ChoosePlaylist, NoneThatFitsIsSaid) {

@@ -32,12 +32,12 @@ TEST(CallCommand, GivesOneResultALineWithItsEncoding) {
 }
 
 TEST(CallCommand, LinesShareOneObject) {
-  const Outcome outcome = runZemhost({"call", kPlayer, "SetTitle(0, \"Quoted \"\"x\"\"\")", "GetTitle(0)",
+  const Outcome outcome = runZemhost({"call", kPlayer, R"(SetTitle(0, "Quoted ""x"""))", "GetTitle(0)",
                                       "ResultEncode = &h0100", "GetTitle(1)"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   const std::vector<std::string> lines = linesOf(outcome.out);
   ASSERT_EQ(lines.size(), 4U);
-  EXPECT_EQ(lines[1], "\"Quoted \"\"x\"\"\" (UTF-8)");
+  EXPECT_EQ(lines[1], R"("Quoted ""x""" (UTF-8))");
   EXPECT_EQ(lines[3], "\"Salt on the Rail\" (UTF-16)");
 }
 

@@ -42,7 +42,7 @@ std::string durationText(uint32_t milliseconds) {
 }
 
 std::string totalTimeText(uint64_t milliseconds) {
-  constexpr uint64_t kDay = 24 * 60 * 60;
+  constexpr uint64_t kDay = 86'400;
   const uint64_t seconds = milliseconds / 1000;
   const auto days = static_cast<unsigned long long>(seconds / kDay);
   if (days == 0) return clockText(seconds);

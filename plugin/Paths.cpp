@@ -38,7 +38,7 @@ std::string_view BytesOf(REALstring string) {
 }  // namespace
 
 REALstring ZemRbiTunesDB_GetPathWithVolume(REALobject instance, REALstring path) {
-  const CiTunesDB *db = Database(instance);
+  const CiTunesDB *db = LoadedDatabase(instance);
   const std::string_view bytes = BytesOf(path);
   if (db == nullptr || bytes.empty()) return nullptr;
   if (db->LIBTYPE() == 0) return REALBuildString(bytes.data(), static_cast<int32_t>(bytes.size()));

@@ -15,7 +15,7 @@ int32_t ZemRbiTunesDB_GetPlayListTypeII(REALobject instance, int32_t playlist) {
 }
 
 REALboolean ZemRbiTunesDB_GetPlaySong(REALobject instance, int32_t playlist, int32_t index) {
-  const CiTunesDB *db = Database(instance);
+  const CiTunesDB *db = LoadedDatabase(instance);
   if (db == nullptr) return REALboolean::False;
   const refidx *entry = db->Entry(PlayNum(playlist), index);
   return ToBoolean(entry == nullptr || entry->ply == 0);

@@ -56,6 +56,13 @@ inline CiTunesDB *Database(REALobject instance) {
   return data == nullptr ? nullptr : data->db;
 }
 
+// The same, but null also before Load, for methods that tell an empty database from one not loaded yet.
+inline CiTunesDB *LoadedDatabase(REALobject instance) {
+  CiTunesDB *db = Database(instance);
+  if (db == nullptr || InstanceData(instance)->dbf != nullptr) return db;
+  return db->songs.empty() && db->plays.empty() && db->VOLNAME().empty() ? nullptr : db;
+}
+
 // Property accessors.
 int32_t Get_Error(REALobject instance, intptr_t parameter);
 int32_t Get_LibType(REALobject instance, intptr_t parameter);

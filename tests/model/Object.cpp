@@ -231,7 +231,7 @@ int32_t Object::PlayListType(int32_t playlist, int32_t reqType) const {
 }
 
 std::optional<HostText> Object::WithVolume(const std::optional<HostText> &path) const {
-  if (!database_ || !path || path->bytes.empty()) return std::nullopt;
+  if (!database_ || !loadWasTried_ || !path || path->bytes.empty()) return std::nullopt;
   const std::string joined = database_->libType == 0 ? path->bytes : database_->volumeName + path->bytes;
   return HostText{joined, host_.EncodingWhenBuilt()};
 }
@@ -247,7 +247,7 @@ std::optional<HostText> Object::PathOfItem(const std::optional<HostText> &path) 
 }
 
 int32_t Object::PlaySong(int32_t playlist, int32_t index) const {
-  if (!database_) return 0;
+  if (!database_ || !loadWasTried_) return 0;
   const Entry *entry = FindEntry(playlist, index);
   return entry == nullptr || entry->ply == 0 ? 1 : 0;
 }

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <new>
 
-FileReference::FileReference(const FSSpec &spec) : mFileRef{} { FSpMakeFSRef(&spec, &mFileRef); }
+FileReference::FileReference(const FSSpec &spec) { FSpMakeFSRef(&spec, &mFileRef); }
 
 FileReference::~FileReference() = default;
 

@@ -25,5 +25,5 @@ class FileReference {
   std::FILE *fopen(const char *mode) const;
 
  private:
-  FSRef mFileRef;
+  FSRef mFileRef = {};
 };

@@ -18,13 +18,18 @@ namespace {
 
 constexpr int kLookUpOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-// The kernel's own handle of a directory, generation number included; empty where there is none.
+// The kernel's own handle of a directory, generation number included; empty where there is none. Newer
+// kernels give one for every file system when asked for an identifier only.
 std::string kernelHandle(int directory) {
   alignas(file_handle) std::array<unsigned char, sizeof(file_handle) + MAX_HANDLE_SZ> room = {};
   auto *handle = reinterpret_cast<file_handle *>(room.data());
-  handle->handle_bytes = MAX_HANDLE_SZ;
+  constexpr int kIdentifierOnly = 0x200;  // AT_HANDLE_FID, which the C library does not name yet
   int mount = 0;
-  if (name_to_handle_at(directory, "", handle, &mount, AT_EMPTY_PATH) != 0) return {};
+  for (const int flags : {AT_EMPTY_PATH | kIdentifierOnly, AT_EMPTY_PATH}) {
+    handle->handle_bytes = MAX_HANDLE_SZ;
+    if (name_to_handle_at(directory, "", handle, &mount, flags) == 0) break;
+    handle->handle_bytes = 0;
+  }
   return {reinterpret_cast<const char *>(room.data()) + sizeof(file_handle), handle->handle_bytes};
 }
 

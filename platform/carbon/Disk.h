@@ -42,7 +42,7 @@ struct Identity {
   uint32_t bornNanoseconds = 0;
   std::string label;
 
-  auto operator<=>(const Identity &) const = default;
+  auto operator<=>(const Identity &) const = default;  // NOLINT(modernize-use-nullptr): none is there
 };
 
 // Opens a directory, for looking things up in it only; symbolic links are followed. No descriptor when it is

@@ -11,7 +11,7 @@
 namespace carbon {
 namespace {
 
-constexpr size_t kMostVolumes = 0x7FFF;
+constexpr size_t kMostVolumes = 0x1000;  // far more than are ever mounted; each is looked through by name
 
 int16_t referenceAt(size_t index) { return static_cast<int16_t>(kBootVolume - static_cast<int>(index)); }
 
@@ -30,7 +30,7 @@ void addVolumesIn(const std::string &folder, std::vector<Volume> &volumes) {
   const std::string real = realPath(folder);
   if (real.empty()) return;
   for (const std::string &entry : entriesOf(real)) {
-    Volume volume{exchanged(entry), real + "/" + entry};
+    Volume volume{exchanged(entry), std::string(real).append("/").append(entry)};
     if (isValidName(volume.name)) volumes.push_back(std::move(volume));
   }
 }
@@ -62,9 +62,10 @@ std::vector<Volume> Volumes::inOrder() const {
   for (const Record &record : records_)
     if (record.standing == Standing::kDeclared) volumes.push_back(record.volume);
   addVolumesIn(prefix_ + "/Volumes", volumes);
-  for (const char *perUser : {"/media", "/run/media"})
-    for (const std::string &user : entriesOf(prefix_ + perUser))
-      addVolumesIn(prefix_ + perUser + "/" + user, volumes);
+  for (const char *place : {"/media/", "/run/media/"}) {
+    const std::string users = prefix_ + place;
+    for (const std::string &user : entriesOf(users)) addVolumesIn(users + user, volumes);
+  }
   addVolumesIn(prefix_ + "/mnt", volumes);
   volumes.push_back(records_.front().volume);
   return volumes;

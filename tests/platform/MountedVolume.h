@@ -2,6 +2,7 @@
 
 // A declared volume over a temporary folder, and short forms of the file manager's calls with C++ values.
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -13,8 +14,9 @@
 #include "tests/platform/TemporaryFolder.h"
 
 inline std::vector<unsigned char> pascal(std::string_view text) {
-  std::vector<unsigned char> bytes{static_cast<unsigned char>(text.size())};
-  bytes.insert(bytes.end(), text.begin(), text.end());
+  std::vector<unsigned char> bytes(text.size() + 1);
+  bytes[0] = static_cast<unsigned char>(text.size());
+  std::copy(text.begin(), text.end(), bytes.begin() + 1);
   return bytes;
 }
 

@@ -1,8 +1,8 @@
 #include <array>
 
-#include "tests/plugin/AnyCall.h"
 #include "tests/plugin/Declarations.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/support/AnyCall.h"
 
 namespace plugin_test {
 namespace {

@@ -1,12 +1,12 @@
-#include "tests/plugin/AnyCall.h"
+#include "tests/support/AnyCall.h"
 
 #include <functional>
 #include <map>
 #include <stdexcept>
 
-namespace plugin_test {
+#include "platform/carbon/CarbonFiles.h"
 
-using support::TestHost;
+namespace support {
 
 namespace {
 
@@ -15,8 +15,10 @@ using Caller = std::function<Answer(TestHost &, REALobject, std::string_view, co
 Answer AnswerOf(TestHost & /*host*/, int32_t number) { return {.number = number}; }
 Answer AnswerOf(TestHost &host, REALstring string) { return {.text = host.Take(string)}; }
 Answer AnswerOf(TestHost &host, REALfolderItem item) {
-  if (item != nullptr) host.Release(item);
-  return {.isItem = item != nullptr};
+  if (item == nullptr) return {};
+  const FSSpec spec = host.SpecOf(item);
+  host.Release(item);
+  return {.isItem = true, .itemPath = PathOf(spec)};
 }
 
 // A call with the arguments that `pick` takes out of all.
@@ -49,9 +51,16 @@ Caller Numbers(size_t count) {
 
 }  // namespace
 
+std::string PathOf(const FSSpec &spec) {
+  std::array<char, 4096> path{};
+  const OSStatus result = CarbonPathFromSpec(&spec, path.data(), path.size());
+  return result == noErr ? path.data() : "error " + std::to_string(result);
+}
+
 void PrintTo(const Answer &answer, std::ostream *out) {
-  *out << answer.number << (answer.isItem ? ", an item, " : ", ");
-  support::PrintTo(answer.text, out);
+  *out << answer.number << ", ";
+  if (answer.isItem) *out << "an item at " << answer.itemPath << ", ";
+  PrintTo(answer.text, out);
 }
 
 std::string ShapeOf(std::string_view declaration) {
@@ -92,4 +101,4 @@ Answer CallAny(TestHost &host, REALobject object, std::string_view declaration, 
   return caller->second(host, object, declaration, arguments);
 }
 
-}  // namespace plugin_test
+}  // namespace support

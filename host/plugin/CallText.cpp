@@ -80,8 +80,7 @@ class CallReader {
       text += c;
     }
     in_.skipBlanks();
-    if (convertText(text, kUtf8, kUtf8).replacements != 0)
-      return fail({start, "the text is not valid UTF-8; it begins"});
+    if (!isValidUtf8(text)) return fail({start, "the text is not valid UTF-8; it begins"});
     call_.arguments.emplace_back(text);
     return true;
   }

@@ -96,9 +96,24 @@ char32_t readCodePoint(std::string_view codePoints, size_t at) {
 class Codec {
  public:
   explicit Codec(const EncodingRow &row)
-      : row_(row), decoder_(kCodePoints, row.iconvName), encoder_(row.iconvName, kCodePoints) {}
+      : row_(row),
+        decoder_(kCodePoints, row.iconvName),
+        encoder_(row.iconvName, kCodePoints),
+        toUtf8_("UTF-8", row.iconvName) {}
 
-  bool isOpen() const { return decoder_.isOpen() && encoder_.isOpen(); }
+  bool isOpen() const { return decoder_.isOpen() && encoder_.isOpen() && toUtf8_.isOpen(); }
+
+  // The bytes as UTF-8 in one step, which is what nearly all texts take; nothing when that would not tell
+  // what was lost, or not give what the published mapping says.
+  std::optional<std::string> validAsUtf8(std::string_view bytes) {
+    if (row_.form == Form::Utf8)  // the C library passes numbers beyond the last character here
+      return isValidUtf8(bytes) ? std::optional(std::string(bytes)) : std::nullopt;
+    if (mappingDiffers()) return std::nullopt;
+    std::string text;
+    toUtf8_.reset();
+    if (toUtf8_.append(bytes, text) != 0) return std::nullopt;
+    return text;
+  }
 
   std::u32string decode(std::string_view bytes, size_t &replacements) {
     std::string raw;
@@ -141,6 +156,11 @@ class Codec {
     }
   }
 
+  bool mappingDiffers() const {
+    return std::any_of(std::begin(kMappingDifferences), std::end(kMappingDifferences),
+                       [this](const MappingDifference &d) { return d.code == row_.code; });
+  }
+
   char32_t published(char32_t c) const {
     for (const MappingDifference &d : kMappingDifferences)
       if (d.code == row_.code && d.libraryHas == c) return d.published;
@@ -178,6 +198,7 @@ class Codec {
   const EncodingRow &row_;
   Direction decoder_;
   Direction encoder_;
+  Direction toUtf8_;
 };
 
 // The codec of a row, opened on first use; null when the C library does not have it.
@@ -217,14 +238,39 @@ uint32_t followMark(std::string_view &bytes, uint32_t code) {
 
 Conversion convertText(std::string_view bytes, uint32_t from, uint32_t to) {
   Codec *target = findCodec(to);
-  if (target == nullptr || findCodec(from) == nullptr) return {std::string(bytes), 0, false};
-  Codec *source = findCodec(followMark(bytes, from));
+  Codec *source = findCodec(from);
+  if (target == nullptr || source == nullptr) return {std::string(bytes), 0, false};
+  if (const uint32_t actual = followMark(bytes, from); actual != from) source = findCodec(actual);
   Conversion result;
+  if (to == kUtf8) {
+    if (std::optional<std::string> text = source->validAsUtf8(bytes)) {
+      result.bytes = *std::move(text);
+      return result;
+    }
+  }
   result.bytes = target->encode(source->decode(bytes, result.replacements), result.replacements);
   return result;
 }
 
 bool isKnownEncoding(uint32_t code) { return findCodec(code) != nullptr; }
+
+bool isValidUtf8(std::string_view bytes) {
+  for (size_t i = 0; i < bytes.size();) {
+    const auto lead = static_cast<unsigned char>(bytes[i++]);
+    if (lead < 0x80) continue;
+    const size_t more = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    if (lead < 0xC2 || lead > 0xF4 || bytes.size() - i < more) return false;
+    // The second byte has a shorter range after four leads: no long forms, surrogates or numbers past 10FFFF.
+    const int second = static_cast<unsigned char>(bytes[i]);
+    const int least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const int most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    if (second < least || second > most) return false;
+    for (size_t k = 1; k < more; ++k)
+      if ((bytes[i + k] & 0xC0) != 0x80) return false;
+    i += more;
+  }
+  return true;
+}
 
 std::string encodingName(uint32_t code) {
   const EncodingRow *row = findRow(code);

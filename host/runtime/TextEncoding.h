@@ -29,6 +29,9 @@ struct Conversion {
 // mark. Converting to the same encoding repairs invalid text. An unknown encoding leaves the bytes unchanged.
 Conversion convertText(std::string_view bytes, uint32_t from, uint32_t to);
 
+// True when the bytes are UTF-8 throughout: no long forms, no surrogates, nothing past U+10FFFF.
+bool isValidUtf8(std::string_view bytes);
+
 // True when the code is one that convertText can read and write.
 bool isKnownEncoding(uint32_t code);
 

@@ -73,8 +73,23 @@ TEST(TextEncoding, Utf8OfAnyBytesKeepsEveryCharacterAndMarksTheRest) {
   for (int i = 0; i < 20000; ++i) {
     const std::string bytes = randomBytes(random, "A\x81\xBF\xC3\xE3\xED\xA0\xF0\x90\xF4"sv);
     SCOPED_TRACE(testing::PrintToString(bytes));
-    expectNothingLost(reference::charactersOfUtf8(bytes), convertText(bytes, kUtf8, kUtf8));
+    const reference::Found expected = reference::charactersOfUtf8(bytes);
+    EXPECT_EQ(isValidUtf8(bytes), !expected.invalid);
+    expectNothingLost(expected, convertText(bytes, kUtf8, kUtf8));
     if (HasFailure()) break;
+  }
+}
+
+TEST(TextEncoding, Utf8IsJudgedRightAfterEveryFirstTwoBytes) {
+  for (unsigned lead = 0x80; lead < 0x100; ++lead) {
+    for (unsigned second = 0; second < 0x100; ++second) {
+      std::string bytes = {static_cast<char>(lead), static_cast<char>(second)};
+      for (const std::string_view more : {"", "\x80", "A", "\xBF\xBF", "\x80\x7F", "\x80\xC0"}) {
+        const std::string whole = bytes + std::string(more);
+        EXPECT_EQ(isValidUtf8(whole), !reference::charactersOfUtf8(whole).invalid)
+            << testing::PrintToString(whole);
+      }
+    }
   }
 }
 

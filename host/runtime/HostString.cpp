@@ -1,6 +1,7 @@
 #include "host/runtime/HostString.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -8,20 +9,43 @@
 #include "host/runtime/Ledger.h"
 
 namespace zemhost {
+namespace {
+
+// Every live string is linked into one ring, so that what a plug-in never releases can still be found. The
+// characters stand behind the block.
+struct StringBlock {
+  StringBlock *previous;
+  StringBlock *next;
+  REALstringStruct record;
+};
+
+// The ring's fixed member, which is no string.
+StringBlock &ring() {
+  static StringBlock fixed = {&fixed, &fixed, {}};
+  return fixed;
+}
+
+StringBlock *blockOf(REALstring string) {
+  return reinterpret_cast<StringBlock *>(reinterpret_cast<char *>(string) - offsetof(StringBlock, record));
+}
+
+}  // namespace
 
 REALstring newString(std::string_view bytes, uint32_t encoding) {
-  constexpr size_t kAround = 2;  // the length byte in front, a terminator behind
-  if (bytes.size() > std::numeric_limits<int32_t>::max() - kAround) return nullptr;
-  void *block = std::malloc(sizeof(REALstringStruct) + bytes.size() + kAround);
-  if (block == nullptr) return nullptr;
-  auto *data = static_cast<uint8_t *>(block) + sizeof(REALstringStruct);
+  constexpr int32_t kAround = 2;  // the length byte in front, a terminator behind
+  if (bytes.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max() - kAround)) return nullptr;
+  void *room = std::malloc(sizeof(StringBlock) + bytes.size() + kAround);
+  if (room == nullptr) return nullptr;
+  auto *data = static_cast<uint8_t *>(room) + sizeof(StringBlock);
   data[0] = static_cast<uint8_t>(bytes.size() > 255 ? 255 : bytes.size());
   std::copy(bytes.begin(), bytes.end(), data + 1);
   data[bytes.size() + 1] = 0;
-  auto *string = new (block) REALstringStruct{1, data, static_cast<int32_t>(bytes.size() + kAround),
-                                              static_cast<int32_t>(bytes.size()), encoding};
-  ledger::enter(string, &Accounts::strings);
-  return string;
+  const auto length = static_cast<int32_t>(bytes.size());
+  auto *block = new (room) StringBlock{&ring(), ring().next, {1, data, length + kAround, length, encoding}};
+  block->next->previous = block;
+  ring().next = block;
+  ledger::enter(&block->record, &Accounts::strings);
+  return &block->record;
 }
 
 void retainString(REALstring string) {
@@ -32,7 +56,17 @@ void releaseString(REALstring string) {
   if (string == nullptr || !ledger::isLive(string)) return;
   if (--string->mPrivateUsageCount > 0) return;
   ledger::strike(string, &Accounts::strings);
-  std::free(string);
+  StringBlock *block = blockOf(string);
+  block->previous->next = block->next;
+  block->next->previous = block->previous;
+  std::free(block);
+}
+
+std::vector<HostString> liveStrings() {
+  std::vector<HostString> live;
+  for (StringBlock *block = ring().previous; block != &ring(); block = block->previous)
+    live.push_back(HostString::share(&block->record));
+  return live;
 }
 
 HostString HostString::fromBytes(std::string_view bytes, uint32_t encoding) {

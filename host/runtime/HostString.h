@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "host/runtime/TextEncoding.h"
 #include "sdk/HostTypes.h"
@@ -69,5 +70,8 @@ class HostString {
 
   REALstring string_ = nullptr;
 };
+
+// Every live string of the process, oldest first: what is left when a plug-in forgot to release some.
+std::vector<HostString> liveStrings();
 
 }  // namespace zemhost

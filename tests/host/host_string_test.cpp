@@ -111,6 +111,18 @@ TEST_F(HostStringTest, ConvertedStringIsTaggedWithTheNewEncoding) {
   EXPECT_EQ(converted.encoding(), kShiftJis);
 }
 
+TEST_F(HostStringTest, LiveStringsAreFoundOldestFirst) {
+  const size_t before = liveStrings().size();
+  const HostString one = HostString::fromUtf8("one");
+  HostString two = HostString::fromUtf8("two");
+  const HostString three = HostString::fromUtf8("three");
+  two = HostString();
+  const std::vector<HostString> live = liveStrings();
+  ASSERT_EQ(live.size(), before + 2);
+  EXPECT_EQ(live[before].handle(), one.handle());
+  EXPECT_EQ(live[before + 1].handle(), three.handle());
+}
+
 TEST_F(HostStringTest, NullHandlesAreLeftAlone) {
   retainString(nullptr);
   releaseString(nullptr);

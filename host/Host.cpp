@@ -44,9 +44,10 @@ struct Host::State {
 
   void addClass(const REALclassDefinition &record) {
     auto loaded = std::make_unique<const LoadedClass>(readClass(record, session.wantsThreeWordMethods()));
-    for (const auto &before : classes)
+    for (const auto &before : classes) {
       if (sameName(before->info().name, loaded->info().name))
         throw HostError("two classes named " + quoteText(loaded->info().name));
+    }
     classes.push_back(std::move(loaded));
   }
 
@@ -81,7 +82,11 @@ Host Host::load(const Options &options) {
 std::filesystem::path Host::defaultPlugin() {
   if (const char *named = std::getenv("ZEM_PLUGIN"); named != nullptr && *named != '\0') return named;
   std::error_code failed;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
+  return pluginOf(std::filesystem::read_symlink("/proc/self/exe", failed));
+}
+
+std::filesystem::path Host::pluginOf(const std::filesystem::path &program) {
+  std::error_code failed;
   const std::filesystem::path above = program.parent_path().parent_path();
   const std::filesystem::path places[] = {above / "plugin" / "ZemiTunesDB.so",
                                           above / "lib" / "zemitunesdb" / "ZemiTunesDB.so"};

@@ -103,11 +103,13 @@ class Host {
   static Host load(const Options &options);
   static Host load() { return load(Options()); }
 
-  // The plug-in that belongs to the running program: what the variable ZEM_PLUGIN names, else
-  // `../plugin/ZemiTunesDB.so` beside the program's folder (a build), else
-  // `../lib/zemitunesdb/ZemiTunesDB.so` (an installation). Throws HostError, naming the places, when there is
-  // none.
+  // The plug-in that the variable ZEM_PLUGIN names, else the one of the running program.
   static std::filesystem::path defaultPlugin();
+
+  // The plug-in that belongs to a program: `../plugin/ZemiTunesDB.so` from the program's folder (a build),
+  // else `../lib/zemitunesdb/ZemiTunesDB.so` (an installation). Throws HostError, naming the places, when
+  // neither is there.
+  static std::filesystem::path pluginOf(const std::filesystem::path &program);
 
   // The registered class of this name, without regard to case. Throws HostError when there is none.
   const ClassInfo &classInfo(std::string_view name) const;

@@ -29,7 +29,7 @@ class CallReader {
       call_.form = CallText::Form::Assign;
       if (!readValue()) return error_;
     }
-    if (!in_.atEnd()) return in_.expected(call_.form == CallText::Form::Name ? "\"(\" or \"=\"" : "the end");
+    if (!in_.atEnd()) return in_.expected(call_.form == CallText::Form::Name ? R"("(" or "=")" : "the end");
     return std::move(call_);
   }
 

@@ -29,9 +29,10 @@ PropertyInfo readProperty(const REALproperty &record, const std::string &owner) 
   property.setter = record.setter;
   property.parameter = record.parameter;
   if (property.name.empty()) throw HostError(owner + " has no name");
-  if (property.kind == Kind::None)
+  if (property.kind == Kind::None) {
     throw HostError(owner + ' ' + quoteText(property.name) + " is of the type " +
                     quoteText(textOrEmpty(record.type)) + ", which this host does not know");
+  }
   if (property.getter == nullptr && property.setter == nullptr)
     throw HostError(owner + ' ' + quoteText(property.name) + " has neither a getter nor a setter");
   return property;
@@ -41,9 +42,10 @@ void readProperties(const REALclassDefinition &record, const std::string &owner,
   checkList(owner, "properties", record.properties, record.propertyCount);
   for (intptr_t i = 0; i < record.propertyCount; ++i) {
     PropertyInfo property = readProperty(record.properties[i], owner + ", property " + std::to_string(i));
-    for (const PropertyInfo &before : info.properties)
+    for (const PropertyInfo &before : info.properties) {
       if (sameName(before.name, property.name))
         throw HostError(owner + ": two properties named " + quoteText(property.name));
+    }
     info.properties.push_back(std::move(property));
   }
 }
@@ -57,10 +59,11 @@ void readMethods(const REALclassDefinition &record, bool threeWords, const std::
     MethodInfo method = readMethod(row != nullptr ? row->function : shortRows[i].function,
                                    row != nullptr ? row->declaration : shortRows[i].declaration,
                                    owner + ", method " + std::to_string(i));
-    for (const MethodInfo &before : info.methods)
-      if (sameCall(before.declaration, method.declaration))
-        throw HostError(owner + ": " + quoteText(before.text) + " and " + quoteText(method.text) +
-                        " cannot be told apart");
+    for (const MethodInfo &before : info.methods) {
+      if (!sameCall(before.declaration, method.declaration)) continue;
+      throw HostError(owner + ": " + quoteText(before.text) + " and " + quoteText(method.text) +
+                      " cannot be told apart");
+    }
     info.methods.push_back(std::move(method));
   }
 }

@@ -133,9 +133,10 @@ void LoadedClass::set(REALobject object, std::string_view property, const Value 
   const size_t at = requireProperty(property);
   const PropertyInfo &info = info_.properties[at];
   if (!accessors_[at].set) throw HostError("the property " + info.name + " is read only");
-  if (fitOf(value, info.kind) == Fit::No)
+  if (fitOf(value, info.kind) == Fit::No) {
     throw HostError("the property " + info.name + " is " + kindName(info.kind) + ", not " +
                     kindName(value.kind()));
+  }
   const Value fitting = converted(value, info.kind);
   accessors_[at].set->call(object, {&fitting, 1});
 }
@@ -149,9 +150,10 @@ Value LoadedClass::evaluate(REALobject object, std::string_view line) const {
     return {};
   }
   if (text.form == CallText::Form::Name && findProperty(text.name)) return get(object, text.name);
-  if (!hasMethod(text.name))
+  if (!hasMethod(text.name)) {
     throw HostError(info_.name + " has no " + (text.form == CallText::Form::Name ? "property or " : "") +
                     "method " + quoteText(text.name));
+  }
   return call(object, text.name, text.arguments);
 }
 

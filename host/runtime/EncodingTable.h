@@ -1,79 +1,83 @@
 #pragma once
 
-// The encodings that the host knows, one row each: Mac OS code, usual name, name in the C library's iconv.
+// The encodings that the host knows, one row each.
 
 #include <cstdint>
 #include <string_view>
 
 namespace zemhost {
 
-// What converts between an encoding and code points, and how far to skip past a unit that is no text.
 enum class Form : uint8_t {
-  Bytes,     // a set of its own
-  Utf8,      // this and the forms below hold every character
-  Wide16,    // 16-bit units of fixed byte order
-  Wide32,    // 32-bit units of fixed byte order
-  Marked16,  // 16-bit units, high byte first unless a byte-order mark stands at the start
-  Marked32,  // 32-bit units likewise
+  Library,  // left to the C library
+  Utf8,
+  Utf16,
+  Utf32,
+};
+
+enum class ByteOrder : uint8_t {
+  Marked,  // high byte first unless a byte-order mark says otherwise
+  HighFirst,
+  LowFirst,
 };
 
 struct EncodingRow {
   uint32_t code;
+  Form form = Form::Library;
+  ByteOrder order = ByteOrder::HighFirst;
   const char *name;
-  const char *iconvName;
-  Form form = Form::Bytes;
+  const char *iconvName = nullptr;  // of those left to the C library
 };
 
 constexpr EncodingRow kEncodings[] = {
-    {0x0000, "Mac Roman", "MACINTOSH"},
-    {0x0007, "Mac Cyrillic", "MAC-CYRILLIC"},
-    {0x001D, "Mac Central European", "MAC-CENTRALEUROPE"},
-    {0x0100, "UTF-16", "UTF-16BE", Form::Marked16},
-    {0x0201, "ISO-8859-1", "ISO-8859-1"},
-    {0x0202, "ISO-8859-2", "ISO-8859-2"},
-    {0x0203, "ISO-8859-3", "ISO-8859-3"},
-    {0x0204, "ISO-8859-4", "ISO-8859-4"},
-    {0x0205, "ISO-8859-5", "ISO-8859-5"},
-    {0x0206, "ISO-8859-6", "ISO-8859-6"},
-    {0x0207, "ISO-8859-7", "ISO-8859-7"},
-    {0x0208, "ISO-8859-8", "ISO-8859-8"},
-    {0x0209, "ISO-8859-9", "ISO-8859-9"},
-    {0x020A, "ISO-8859-10", "ISO-8859-10"},
-    {0x020D, "ISO-8859-13", "ISO-8859-13"},
-    {0x020E, "ISO-8859-14", "ISO-8859-14"},
-    {0x020F, "ISO-8859-15", "ISO-8859-15"},
-    {0x0400, "DOS Latin US", "CP437"},
-    {0x0410, "DOS Latin 1", "CP850"},
-    {0x0420, "DOS Japanese", "CP932"},
-    {0x0421, "DOS Simplified Chinese", "CP936"},
-    {0x0422, "DOS Korean", "CP949"},
-    {0x0423, "DOS Traditional Chinese", "CP950"},
-    {0x0500, "Windows-1252", "CP1252"},
-    {0x0501, "Windows-1250", "CP1250"},
-    {0x0502, "Windows-1251", "CP1251"},
-    {0x0503, "Windows-1253", "CP1253"},
-    {0x0504, "Windows-1254", "CP1254"},
-    {0x0505, "Windows-1255", "CP1255"},
-    {0x0506, "Windows-1256", "CP1256"},
-    {0x0507, "Windows-1257", "CP1257"},
-    {0x0600, "ASCII", "ASCII"},
-    {0x0631, "GBK", "GBK"},
-    {0x0632, "GB18030", "GB18030"},
-    {0x0820, "ISO-2022-JP", "ISO-2022-JP"},
-    {0x0920, "EUC-JP", "EUC-JP"},
-    {0x0930, "EUC-CN", "EUC-CN"},
-    {0x0931, "EUC-TW", "EUC-TW"},
-    {0x0940, "EUC-KR", "EUC-KR"},
-    {0x0A01, "Shift_JIS", "SHIFT_JIS"},
-    {0x0A02, "KOI8-R", "KOI8-R"},
-    {0x0A03, "Big5", "BIG5"},
-    {0x0A08, "KOI8-U", "KOI8-U"},
-    {0x08000100, "UTF-8", "UTF-8", Form::Utf8},
-    {0x0C000100, "UTF-32", "UTF-32BE", Form::Marked32},
-    {0x10000100, "UTF-16BE", "UTF-16BE", Form::Wide16},
-    {0x14000100, "UTF-16LE", "UTF-16LE", Form::Wide16},
-    {0x18000100, "UTF-32BE", "UTF-32BE", Form::Wide32},
-    {0x1C000100, "UTF-32LE", "UTF-32LE", Form::Wide32},
+    {.code = 0x0000, .name = "Mac Roman", .iconvName = "MACINTOSH"},
+    {.code = 0x0007, .name = "Mac Cyrillic", .iconvName = "MAC-CYRILLIC"},
+    {.code = 0x001D, .name = "Mac Central European", .iconvName = "MAC-CENTRALEUROPE"},
+    {.code = 0x0100, .form = Form::Utf16, .order = ByteOrder::Marked, .name = "UTF-16"},
+    {.code = 0x0201, .name = "ISO-8859-1", .iconvName = "ISO-8859-1"},
+    {.code = 0x0202, .name = "ISO-8859-2", .iconvName = "ISO-8859-2"},
+    {.code = 0x0203, .name = "ISO-8859-3", .iconvName = "ISO-8859-3"},
+    {.code = 0x0204, .name = "ISO-8859-4", .iconvName = "ISO-8859-4"},
+    {.code = 0x0205, .name = "ISO-8859-5", .iconvName = "ISO-8859-5"},
+    {.code = 0x0206, .name = "ISO-8859-6", .iconvName = "ISO-8859-6"},
+    {.code = 0x0207, .name = "ISO-8859-7", .iconvName = "ISO-8859-7"},
+    {.code = 0x0208, .name = "ISO-8859-8", .iconvName = "ISO-8859-8"},
+    {.code = 0x0209, .name = "ISO-8859-9", .iconvName = "ISO-8859-9"},
+    {.code = 0x020A, .name = "ISO-8859-10", .iconvName = "ISO-8859-10"},
+    {.code = 0x020D, .name = "ISO-8859-13", .iconvName = "ISO-8859-13"},
+    {.code = 0x020E, .name = "ISO-8859-14", .iconvName = "ISO-8859-14"},
+    {.code = 0x020F, .name = "ISO-8859-15", .iconvName = "ISO-8859-15"},
+    {.code = 0x0400, .name = "DOS Latin US", .iconvName = "CP437"},
+    {.code = 0x0410, .name = "DOS Latin 1", .iconvName = "CP850"},
+    {.code = 0x0420, .name = "DOS Japanese", .iconvName = "CP932"},
+    {.code = 0x0421, .name = "DOS Simplified Chinese", .iconvName = "CP936"},
+    {.code = 0x0422, .name = "DOS Korean", .iconvName = "CP949"},
+    {.code = 0x0423, .name = "DOS Traditional Chinese", .iconvName = "CP950"},
+    {.code = 0x0500, .name = "Windows-1252", .iconvName = "CP1252"},
+    {.code = 0x0501, .name = "Windows-1250", .iconvName = "CP1250"},
+    {.code = 0x0502, .name = "Windows-1251", .iconvName = "CP1251"},
+    {.code = 0x0503, .name = "Windows-1253", .iconvName = "CP1253"},
+    {.code = 0x0504, .name = "Windows-1254", .iconvName = "CP1254"},
+    {.code = 0x0505, .name = "Windows-1255", .iconvName = "CP1255"},
+    {.code = 0x0506, .name = "Windows-1256", .iconvName = "CP1256"},
+    {.code = 0x0507, .name = "Windows-1257", .iconvName = "CP1257"},
+    {.code = 0x0600, .name = "ASCII", .iconvName = "ASCII"},
+    {.code = 0x0631, .name = "GBK", .iconvName = "GBK"},
+    {.code = 0x0632, .name = "GB18030", .iconvName = "GB18030"},
+    {.code = 0x0820, .name = "ISO-2022-JP", .iconvName = "ISO-2022-JP"},
+    {.code = 0x0920, .name = "EUC-JP", .iconvName = "EUC-JP"},
+    {.code = 0x0930, .name = "EUC-CN", .iconvName = "EUC-CN"},
+    {.code = 0x0931, .name = "EUC-TW", .iconvName = "EUC-TW"},
+    {.code = 0x0940, .name = "EUC-KR", .iconvName = "EUC-KR"},
+    {.code = 0x0A01, .name = "Shift_JIS", .iconvName = "SHIFT_JIS"},
+    {.code = 0x0A02, .name = "KOI8-R", .iconvName = "KOI8-R"},
+    {.code = 0x0A03, .name = "Big5", .iconvName = "BIG5"},
+    {.code = 0x0A08, .name = "KOI8-U", .iconvName = "KOI8-U"},
+    {.code = 0x08000100, .form = Form::Utf8, .name = "UTF-8"},
+    {.code = 0x0C000100, .form = Form::Utf32, .order = ByteOrder::Marked, .name = "UTF-32"},
+    {.code = 0x10000100, .form = Form::Utf16, .order = ByteOrder::HighFirst, .name = "UTF-16BE"},
+    {.code = 0x14000100, .form = Form::Utf16, .order = ByteOrder::LowFirst, .name = "UTF-16LE"},
+    {.code = 0x18000100, .form = Form::Utf32, .order = ByteOrder::HighFirst, .name = "UTF-32BE"},
+    {.code = 0x1C000100, .form = Form::Utf32, .order = ByteOrder::LowFirst, .name = "UTF-32LE"},
 };
 
 // Where the published mapping of an encoding and the C library's differ: the character that the mapping

@@ -4,10 +4,10 @@
 #include <array>
 #include <cstdlib>
 #include <new>
-#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
+#include "host/Error.h"
 #include "host/runtime/HostObject.h"
 #include "host/runtime/Ledger.h"
 #include "platform/carbon/CarbonFiles.h"
@@ -101,7 +101,7 @@ FSSpec FolderItem::spec() const { return item_ == nullptr ? FSSpec{} : item_->sp
 
 void mountVolume(const std::string &name, const std::filesystem::path &root) {
   if (CarbonMountVolume(name.c_str(), root.c_str()) != noErr)
-    throw std::runtime_error("cannot mount " + root.string() + " as the volume \"" + name + "\"");
+    throw HostError("cannot mount " + root.string() + " as the volume \"" + name + "\"");
 }
 
 }  // namespace zemhost

@@ -67,7 +67,7 @@ class FolderItem {
 };
 
 // Declares a mounted volume by its Mac name (1 to 63 bytes) and root directory; a name declared before is
-// replaced. Throws std::runtime_error, naming both, when the directory does not exist or the name is bad.
+// replaced. Throws HostError, naming both, when the directory does not exist or the name is bad.
 void mountVolume(const std::string &name, const std::filesystem::path &root);
 
 }  // namespace zemhost

@@ -158,9 +158,10 @@ void *ServiceCalls::lookUpResolver(const char *name) {
 ServiceSession::ServiceSession(Settings settings) : settings_(std::move(settings)) {
   if (gSession != nullptr) throw std::logic_error("a process holds one plug-in host at a time");
   const std::vector<std::string_view> known = serviceNames();
-  for (const std::string &name : settings_.leftOut)
+  for (const std::string &name : settings_.leftOut) {
     if (name != kSecondResolver && std::find(known.begin(), known.end(), name) == known.end())
       throw std::invalid_argument("there is no service \"" + name + "\" to leave out");
+  }
   gSession = this;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Text encodings by their Mac OS codes, and conversion between them through the C library's iconv.
+// Text encodings by their Mac OS codes, and conversion between them: Unicode's forms here, all others through
+// the C library's iconv.
 
 #include <cstddef>
 #include <cstdint>
@@ -32,7 +33,8 @@ Conversion convertText(std::string_view bytes, uint32_t from, uint32_t to);
 // True when the bytes are UTF-8 throughout: no long forms, no surrogates, nothing past U+10FFFF.
 bool isValidUtf8(std::string_view bytes);
 
-// True when the code is one that convertText can read and write.
+// True when the code is one that convertText can read and write. A C library without its conversion modules
+// leaves only ASCII and Unicode's forms.
 bool isKnownEncoding(uint32_t code);
 
 // The usual name ("UTF-8", "Shift_JIS"); for an unknown code "encoding 16777216".

@@ -14,6 +14,11 @@
 #include "samples/SampleLibrary.h"
 #include "tests/host/reference_text.h"
 
+// A plug-in never frees the three-word method list that it makes for an old host, and the address goes with
+// the plug-in's memory when it is closed.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the leak checker asks for this name
+extern "C" const char *__lsan_default_suppressions() { return "leak:NewPtr\n"; }
+
 namespace zemhost {
 namespace {
 
@@ -78,9 +83,10 @@ TEST_F(RealPlugin, ClassHasItsPropertiesAndMethodsForEveryHostVersion) {
     EXPECT_EQ(info.methods[25].text, "GetTitle(index As Integer) As String");
     EXPECT_EQ(info.methods.back().text, "GetReferAbsolutePath2(trackID As Integer) As String");
     std::vector<std::string> properties;
-    for (const PropertyInfo &property : info.properties)
-      properties.push_back(property.name + ' ' + kindName(property.kind) +
-                           (property.setter != nullptr ? " rw" : ""));
+    for (const PropertyInfo &property : info.properties) {
+      const char *access = property.setter != nullptr ? " rw" : "";
+      properties.push_back(property.name + ' ' + kindName(property.kind) + access);
+    }
     EXPECT_THAT(properties, testing::ElementsAre("Error Integer", "LibType Integer", "UseSJIS Boolean rw",
                                                  "ResultEncode Integer rw", "VolumeName String",
                                                  "ZerobasePlayerlist Boolean rw"));
@@ -124,6 +130,7 @@ TEST_F(RealPlugin, ResultEncodingIsTheOneAskedFor) {
 }
 
 TEST_F(RealPlugin, ShiftJisOfThePluginReadsBackAsTheSameText) {
+  if (!isKnownEncoding(kShiftJis)) GTEST_SKIP() << "the C library has no conversion modules here";
   const Host host = loadPlugin();
   const Library library = loaded(host, kPlayerDatabase);
   library.object.evaluate("UseSJIS = True");
@@ -173,9 +180,10 @@ TEST_F(RealPlugin, DesktopLibraryHasTheSameYears) {
   EXPECT_EQ(library.object.get("LibType").integer(), 0);
   const auto &songs = samples::SampleSongs();
   ASSERT_EQ(library.object.call("CountSongs").integer(), static_cast<int32_t>(songs.size()));
-  for (size_t i = 0; i < songs.size(); ++i)
-    EXPECT_EQ(library.object.call("GetYear", {static_cast<int32_t>(i)}).integer(),
-              static_cast<int32_t>(songs[i].year));
+  for (size_t i = 0; i < songs.size(); ++i) {
+    const Value year = library.object.call("GetYear", {static_cast<int32_t>(i)});
+    EXPECT_EQ(year.integer(), static_cast<int32_t>(songs[i].year));
+  }
 }
 
 TEST_F(RealPlugin, FileThatIsNoDatabaseIsRejected) {

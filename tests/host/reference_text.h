@@ -113,7 +113,8 @@ inline Found charactersOfUtf16(std::string_view bytes) {
     if (unit < 0xD800 || unit >= 0xE000) {
       found.characters += unit;
     } else if (unit < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
-      found.characters += 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00);
+      const char32_t whole = 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00);
+      found.characters += whole;
       i += 2;
     } else {
       found.invalid = true;

@@ -26,7 +26,7 @@ class ScratchFolder {
 
   // Makes a file with this text, and the folders on the way to it.
   std::filesystem::path file(const std::string &name, const std::string &text = "x") const {
-    const std::filesystem::path whole = path_ / name;
+    std::filesystem::path whole = path_ / name;
     std::filesystem::create_directories(whole.parent_path());
     std::ofstream(whole) << text;
     return whole;

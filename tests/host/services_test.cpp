@@ -103,16 +103,16 @@ TEST_F(Services, BuildStringOfNothingIsEmptyAndOfABadLengthNull) {
 }
 
 TEST_F(Services, EncodingIsReadAndWrittenWithoutTouchingTheBytes) {
-  const HostString string = HostString::fromBytes("\x82\xA0", kUtf8);
+  const HostString string = HostString::fromUtf8("\u3042");
   service<void(REALstring, uint32_t)>("REALSetStringEncoding")(string.handle(), kShiftJis);
   EXPECT_EQ(service<uint32_t(REALstring)>("REALGetStringEncoding")(string.handle()), kShiftJis);
-  EXPECT_EQ(string.bytes(), "\x82\xA0");
+  EXPECT_EQ(string.bytes(), "\u3042");
   service<void(REALstring, uint32_t)>("REALSetStringEncoding")(nullptr, kShiftJis);
   EXPECT_EQ(service<uint32_t(REALstring)>("REALGetStringEncoding")(nullptr), 0U);
 }
 
 TEST_F(Services, ConvertedStringIsNewAndTheArgumentStaysTheCallers) {
-  const HostString string = HostString::fromBytes(std::string_view("\x30\x42", 2), kUtf16);
+  const HostString string = HostString::fromBytes("0B", kUtf16);
   const HostString result = HostString::adopt(
       service<REALstring(REALstring, uint32_t)>("REALConvertString")(string.handle(), kUtf8));
   EXPECT_EQ(result.bytes(), "\u3042");

@@ -7,8 +7,6 @@
 namespace plugin_test {
 namespace {
 
-using testing::ElementsAre;
-
 constexpr std::array<std::array<int32_t, 3>, 7> kNumbers{{{0, 0, 0},
                                                           {1, 1, 1},
                                                           {-1, 0, 0},

@@ -69,6 +69,14 @@ class PluginTest : public testing::Test {
     return object;
   }
 
+  // For hosts without the services that release what a method made on the way: ends what was left.
+  void ReleaseStringsFrom(size_t count) {
+    while (host_->LiveStrings() > count) host_->Release(host_->LastLiveString());
+  }
+  void ReleaseItemsThatAreLeft() {
+    while (host_->LiveItems() > loaded_.size()) host_->Release(host_->LastLiveItem());
+  }
+
   TestHost &Host() { return *host_; }
 
   TemporaryFolder folder_;

@@ -100,13 +100,14 @@ REALstring HostStrings::Make(std::string_view bytes, uint32_t encoding) {
   stored->record = {1, reinterpret_cast<uint8_t *>(stored->bytes.data()),
                     static_cast<int32_t>(stored->bytes.size()), static_cast<int32_t>(bytes.size()), encoding};
   const REALstring string = &stored->record;
-  strings_.emplace(string, std::move(stored));
+  known_.emplace(string, stored.get());
+  strings_.push_back(std::move(stored));
   return string;
 }
 
 bool HostStrings::Check(REALstring string, const char *use) {
-  const auto found = strings_.find(string);
-  if (found == strings_.end()) {
+  const auto found = known_.find(string);
+  if (found == known_.end()) {
     faults_.push_back(std::string(use) + " of what is no string");
     return false;
   }
@@ -119,7 +120,7 @@ bool HostStrings::Check(REALstring string, const char *use) {
 
 void HostStrings::Release(REALstring string) {
   if (!Check(string, "release") || --string->mPrivateUsageCount > 0) return;
-  Stored &stored = *strings_.at(string);
+  Stored &stored = *known_.at(string);
   std::fill(stored.bytes.begin(), stored.bytes.end(), '\xdd');
 }
 
@@ -133,11 +134,16 @@ size_t HostStrings::Live() const { return LiveTexts().size(); }
 
 std::vector<std::string> HostStrings::LiveTexts() const {
   std::vector<std::string> texts;
-  for (const auto &[string, stored] : strings_) {
-    if (string->mPrivateUsageCount <= 0) continue;
-    texts.push_back(stored->bytes.substr(1));
+  for (const std::unique_ptr<Stored> &stored : strings_) {
+    if (stored->record.mPrivateUsageCount > 0) texts.push_back(stored->bytes.substr(1));
   }
   return texts;
+}
+
+REALstring HostStrings::LastLive() const {
+  const auto found = std::find_if(strings_.rbegin(), strings_.rend(),
+                                  [](const auto &stored) { return stored->record.mPrivateUsageCount > 0; });
+  return found == strings_.rend() ? nullptr : &(*found)->record;
 }
 
 }  // namespace support

@@ -55,6 +55,8 @@ class HostStrings {
   [[nodiscard]] size_t Live() const;
   // Texts of the strings that still have references.
   [[nodiscard]] std::vector<std::string> LiveTexts() const;
+  // The last made of them; null when there are none.
+  [[nodiscard]] REALstring LastLive() const;
   [[nodiscard]] const std::vector<std::string> &Faults() const { return faults_; }
 
  private:
@@ -63,7 +65,8 @@ class HostStrings {
     std::string bytes{};  // the length byte and the characters
   };
 
-  std::map<REALstring, std::unique_ptr<Stored>> strings_;
+  std::vector<std::unique_ptr<Stored>> strings_;  // in the order in which they were made
+  std::map<REALstring, Stored *> known_;
   std::vector<std::string> faults_;
 };
 

@@ -112,7 +112,7 @@ struct TestHost::Services {
   static int32_t FSSpecFromFolderItem(FSSpec *spec, REALfolderItem item) {
     Note("REALFSSpecFromFolderItem");
     if (!current->CheckItem(item, "REALFSSpecFromFolderItem") || current->specFails) return 0;
-    *spec = current->items_.at(item)->spec;
+    *spec = current->Find(item)->spec;
     return 1;
   }
 
@@ -124,8 +124,7 @@ struct TestHost::Services {
       return path ? current->strings_.Make(*path, kUtf8) : nullptr;
     }
     std::array<char, 4096> path{};
-    if (CarbonPathFromSpec(&current->items_.at(item)->spec, path.data(), path.size()) != noErr)
-      return nullptr;
+    if (CarbonPathFromSpec(&current->Find(item)->spec, path.data(), path.size()) != noErr) return nullptr;
     return current->strings_.Make(path.data(), kUtf8);
   }
 
@@ -148,30 +147,37 @@ struct TestHost::Services {
   static void Note(std::string event) { current->events_.push_back(std::move(event)); }
 };
 
+void PrintTo(const Conversion &conversion, std::ostream *out) {
+  PrintTo(Text(conversion.bytes, conversion.from), out);
+  *out << " to 0x" << std::hex << conversion.to << std::dec;
+}
+
 TestHost::TestHost(Setup setup)
     : version(setup.version), missing(setup.missing), dataOffset_(setup.dataOffset) {
   if (current != nullptr) throw std::logic_error("hosts live one at a time");
   current = this;
   try {
-    Load(std::move(setup));
+    Load(setup.entryPoint);
   } catch (...) {
     current = nullptr;
     throw;
   }
 }
 
-SUPPORT_CALLS_SLOTS void TestHost::Load(Setup setup) {
-  EntryPoint entryPoint = setup.entryPoint;
-  if (entryPoint == nullptr) {
+void TestHost::Load(EntryPoint entryPoint) {
+  entryPoint_ = entryPoint;
+  if (entryPoint_ == nullptr) {
     // Still loaded, it would remember the services of another host.
     if (dlopen(ZEM_PLUGIN_PATH, RTLD_NOW | RTLD_NOLOAD) != nullptr) throw std::runtime_error("still loaded");
     library_ = dlopen(ZEM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
     if (library_ == nullptr) throw std::runtime_error(dlerror());
-    entryPoint = reinterpret_cast<EntryPoint>(dlsym(library_, "REALPluginMain"));
-    if (entryPoint == nullptr) throw std::runtime_error("no entry point");
+    entryPoint_ = reinterpret_cast<EntryPoint>(dlsym(library_, "REALPluginMain"));
+    if (entryPoint_ == nullptr) throw std::runtime_error("no entry point");
   }
-  entryPoint(&Services::Resolve);
+  EnterAgain();
 }
+
+SUPPORT_CALLS_SLOTS void TestHost::EnterAgain() { entryPoint_(&Services::Resolve); }
 
 TestHost::~TestHost() {
   while (!objects_.empty()) Delete(objects_.begin()->first);
@@ -290,11 +296,16 @@ HostText TestHost::Take(REALstring string) {
 }
 
 REALfolderItem TestHost::NewItem(const FSSpec &spec) {
-  auto item = std::make_unique<Item>();
-  item->spec = spec;
-  const auto handle = reinterpret_cast<REALfolderItem>(item.get());
-  items_.emplace(handle, std::move(item));
-  return handle;
+  items_.push_back(std::make_unique<Item>());
+  items_.back()->spec = spec;
+  return reinterpret_cast<REALfolderItem>(items_.back().get());
+}
+
+TestHost::Item *TestHost::Find(REALfolderItem item) const {
+  for (const std::unique_ptr<Item> &one : items_) {
+    if (reinterpret_cast<REALfolderItem>(one.get()) == item) return one.get();
+  }
+  return nullptr;
 }
 
 REALfolderItem TestHost::MakeItem(const FSSpec &spec) { return NewItem(spec); }
@@ -307,23 +318,27 @@ REALfolderItem TestHost::MakeItem(const std::string &posixPath) {
 }
 
 bool TestHost::CheckItem(REALfolderItem item, const char *use) {
-  const auto found = items_.find(item);
-  if (found != items_.end() && found->second->references > 0) return true;
+  const Item *found = Find(item);
+  if (found != nullptr && found->references > 0) return true;
   faults_.push_back(std::string(use) + " of what is no folder item, or of a released one");
   return false;
 }
 
-FSSpec TestHost::SpecOf(REALfolderItem item) {
-  return CheckItem(item, "read") ? items_.at(item)->spec : FSSpec{};
-}
+FSSpec TestHost::SpecOf(REALfolderItem item) { return CheckItem(item, "read") ? Find(item)->spec : FSSpec{}; }
 
 void TestHost::Release(REALfolderItem item) {
-  if (CheckItem(item, "release")) --items_.at(item)->references;
+  if (CheckItem(item, "release")) --Find(item)->references;
 }
 
 size_t TestHost::LiveItems() const {
-  return static_cast<size_t>(std::count_if(items_.begin(), items_.end(),
-                                           [](const auto &item) { return item.second->references > 0; }));
+  return static_cast<size_t>(
+      std::count_if(items_.begin(), items_.end(), [](const auto &item) { return item->references > 0; }));
+}
+
+REALfolderItem TestHost::LastLiveItem() const {
+  const auto found =
+      std::find_if(items_.rbegin(), items_.rend(), [](const auto &item) { return item->references > 0; });
+  return found == items_.rend() ? nullptr : reinterpret_cast<REALfolderItem>(found->get());
 }
 
 std::vector<std::string> TestHost::Faults() {

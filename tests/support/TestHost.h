@@ -42,6 +42,8 @@ struct Conversion {
   friend bool operator==(const Conversion &, const Conversion &) = default;
 };
 
+void PrintTo(const Conversion &conversion, std::ostream *out);
+
 // A property as the class record shows it.
 struct PropertySlots {
   std::string name{};
@@ -88,6 +90,9 @@ class TestHost {
   [[nodiscard]] const std::vector<Conversion> &Conversions() const { return conversions_; }
   [[nodiscard]] const FSSpec &LastSpec() const { return lastSpec_; }  // given to FolderItemFromFSSpec
   void Forget();
+
+  // Calls the entry point once more.
+  void EnterAgain();
 
   // A new object. Raw: its data block is zero and the constructor has not run.
   REALobject New();
@@ -141,6 +146,9 @@ class TestHost {
   [[nodiscard]] size_t LiveStrings() const { return strings_.Live(); }
   [[nodiscard]] std::vector<std::string> LiveTexts() const { return strings_.LiveTexts(); }
   [[nodiscard]] size_t LiveItems() const;
+  // The ones made last of those that still have references; null when there are none.
+  [[nodiscard]] REALstring LastLiveString() const { return strings_.LastLive(); }
+  [[nodiscard]] REALfolderItem LastLiveItem() const;
   [[nodiscard]] std::vector<std::string> Faults();
 
   // The plug-in's data block inside an object.
@@ -164,19 +172,21 @@ class TestHost {
   static bool Fits(std::string_view typeName, char kind);
   REALproc Method(std::string_view declaration, std::initializer_list<char> arguments, char result);
   REALfolderItem NewItem(const FSSpec &spec);
+  Item *Find(REALfolderItem item) const;
   bool CheckItem(REALfolderItem item, const char *use);
-  void Load(Setup setup);
+  void Load(EntryPoint entryPoint);
 
   std::vector<std::string> events_;
   std::vector<Conversion> conversions_;
   FSSpec lastSpec_{};
   HostStrings strings_;
-  std::map<REALfolderItem, std::unique_ptr<Item>> items_;
+  std::vector<std::unique_ptr<Item>> items_;
   std::map<REALobject, std::unique_ptr<ObjectBlock>> objects_;
   std::vector<std::string> faults_;
   std::set<std::string, std::less<>> called_;
   REALclassDefinition *class_ = nullptr;
   size_t dataOffset_;
+  EntryPoint entryPoint_ = nullptr;
   void *library_ = nullptr;
   void *convertedMethods_ = nullptr;
 };

@@ -74,7 +74,7 @@ TEST_F(PlayListQueries, EntryIsTheOneAtItsPositionOrNull) {
 }
 
 TEST(PlayListQueriesOfAnEmptyDatabase, AnswerNeutralValues) {
-  const CiTunesDB database;
+  const CiTunesDB database{};
   EXPECT_EQ(database.PlayListType(0), 0);
   EXPECT_EQ(database.PlayListTypeII(0), 0);
   EXPECT_TRUE(database.PlayListNameInfo(0).obj.empty());

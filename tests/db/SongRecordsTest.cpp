@@ -10,7 +10,7 @@ namespace db_test {
 namespace {
 
 TEST(SongRecord, FreshOneHasEmptyTextsAndItsMarks) {
-  const CSongList song;
+  const CSongList song{};
   for (const songInfo *cell : {&song.title, &song.path, &song.album, &song.artist, &song.genre,
                                &song.filetype, &song.comment, &song.composer, &song.trackInfo}) {
     EXPECT_TRUE(cell->obj.empty());
@@ -26,7 +26,7 @@ TEST(SongRecord, FreshOneHasEmptyTextsAndItsMarks) {
 }
 
 TEST(SongRecord, FieldsWithoutAValueOfTheirOwnStartAsZero) {
-  const CSongList song;
+  const CSongList song{};
   EXPECT_EQ(song.error, 0);
   EXPECT_EQ(song.id, 0);
   for (const int32_t word : song.res) EXPECT_EQ(word, 0);
@@ -203,7 +203,7 @@ TEST(PlayListRecord, AccessorsReadTheirFields) {
 }
 
 TEST(Database, FreshOneIsEmptyAndZero) {
-  const CiTunesDB database;
+  const CiTunesDB database{};
   EXPECT_EQ(database.error, 0);
   EXPECT_FALSE(database.UseSJIS());
   EXPECT_EQ(database.LIBTYPE(), 0);

@@ -39,7 +39,7 @@ TEST(FindRefIdx, GivesZeroForAnIDThatNoSongCarries) {
 }
 
 TEST(FindRefIdx, GivesZeroForAnEmptyLibrary) {
-  const CiTunesDB database;
+  const CiTunesDB database{};
   EXPECT_EQ(database.FindRefIdx(0), 0);
   EXPECT_EQ(database.FindRefIdx(5), 0);
 }

@@ -8,7 +8,6 @@
 namespace plugin_test {
 namespace {
 
-constexpr const char *kLoad = "Load(f As FolderItem) As Boolean";
 constexpr const char *kCountSongs = "CountSongs As Integer";
 constexpr const char *kCountPlayLists = "CountPlayLists As Integer";
 constexpr const char *kCountInPlayList = "CountSongsInPlayList(playlist As Integer) As Integer";

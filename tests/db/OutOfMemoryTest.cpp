@@ -1,62 +1,13 @@
-// A program of its own: it replaces the global allocation functions, so that any allocation can be made to
-// fail and the bytes in use can be counted.
+// A program of its own, since it replaces the allocation functions.
 
-#include <cstddef>
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <new>
 #include <string>
 
 #include "samples/GeneratedLibrary.h"
 #include "tests/db/DatabaseFiles.h"
 #include "tests/db/PlainRecords.h"
 #include "tests/model/Loader.h"
-
-namespace {
-
-// Allocations still granted; negative: all of them.
-long allocationsLeft = -1;
-size_t bytesInUse = 0;
-size_t mostBytesInUse = 0;
-
-constexpr size_t kPrefix = alignof(std::max_align_t);
-
-void *Allocate(size_t size) noexcept {
-  if (allocationsLeft == 0) return nullptr;
-  auto *block = static_cast<unsigned char *>(std::malloc(size + kPrefix));
-  if (block == nullptr) return nullptr;
-  if (allocationsLeft > 0) --allocationsLeft;
-  *reinterpret_cast<size_t *>(block) = size;
-  bytesInUse += size;
-  if (bytesInUse > mostBytesInUse) mostBytesInUse = bytesInUse;
-  return block + kPrefix;
-}
-
-void *AllocateOrThrow(size_t size) {
-  void *block = Allocate(size);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-
-void Release(void *address) noexcept {
-  if (address == nullptr) return;
-  unsigned char *block = static_cast<unsigned char *>(address) - kPrefix;
-  bytesInUse -= *reinterpret_cast<size_t *>(block);
-  std::free(block);
-}
-
-}  // namespace
-
-void *operator new(size_t size) { return AllocateOrThrow(size); }
-void *operator new[](size_t size) { return AllocateOrThrow(size); }
-void *operator new(size_t size, const std::nothrow_t & /*tag*/) noexcept { return Allocate(size); }
-void *operator new[](size_t size, const std::nothrow_t & /*tag*/) noexcept { return Allocate(size); }
-void operator delete(void *address) noexcept { Release(address); }
-void operator delete[](void *address) noexcept { Release(address); }
-void operator delete(void *address, size_t /*size*/) noexcept { Release(address); }
-void operator delete[](void *address, size_t /*size*/) noexcept { Release(address); }
-void operator delete(void *address, const std::nothrow_t & /*tag*/) noexcept { Release(address); }
-void operator delete[](void *address, const std::nothrow_t & /*tag*/) noexcept { Release(address); }
+#include "tests/support/Allocations.h"
 
 namespace db_test {
 namespace {
@@ -65,13 +16,13 @@ using samples::Variant;
 
 class OutOfMemory : public testing::TestWithParam<Variant> {
  protected:
-  ~OutOfMemory() override { allocationsLeft = -1; }
+  ~OutOfMemory() override { support::GrantAllAllocations(); }
 
   // A load with only the first `allocations` granted.
   static int32_t LoadWith(long allocations, CiTunesDB &database, FILE *stream) {
-    allocationsLeft = allocations;
+    support::GrantAllocations(allocations);
     const int32_t result = database.LoadiTunesDB(stream);
-    allocationsLeft = -1;
+    support::GrantAllAllocations();
     return result;
   }
 
@@ -119,23 +70,23 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswers0AndLeavesAValidDatabase) {
 TEST_P(OutOfMemory, NothingIsKeptPastTheDatabasesLife) {
   const MemoryFile file(File());
   for (const long allocations : {0L, 1L, 2L, 5L, 10L, 50L, -1L}) {
-    const size_t before = bytesInUse;
+    const size_t before = support::BytesInUse();
     {
       CiTunesDB database;
       (void)LoadWith(allocations, database, file.Stream());
     }
-    EXPECT_EQ(bytesInUse, before) << allocations;
+    EXPECT_EQ(support::BytesInUse(), before) << allocations;
   }
 }
 
 // The most bytes that loading the file takes at once.
 size_t MemoryToLoad(const std::string &bytes) {
   const MemoryFile file(bytes);
-  const size_t before = bytesInUse;
-  mostBytesInUse = before;
+  support::ForgetMostBytes();
+  const size_t before = support::BytesInUse();
   CiTunesDB database;
   (void)database.LoadiTunesDB(file.Stream());
-  return mostBytesInUse - before;
+  return support::MostBytesInUse() - before;
 }
 
 TEST_P(OutOfMemory, NoWordOfAFileMakesTheLoadTakeMuchMemory) {
@@ -152,6 +103,21 @@ TEST_P(OutOfMemory, NoWordOfAFileMakesTheLoadTakeMuchMemory) {
       ASSERT_LT(MemoryToLoad(damaged), limit) << "word " << value << " at " << at;
     }
   }
+}
+
+TEST_P(OutOfMemory, ObjectsThatAllClaimTheRestOfTheFileDoNotAddUp) {
+  constexpr uint32_t kObjects = 2000;
+  constexpr uint32_t kLength = 24;
+  samples::ChunkWriter out(GetParam());
+  samples::BeginFile(out, 1, 16);
+  out.Begin(samples::Kind::Track, 0xd4);
+  for (uint32_t i = 0; i < kObjects; ++i) {
+    samples::DataObject object = samples::RawObject(4, "");
+    // The body is as long as the object without its header, here all that is left of the file.
+    object.headerLength = kLength - (kObjects - 1 - i) * kLength;
+    AppendObject(out, object);
+  }
+  EXPECT_LT(MemoryToLoad(out.Bytes()), 40 * out.Size());
 }
 
 TEST_P(OutOfMemory, RepeatedListsDoNotAddUp) {

@@ -35,7 +35,19 @@ struct TestHost::ObjectBlock {
 
 // What the look-ups answer; plain functions, as a host has them.
 struct TestHost::Services {
+  // While a service runs.
+  struct InHost {
+    InHost() { Cross(true); }
+    InHost(const InHost &) = delete;
+    InHost &operator=(const InHost &) = delete;
+    ~InHost() { Cross(false); }
+    static void Cross(bool inHost) {
+      if (current->crossing) current->crossing(inHost);
+    }
+  };
+
   static void *Resolve(const char *name) {
+    const InHost here;
     current->events_.push_back(std::string("? ") + name);
     if (current->missing.contains(name)) return nullptr;
     if (std::string_view(name) == "ResolverPPC") return reinterpret_cast<void *>(&ResolvePPC);
@@ -43,6 +55,7 @@ struct TestHost::Services {
   }
 
   static void *ResolvePPC(const char *name) {
+    const InHost here;
     current->events_.push_back(std::string("? ") + name);
     if (current->missing.contains(name)) return nullptr;
     static const std::map<std::string_view, void *> kServices = {
@@ -64,19 +77,25 @@ struct TestHost::Services {
   }
 
   static void RegisterPluginVersion(int32_t interfaceVersion) {
+    const InHost here;
     Note(Named("RegisterPluginVersion", static_cast<uint32_t>(interfaceVersion)));
   }
 
   static void PluginRegisterClass(REALclassDefinition *record) {
+    const InHost here;
     Note("PluginRegisterClass");
     record->dataOffset = static_cast<intptr_t>(current->dataOffset_);
     current->class_ = record;
     if (current->version < 5.9) current->convertedMethods_ = record->methods;
   }
 
-  static void PluginRegisterMethod(REALmethodDefinition * /*method*/) { Note("PluginRegisterMethod"); }
+  static void PluginRegisterMethod(REALmethodDefinition * /*method*/) {
+    const InHost here;
+    Note("PluginRegisterMethod");
+  }
 
   static REALstring BuildString(const char *bytes, int32_t length) {
+    const InHost here;
     Note("REALBuildString");
     if (length < 0) current->faults_.emplace_back("a string of negative length");
     if (current->buildFails || length < 0) return nullptr;
@@ -84,16 +103,19 @@ struct TestHost::Services {
   }
 
   static uint32_t GetStringEncoding(REALstring string) {
+    const InHost here;
     Note("REALGetStringEncoding");
     return current->strings_.Check(string, "REALGetStringEncoding") ? string->mEncoding : 0;
   }
 
   static void SetStringEncoding(REALstring string, uint32_t encoding) {
+    const InHost here;
     Note("REALSetStringEncoding");
     if (current->strings_.Check(string, "REALSetStringEncoding")) string->mEncoding = encoding;
   }
 
   static REALstring ConvertString(REALstring string, uint32_t encoding) {
+    const InHost here;
     Note("REALConvertString");
     if (!current->strings_.Check(string, "REALConvertString")) return nullptr;
     const HostText text = current->strings_.Read(string);
@@ -103,6 +125,7 @@ struct TestHost::Services {
   }
 
   static REALfolderItem FolderItemFromFSSpec(const FSSpec *spec) {
+    const InHost here;
     Note("FolderItemFromFSSpec");
     current->lastSpec_ = *spec;
     if (spec->vRefNum == 0 && spec->parID == 0 && spec->name[0] == 0) return nullptr;
@@ -110,6 +133,7 @@ struct TestHost::Services {
   }
 
   static int32_t FSSpecFromFolderItem(FSSpec *spec, REALfolderItem item) {
+    const InHost here;
     Note("REALFSSpecFromFolderItem");
     if (!current->CheckItem(item, "REALFSSpecFromFolderItem") || current->specFails) return 0;
     *spec = current->Find(item)->spec;
@@ -117,6 +141,7 @@ struct TestHost::Services {
   }
 
   static REALstring PathFromFolderItem(REALfolderItem item) {
+    const InHost here;
     Note("REALpathFromFolderItem");
     if (!current->CheckItem(item, "REALpathFromFolderItem")) return nullptr;
     if (current->pathOfItems) {
@@ -129,16 +154,19 @@ struct TestHost::Services {
   }
 
   static double GetRBVersion() {
+    const InHost here;
     Note("REALGetRBVersion");
     return current->version;
   }
 
   static void UnlockString(REALstring string) {
+    const InHost here;
     Note("RuntimeUnlockString");
     current->strings_.Release(string);
   }
 
   static void UnlockObject(REALobject object) {
+    const InHost here;
     Note("RuntimeUnlockObject");
     current->Release(reinterpret_cast<REALfolderItem>(object));
   }

@@ -78,6 +78,10 @@ class TestHost {
   // What REALpathFromFolderItem answers instead of the item's own path; an empty optional is the null string.
   std::function<std::optional<std::string>()> pathOfItems{};
 
+  // Called with false each time that a called method starts or goes on to run, and with true each time that
+  // the host does.
+  std::function<void(bool)> crossing{};
+
   // The class, once registered; the methods with three or four words each, as the version has it.
   [[nodiscard]] const REALclassDefinition *Class() const { return class_; }
   [[nodiscard]] std::vector<std::string> Declarations() const;
@@ -105,6 +109,7 @@ class TestHost {
   template <typename Result, typename... Arguments>
   SUPPORT_CALLS_SLOTS Result Call(REALobject object, std::string_view declaration, Arguments... arguments) {
     const REALproc function = Method(declaration, {KindOf<Arguments>()...}, KindOf<Result>());
+    const InPlugin here(*this);
     return reinterpret_cast<Result (*)(REALobject, Arguments...)>(function)(object, arguments...);
   }
   template <typename Value>
@@ -158,6 +163,21 @@ class TestHost {
   struct Item;
   struct Services;
   struct ObjectBlock;
+
+  // While a method runs.
+  class InPlugin {
+   public:
+    explicit InPlugin(TestHost &host) : host_(host) { Cross(false); }
+    InPlugin(const InPlugin &) = delete;
+    InPlugin &operator=(const InPlugin &) = delete;
+    ~InPlugin() { Cross(true); }
+
+   private:
+    void Cross(bool inHost) const {
+      if (host_.crossing) host_.crossing(inHost);
+    }
+    TestHost &host_;
+  };
 
   template <typename T>
   static constexpr char KindOf() {

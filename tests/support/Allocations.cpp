@@ -1,0 +1,107 @@
+#include "tests/support/Allocations.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+long allocationsLeft = -1;  // negative: all are granted
+bool isPaused = false;
+bool hasFailed = false;
+size_t bytesInUse = 0;
+size_t mostBytesInUse = 0;
+
+// What stands before each block: its address from malloc and its size.
+struct Prefix {
+  void *start;
+  size_t size;
+};
+
+void *Allocate(size_t size, size_t alignment = alignof(std::max_align_t)) noexcept {
+  if (allocationsLeft == 0 && !isPaused) {
+    hasFailed = true;
+    return nullptr;
+  }
+  void *start = std::malloc(size + alignment + sizeof(Prefix));
+  if (start == nullptr) return nullptr;
+  if (allocationsLeft > 0 && !isPaused) --allocationsLeft;
+  const auto first = reinterpret_cast<uintptr_t>(start) + sizeof(Prefix);
+  auto *block = reinterpret_cast<void *>((first + alignment - 1) / alignment * alignment);
+  static_cast<Prefix *>(block)[-1] = {start, size};
+  bytesInUse += size;
+  if (bytesInUse > mostBytesInUse) mostBytesInUse = bytesInUse;
+  return block;
+}
+
+void *OrThrow(void *block) {
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+
+void Release(void *block) noexcept {
+  if (block == nullptr) return;
+  const Prefix prefix = static_cast<Prefix *>(block)[-1];
+  bytesInUse -= prefix.size;
+  std::free(prefix.start);
+}
+
+size_t Of(std::align_val_t alignment) { return static_cast<size_t>(alignment); }
+
+}  // namespace
+
+void *operator new(size_t size) { return OrThrow(Allocate(size)); }
+void *operator new[](size_t size) { return OrThrow(Allocate(size)); }
+void *operator new(size_t size, std::align_val_t alignment) { return OrThrow(Allocate(size, Of(alignment))); }
+void *operator new[](size_t size, std::align_val_t alignment) {
+  return OrThrow(Allocate(size, Of(alignment)));
+}
+void *operator new(size_t size, const std::nothrow_t & /*tag*/) noexcept { return Allocate(size); }
+void *operator new[](size_t size, const std::nothrow_t & /*tag*/) noexcept { return Allocate(size); }
+void *operator new(size_t size, std::align_val_t alignment, const std::nothrow_t & /*tag*/) noexcept {
+  return Allocate(size, Of(alignment));
+}
+void *operator new[](size_t size, std::align_val_t alignment, const std::nothrow_t & /*tag*/) noexcept {
+  return Allocate(size, Of(alignment));
+}
+void operator delete(void *block) noexcept { Release(block); }
+void operator delete[](void *block) noexcept { Release(block); }
+void operator delete(void *block, size_t /*size*/) noexcept { Release(block); }
+void operator delete[](void *block, size_t /*size*/) noexcept { Release(block); }
+void operator delete(void *block, std::align_val_t /*alignment*/) noexcept { Release(block); }
+void operator delete[](void *block, std::align_val_t /*alignment*/) noexcept { Release(block); }
+void operator delete(void *block, size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  Release(block);
+}
+void operator delete[](void *block, size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  Release(block);
+}
+void operator delete(void *block, const std::nothrow_t & /*tag*/) noexcept { Release(block); }
+void operator delete[](void *block, const std::nothrow_t & /*tag*/) noexcept { Release(block); }
+void operator delete(void *block, std::align_val_t /*alignment*/, const std::nothrow_t & /*tag*/) noexcept {
+  Release(block);
+}
+void operator delete[](void *block, std::align_val_t /*alignment*/, const std::nothrow_t & /*tag*/) noexcept {
+  Release(block);
+}
+
+namespace support {
+
+void GrantAllocations(long count) {
+  allocationsLeft = count;
+  hasFailed = false;
+}
+
+void GrantAllAllocations() { allocationsLeft = -1; }
+
+void PauseGranting(bool paused) { isPaused = paused; }
+
+bool AllocationFailed() { return hasFailed; }
+
+size_t BytesInUse() { return bytesInUse; }
+
+size_t MostBytesInUse() { return mostBytesInUse; }
+
+void ForgetMostBytes() { mostBytesInUse = bytesInUse; }
+
+}  // namespace support

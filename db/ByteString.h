@@ -8,10 +8,13 @@
 #include <string_view>
 
 // The raw bytes of one stored text. A library holds about ten of them for each song, so most borrow their
-// bytes from the loaded file's image instead of owning a copy: loading then allocates nothing per text. A
+// bytes from the database's arena instead of owning a copy: loading then allocates nothing per text. A
 // copy of a ByteString always owns its bytes; only a move passes a borrowed range on.
 class ByteString {
  public:
+  // The longest text that needs no memory of its own.
+  static constexpr size_t kNearRoom = 8;
+
   // Whether bytes given to a ByteString are copied, or only pointed at because they outlive it.
   enum class Keep { Copy, Borrow };
 
@@ -62,7 +65,7 @@ class ByteString {
 
   union {
     const char *far_;
-    char near_[8] = {};
+    char near_[kNearRoom] = {};
   };
   uint32_t size_ = 0;
   uint32_t room_ = kNear;

@@ -6,6 +6,8 @@
 
 // The records the loader reads from a file, in values: words already in the machine's order.
 
+constexpr uint32_t kChunkHeaderSize = 16;
+
 // The first 16 bytes of every chunk. `jump` is the header's length, the distance to the first child or the
 // body; `myLen` is the chunk's total length or its number of children, and `count` a type, as the kind has
 // it.
@@ -46,53 +48,65 @@ struct stringParam {
 
 enum class ChunkKind { DataSet, TrackList, Track, PlayListList, PlayList, PlayListEntry, DataObject, Other };
 
+// Two characters of a tag as one word.
+constexpr uint16_t HalfTag(uint8_t first, uint8_t second) {
+  return static_cast<uint16_t>(first << 8 | second);
+}
+
+constexpr uint16_t HalfTag(const char (&text)[3]) {
+  return HalfTag(static_cast<uint8_t>(text[0]), static_cast<uint8_t>(text[1]));
+}
+
 // The kind of a chunk by its tag, in either variant's form whatever the file's variant is.
-ChunkKind KindOf(const fsbbStruct &fsbb);
+// A tag is told by its last two characters alone in the little-endian form, by both halves in the big-endian
+// one. Some big-endian halves do not spell the other tag reversed; that is how those files are written.
+inline ChunkKind KindOf(const fsbbStruct &fsbb) {
+  const auto padIs = [&](const char(&text)[3]) { return HalfTag(fsbb.pad[0], fsbb.pad[1]) == HalfTag(text); };
+  switch (HalfTag(fsbb.code[0], fsbb.code[1])) {
+    case HalfTag("od"):
+      return ChunkKind::DataObject;
+    case HalfTag("ip"):
+      return ChunkKind::PlayListEntry;
+    case HalfTag("it"):
+      return ChunkKind::Track;
+    case HalfTag("yp"):
+      return ChunkKind::PlayList;
+    case HalfTag("sd"):
+      return ChunkKind::DataSet;
+    case HalfTag("lt"):
+      return ChunkKind::TrackList;
+    case HalfTag("lp"):
+      return ChunkKind::PlayListList;
+    case HalfTag("hm"):
+      return padIs("ho") ? ChunkKind::DataObject : ChunkKind::Other;
+    case HalfTag("tm"):
+      return padIs("hp") ? ChunkKind::PlayListEntry : ChunkKind::Other;
+    case HalfTag("im"):
+      return padIs("ht") ? ChunkKind::Track : padIs("hp") ? ChunkKind::PlayList : ChunkKind::Other;
+    case HalfTag("sm"):
+      return padIs("hd") ? ChunkKind::DataSet : ChunkKind::Other;
+    case HalfTag("lm"):
+      return padIs("ht") ? ChunkKind::TrackList : padIs("hp") ? ChunkKind::PlayListList : ChunkKind::Other;
+    default:
+      return ChunkKind::Other;
+  }
+}
 
 // The variant a file's first chunk announces: 1 little-endian, 0 big-endian, -1 neither.
 int32_t LibTypeOf(const fsbbStruct &fsbb);
 
-// One loaded file. Every read of it goes through here, so none can leave it.
-class FileImage {
- public:
-  // `bytes` holds `size` bytes of the file and one spare zero byte after them.
-  FileImage(uint8_t *bytes, uint32_t size) : bytes_(bytes), size_(size) {}
+// The word at `bytes`, in the byte order of libType.
+inline uint32_t FileWord(const uint8_t *bytes, int32_t libType) {
+  uint32_t word = BigEndianWord(bytes);
+  if (libType == 1) Swap4Byte(&word);
+  return word;
+}
 
-  uint32_t Size() const { return size_; }
-
-  // Whether the n bytes at `at` all belong to the file.
-  bool Holds(uint64_t at, uint64_t n) const { return at <= size_ && n <= size_ - at; }
-
-  // The bytes at `at`; the caller has asked Holds for the range it uses.
-  uint8_t *At(uint32_t at) const { return bytes_ + at; }
-
-  // The word at `at`, in the byte order of libType; a byte past the end reads as zero.
-  uint32_t Word(uint64_t at, int32_t libType) const {
-    return Holds(at, 4) ? WordOf(bytes_ + at, libType) : WordAtEnd(at, libType);
-  }
-
-  // The byte at `at`, or zero past the end.
-  uint8_t Byte(uint64_t at) const { return at < size_ ? bytes_[at] : uint8_t{0}; }
-
-  // The chunk header at `at`, with its three words in the order of libType; the caller has asked Holds for
-  // it.
-  fsbbStruct Header(uint32_t at, int32_t libType) const {
-    const uint8_t *header = bytes_ + at;
-    return {{header[0], header[1]},
-            {header[2], header[3]},
-            WordOf(header + 4, libType),
-            WordOf(header + 8, libType),
-            WordOf(header + 12, libType)};
-  }
-
- private:
-  static uint32_t WordOf(const uint8_t *bytes, int32_t libType) {
-    uint32_t word = BigEndianWord(bytes);
-    if (libType == 1) Swap4Byte(&word);
-    return word;
-  }
-  uint32_t WordAtEnd(uint64_t at, int32_t libType) const;
-
-  uint8_t *bytes_;
-  uint32_t size_;
-};
+// The chunk header at `bytes`, with its three words in the order of libType.
+inline fsbbStruct ChunkHeader(const uint8_t *bytes, int32_t libType) {
+  return {{bytes[0], bytes[1]},
+          {bytes[2], bytes[3]},
+          FileWord(bytes + 4, libType),
+          FileWord(bytes + 8, libType),
+          FileWord(bytes + 12, libType)};
+}

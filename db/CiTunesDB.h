@@ -8,14 +8,16 @@
 #include "db/ByteOrder.h"
 #include "db/ByteString.h"
 #include "db/ChunkFormat.h"
-#include "db/LargePages.h"
+#include "db/FileWindow.h"
 #include "db/SongRecords.h"
 #include "db/SongTable.h"
+#include "db/TextArena.h"
 
 // The in-memory database of one iPod: songs and playlists in file order, and the queries over them. Indexes
 // are 0-based and signed; one that names nothing gives a neutral value. Texts that queries return are copies.
 //
-// The loaded file's image stays with the database, since the records' texts point into it.
+// The texts of the records point into an arena of the database's own: a record copied out has texts of its
+// own.
 class CiTunesDB {
  public:
   CiTunesDB() = default;
@@ -107,12 +109,12 @@ class CiTunesDB {
 
  private:
   bool HasPlayList(int32_t p) const { return p >= 0 && static_cast<size_t>(p) < plays.size(); }
-  void Walk(const FileImage &image, uint32_t at);
-  void ReadTrack(const FileImage &image, uint32_t at);
-  void ReadPlayList(const FileImage &image, uint32_t at, const fsbbStruct &fsbb);
-  void ReadEntry(const FileImage &image, uint32_t at);
-  void ReadDataObject(const FileImage &image, uint32_t at, const fsbbStruct &fsbb);
+  void Walk(FileWindow &file, uint32_t at);
+  void ReadTrack(FileWindow &file, uint32_t at);
+  void ReadPlayList(FileWindow &file, uint32_t at, const fsbbStruct &fsbb);
+  void ReadEntry(FileWindow &file, uint32_t at);
+  void ReadDataObject(FileWindow &file, uint32_t at, const fsbbStruct &fsbb);
 
-  std::vector<LargeBuffer> images_;
-  uint64_t copied_ = 0;  // bytes of the file being walked that were copied into texts
+  TextArena texts_;
+  uint64_t copied_ = 0;  // bytes of the file being walked that were taken beyond their own object
 };

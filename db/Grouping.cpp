@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string_view>
@@ -44,16 +45,27 @@ class Groups {
     if (!cell.obj.empty()) textsNeeded_ = true;
   }
 
+  // Where the song's text will be looked for. Asked for a stretch of songs before they join, so that the
+  // waits for their texts and slots overlap.
+  uint32_t Hash(const CSongList &song) {
+    if (!Takes(song)) return 0;
+    uint64_t h = HashText((song.*cell_).obj, seed_);
+    if (IsAlbum()) h = HashText(song.artist.obj, h);
+    const auto hash = static_cast<uint32_t>(h);
+    if (!slots_.empty()) __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
+    return hash;
+  }
+
   // Gives song i's cell the number of its group, when that has one already and the cell has none. Otherwise
   // the group starts with this song, and Start tells its number.
-  void Join(CSongList &song, size_t i) {
+  void Join(CSongList &song, size_t i, uint32_t hash) {
     starting_ = nullptr;
-    songInfo &cell = song.*cell_;
-    if (!needed_ || (!textsNeeded_ && !cell.obj.empty())) return;
+    if (!Takes(song)) return;
     if (2 * (used_ + 1) > slots_.size()) Grow();
-    Slot &slot = Locate(song);
+    Slot &slot = Locate(song, hash);
+    songInfo &cell = song.*cell_;
     if (slot.first == kFree) {
-      slot.first = static_cast<uint32_t>(i);
+      slot = {hash, static_cast<uint32_t>(i), 0};
       ++used_;
       starting_ = &slot;
     } else if (cell.idx < 0) {
@@ -80,16 +92,14 @@ class Groups {
     return (a.*cell_).obj == (b.*cell_).obj && (!IsAlbum() || a.artist.obj == b.artist.obj);
   }
 
-  Slot &Locate(const CSongList &song) {
-    uint64_t h = HashText((song.*cell_).obj, seed_);
-    if (IsAlbum()) h = HashText(song.artist.obj, h);
-    const auto hash = static_cast<uint32_t>(h);
+  bool Takes(const CSongList &song) const { return textsNeeded_ || (needed_ && (song.*cell_).obj.empty()); }
+
+  Slot &Locate(const CSongList &song, uint32_t hash) {
     size_t at = hash & (slots_.size() - 1);
     while (slots_[at].first != kFree &&
            (slots_[at].hash != hash || !SameGroup(songs_[slots_[at].first], song))) {
       at = (at + 1) & (slots_.size() - 1);
     }
-    slots_[at].hash = hash;
     return slots_[at];
   }
 
@@ -127,6 +137,8 @@ void CiTunesDB::SetSongsObjectIndex() {
     for (Groups *groups : all) groups->Consider(song);
   }
 
+  constexpr size_t kStretch = 64;
+  std::array<std::array<uint32_t, 5>, kStretch> hashes = {};
   int32_t artist = 0;
   int32_t album = 0;
   int32_t genre = 0;
@@ -134,7 +146,13 @@ void CiTunesDB::SetSongsObjectIndex() {
 
   for (size_t i = 0; i < songs.size(); ++i) {
     CSongList &song = songs.KeepingID(i);
-    for (Groups *groups : all) groups->Join(song, i);
+    if (i % kStretch == 0) {
+      const size_t end = std::min(i + kStretch, songs.size());
+      for (size_t k = i; k < end; ++k) {
+        for (size_t g = 0; g < all.size(); ++g) hashes[k - i][g] = all[g]->Hash(std::as_const(songs)[k]);
+      }
+    }
+    for (size_t g = 0; g < all.size(); ++g) all[g]->Join(song, i, hashes[i % kStretch][g]);
     if (i + 1 == songs.size()) break;
 
     // Every count lands in the artist's cell, and composers and file types share a counter but take the

@@ -8,13 +8,11 @@ namespace {
 
 constexpr size_t kBigPage = size_t{2} << 20;
 
-// Below this the rounding to big pages would cost more memory than it saves time.
-constexpr size_t kLarge = 4 * kBigPage;
-
 }  // namespace
 
 void *AllocateLarge(size_t bytes) {
-  if (bytes < kLarge) return ::operator new(bytes);
+  if (bytes < kBigPage) return ::operator new(bytes);
+  bytes += (kBigPage - bytes % kBigPage) % kBigPage;  // a last page that is not whole would not be a big one
   void *block = ::operator new (bytes, std::align_val_t{kBigPage});
 #ifdef MADV_HUGEPAGE
   // Advice only: where it is refused the block works all the same.
@@ -25,7 +23,7 @@ void *AllocateLarge(size_t bytes) {
 
 void FreeLarge(void *block, size_t bytes) noexcept {
   if (block == nullptr) return;
-  if (bytes < kLarge) {
+  if (bytes < kBigPage) {
     ::operator delete(block);
   } else {
     ::operator delete (block, std::align_val_t{kBigPage});

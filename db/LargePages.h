@@ -5,9 +5,8 @@
 #include <memory>
 #include <new>
 
-// Memory for the two blocks that grow with a library, its file's image and its song table. Faulting them in
-// page by page costs more than reading the file does, so a large block is aligned for, and advised to use,
-// the machine's big pages.
+// Memory for what grows with a library, its song table and its texts. Faulting it in page by page costs more
+// than reading the file does, so a large block is aligned for, and advised to use, the machine's big pages.
 
 // A new block; throws std::bad_alloc. It is freed with the size it was asked for.
 void *AllocateLarge(size_t bytes);

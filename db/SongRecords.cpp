@@ -11,6 +11,16 @@ namespace {
 
 std::string_view Bytes(const uint8_t *at, size_t n) { return {reinterpret_cast<const char *>(at), n}; }
 
+// Adds bytes to a record's text. The first ones go to the arena, if there is one and they would not fit into
+// the text itself.
+void Store(ByteString &text, std::string_view bytes, TextArena *arena) {
+  if (arena == nullptr || !text.empty() || bytes.size() <= ByteString::kNearRoom) {
+    text.Append(bytes);
+  } else {
+    text.Append(arena->Keep(bytes), ByteString::Keep::Borrow);
+  }
+}
+
 // A data object's header and what precedes its text.
 constexpr int32_t kTextOffset = 40;
 
@@ -75,7 +85,7 @@ songInfo *LittleEndianField(CSongList &song, uint32_t type) {
 }  // namespace
 
 int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
-                          ByteString::Keep keep) {
+                          TextArena *arena) {
   if (objPtr == nullptr) return 0;
   const bool isText = FileOrder(_encode, libType) == 1;
   uint8_t *start = isText ? objPtr : objPtr - 16;
@@ -87,11 +97,11 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
 
   if (libType != 1) {
     if (fsbb->count == 1) {
-      return SetLocation(fsbb, start, objPtr + (fsbb->myLen - uint32_t{kTextOffset}), encode, keep);
+      return SetLocation(fsbb, start, objPtr + (fsbb->myLen - uint32_t{kTextOffset}), encode, arena);
     }
     songInfo *field = BigEndianField(*this, fsbb->count);
     if (field == nullptr) return 0;
-    field->obj.Append(Bytes(start, size), keep);
+    Store(field->obj, Bytes(start, size), arena);
     field->enc = encode;
     return 1;
   }
@@ -100,11 +110,13 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
   songInfo *field = LittleEndianField(*this, fsbb->count);
   if (field == nullptr) {
     songInfo other{static_cast<int32_t>(fsbb->count), encode, {}};
-    other.obj.Append(Bytes(start, size), keep);
+    Store(other.obj, Bytes(start, size), arena);
+    constexpr size_t kUsual = 4;
+    if (unknown.empty()) unknown.reserve(kUsual);
     unknown.push_back(std::move(other));
     return 1;
   }
-  field->obj.Append(Bytes(start, size), keep);
+  Store(field->obj, Bytes(start, size), arena);
   field->idx = static_cast<int32_t>(fsbb->count);
   field->enc = encode;
   return 1;
@@ -114,7 +126,7 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
 // which begins with that name and has its 16-bit length right before it. The body is laid out for a text
 // object; it is read from the same distance before the text when the object is not marked as text.
 int32_t CSongList::SetLocation(const fsbbStruct *fsbb, const uint8_t *start, const uint8_t *objectEnd,
-                               uint32_t encode, ByteString::Keep keep) {
+                               uint32_t encode, TextArena *arena) {
   constexpr int32_t kName = 0x23;
   const uint8_t *at = start + (kName - kTextOffset);
   if (fsbb->myLen < uint32_t{kName}) return 0;
@@ -128,7 +140,7 @@ int32_t CSongList::SetLocation(const fsbbStruct *fsbb, const uint8_t *start, con
   const uint8_t *found = at + n + match;
   const size_t length = size_t{256} * found[-2] + found[-1];
   if (objectEnd < found || length > static_cast<size_t>(objectEnd - found)) return 0;
-  path.obj.Append(Bytes(found, length), keep);
+  Store(path.obj, Bytes(found, length), arena);
   path.enc = encode;
   return 1;
 }
@@ -151,13 +163,13 @@ void CSongList::SetTrack(trackParam _track) {
 }
 
 int32_t CPlayList::SetTitle(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
-                            ByteString::Keep keep) {
+                            TextArena *arena) {
   const uint32_t nameType = libType == 1 ? 1 : 100;
   const auto lng = static_cast<int32_t>(fsbb->myLen - uint32_t{kTextOffset});
   if (fsbb->count != nameType || objPtr == nullptr || lng < 0) return 0;
   const auto size = static_cast<size_t>(lng);
   if (libType == 1) Swap2ByteString(objPtr, size);
-  name.obj.Append(Bytes(objPtr, size), keep);
+  Store(name.obj, Bytes(objPtr, size), arena);
   name.enc = _encode;
   return 1;
 }

@@ -6,6 +6,7 @@
 
 #include "db/ByteString.h"
 #include "db/ChunkFormat.h"
+#include "db/TextArena.h"
 
 // One text cell: `idx` is the type number of the data object that filled it (little-endian files), -1 where
 // none did, -100 for the track/total text, or a group number; `enc` is the encoding code of `obj`'s raw
@@ -111,17 +112,17 @@ class CSongList {
   // Files one data object of a track into the song. `fsbb` is the object's header in values, `objPtr` points
   // at offset 0x28 of the object, `_encode` is the word at 0x18 most significant byte first, `libType` the
   // variant. Returns 1 when something was stored, 0 otherwise. May swap the object's bytes in place (one byte
-  // past an odd text included); the caller has checked that the text or raw body is all there. With
-  // Keep::Borrow the song points at those bytes instead of copying them.
+  // past an odd text included); the caller has checked that the text or raw body is all there. With an arena,
+  // which must outlive the song, the text is kept there.
   int32_t SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
-                 ByteString::Keep keep = ByteString::Keep::Copy);
+                 TextArena *arena = nullptr);
 
   // Stores the pair and appends its display text ("05/12", "5", "-") to trackInfo.
   void SetTrack(trackParam _track);
 
  private:
   int32_t SetLocation(const fsbbStruct *fsbb, const uint8_t *start, const uint8_t *objectEnd, uint32_t encode,
-                      ByteString::Keep keep);
+                      TextArena *arena);
 };
 
 // One playlist.
@@ -151,5 +152,5 @@ class CPlayList {
 
   // Stores the playlist's name from a data object; arguments and result as CSongList::SetObj.
   int32_t SetTitle(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
-                   ByteString::Keep keep = ByteString::Keep::Copy);
+                   TextArena *arena = nullptr);
 };

@@ -3,6 +3,7 @@
 #include <new>
 
 void SongTable::IndexIDs() const {
+  if (indexed_ == 0 && !songs_.empty()) ids_.Reserve(songs_.size());
   for (; indexed_ < songs_.size(); ++indexed_) ids_.Add(songs_[indexed_].id, static_cast<int32_t>(indexed_));
 }
 

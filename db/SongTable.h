@@ -51,6 +51,12 @@ class SongTable {
     songs_.clear();
   }
 
+  // Takes songs from the end until `count` are left.
+  void Truncate(size_t count) {
+    ForgetIDs();
+    songs_.erase(songs_.begin() + static_cast<ptrdiff_t>(count), songs_.end());
+  }
+
   // A new default song at the end. The reference holds until the next append, and its ID may be set until the
   // next search.
   CSongList &Append() { return songs_.emplace_back(); }

@@ -1,6 +1,13 @@
 #include "db/TrackIDIndex.h"
 
+#include <algorithm>
 #include <utility>
+
+namespace {
+
+constexpr uint32_t kSmallest = 64;
+
+}  // namespace
 
 // Mixes every bit of the ID into every bit of the slot number (the finaliser of the MurmurHash3 family). The
 // table's address is mixed in, so that a file cannot be made whose IDs all meet in one place.
@@ -25,7 +32,7 @@ int32_t TrackIDIndex::Find(int32_t id) const {
 }
 
 void TrackIDIndex::Add(int32_t id, int32_t index) {
-  if (2 * (used_ + 1) > capacity_) Grow();
+  if (2 * (used_ + 1) > capacity_) Resize(std::max(2 * capacity_, kSmallest));
   Slot *slot = Locate(id);
   if (slot->songs == 0) {
     *slot = {id, index, 1};
@@ -62,13 +69,19 @@ void TrackIDIndex::Clear() {
   used_ = 0;
 }
 
-void TrackIDIndex::Grow() {
-  TrackIDIndex grown;
-  grown.capacity_ = capacity_ == 0 ? 64 : 2 * capacity_;
-  grown.slots_ = std::make_unique<Slot[]>(grown.capacity_);
-  grown.used_ = used_;
+void TrackIDIndex::Reserve(size_t ids) {
+  uint32_t capacity = std::max(capacity_, kSmallest);
+  while (2 * ids > capacity) capacity *= 2;
+  if (capacity != capacity_) Resize(capacity);
+}
+
+void TrackIDIndex::Resize(uint32_t capacity) {
+  TrackIDIndex resized;
+  resized.capacity_ = capacity;
+  resized.slots_ = std::make_unique<Slot[]>(capacity);
+  resized.used_ = used_;
   for (uint32_t i = 0; i < capacity_; ++i) {
-    if (slots_[i].songs != 0) *grown.Locate(slots_[i].id) = slots_[i];
+    if (slots_[i].songs != 0) *resized.Locate(slots_[i].id) = slots_[i];
   }
-  *this = std::move(grown);
+  *this = std::move(resized);
 }

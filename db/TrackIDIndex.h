@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -9,6 +10,9 @@ class TrackIDIndex {
  public:
   // The lowest index added for the ID and not removed, or -1.
   int32_t Find(int32_t id) const;
+
+  // Makes room for that many IDs in all. Throws std::bad_alloc and then changes nothing.
+  void Reserve(size_t ids);
 
   // Notes that the song at `index` carries the ID. Throws std::bad_alloc and then changes nothing.
   void Add(int32_t id, int32_t index);
@@ -31,7 +35,7 @@ class TrackIDIndex {
 
   uint32_t Home(int32_t id) const;
   Slot *Locate(int32_t id) const;  // the ID's slot, or the free slot it would take
-  void Grow();
+  void Resize(uint32_t capacity);
 
   std::unique_ptr<Slot[]> slots_;
   uint32_t capacity_ = 0;  // a power of two, or 0

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <numeric>
 #include <string>
-#include <vector>
 
 #include "db/ChunkFormat.h"
 
@@ -97,45 +96,16 @@ TEST(FileTag, HdfmMeansBigEndianAndAnythingElseNothing) {
   }
 }
 
-class FileImageTest : public testing::Test {
- protected:
-  FileImageTest() { std::iota(bytes_.begin(), bytes_.end(), uint8_t{0x10}); }
-
-  std::vector<uint8_t> bytes_ = std::vector<uint8_t>(20);
-  FileImage image_{bytes_.data(), 19};  // the last byte stands for the spare one
-};
-
-TEST_F(FileImageTest, WordIsReadInTheOrderOfTheVariant) {
-  EXPECT_EQ(image_.Word(1, 0), 0x11121314U);
-  EXPECT_EQ(image_.Word(1, 1), 0x14131211U);
-  EXPECT_EQ(image_.Word(15, 0), 0x1f202122U);
+TEST(ChunkHeader, WordIsReadInTheOrderOfTheVariant) {
+  const std::array<uint8_t, 4> bytes{0x11, 0x12, 0x13, 0x14};
+  EXPECT_EQ(FileWord(bytes.data(), 0), 0x11121314U);
+  EXPECT_EQ(FileWord(bytes.data(), 1), 0x14131211U);
 }
 
-TEST_F(FileImageTest, BytesPastTheEndReadZero) {
-  EXPECT_EQ(image_.Word(16, 0), 0x20212200U);
-  EXPECT_EQ(image_.Word(16, 1), 0x00222120U);
-  EXPECT_EQ(image_.Word(18, 0), 0x22000000U);
-  EXPECT_EQ(image_.Word(18, 1), 0x00000022U);
-  EXPECT_EQ(image_.Word(19, 0), 0U);
-  EXPECT_EQ(image_.Word(uint64_t{1} << 32, 1), 0U);
-  EXPECT_EQ(image_.Byte(18), 0x22);
-  EXPECT_EQ(image_.Byte(19), 0);
-  EXPECT_EQ(image_.Byte(UINT64_MAX), 0);
-}
-
-TEST_F(FileImageTest, HoldsARangeThatLiesInsideTheFile) {
-  EXPECT_TRUE(image_.Holds(0, 19));
-  EXPECT_TRUE(image_.Holds(19, 0));
-  EXPECT_TRUE(image_.Holds(18, 1));
-  EXPECT_FALSE(image_.Holds(18, 2));
-  EXPECT_FALSE(image_.Holds(20, 0));
-  EXPECT_FALSE(image_.Holds(1, UINT64_MAX));
-  EXPECT_FALSE(image_.Holds(UINT64_MAX, 1));
-  EXPECT_FALSE(image_.Holds(UINT64_MAX, 2));
-}
-
-TEST_F(FileImageTest, HeaderKeepsItsTagAndConvertsItsThreeWords) {
-  const fsbbStruct big = image_.Header(2, 0);
+TEST(ChunkHeader, KeepsItsTagAndConvertsItsThreeWords) {
+  std::array<uint8_t, 16> bytes{};
+  std::iota(bytes.begin(), bytes.end(), uint8_t{0x12});
+  const fsbbStruct big = ChunkHeader(bytes.data(), 0);
   EXPECT_EQ(big.pad[0], 0x12);
   EXPECT_EQ(big.pad[1], 0x13);
   EXPECT_EQ(big.code[0], 0x14);
@@ -143,7 +113,7 @@ TEST_F(FileImageTest, HeaderKeepsItsTagAndConvertsItsThreeWords) {
   EXPECT_EQ(big.jump, 0x16171819U);
   EXPECT_EQ(big.myLen, 0x1a1b1c1dU);
   EXPECT_EQ(big.count, 0x1e1f2021U);
-  const fsbbStruct little = image_.Header(2, 1);
+  const fsbbStruct little = ChunkHeader(bytes.data(), 1);
   EXPECT_EQ(little.pad[0], 0x12);
   EXPECT_EQ(little.code[1], 0x15);
   EXPECT_EQ(little.jump, 0x19181716U);

@@ -1,0 +1,86 @@
+"""Prints the ratios we hold ourselves to, from the results of one `bench/run`."""
+
+import json
+import pathlib
+import subprocess
+import sys
+import time
+
+
+def medians(path):
+    """Median nanoseconds of processor time for each item (or iteration) by benchmark name."""
+    scale = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+    times = {}
+    for row in json.loads(path.read_text())["benchmarks"]:
+        if row.get("aggregate_name") != "median":
+            continue
+        manual = row["run_name"].endswith("/manual_time")
+        time = row["real_time" if manual else "cpu_time"] * scale[row["time_unit"]]
+        if "items_per_second" in row:
+            time = 1e9 / row["items_per_second"]
+        if "bytes_per_second" in row:
+            times[row["run_name"] + " B/s"] = row["bytes_per_second"]
+        times[row["run_name"].replace("/iterations:2", "").replace("/manual_time", "")] = time
+    return times
+
+
+def seconds_to_list(zemhost, library):
+    """The best of three times that `zemhost songs` takes for a library."""
+    best = None
+    for _ in range(3):
+        start = time.perf_counter()
+        subprocess.run([zemhost, "songs", library], stdout=subprocess.DEVNULL, check=True)
+        took = time.perf_counter() - start
+        best = took if best is None else min(best, took)
+    return best
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    load = medians(folder / "load_bench.json")
+    call = medians(folder / "call_bench.json")
+    jis = medians(folder / "shift_jis_bench.json")
+    rows = []
+
+    def at_most(what, value, limit, unit="x"):
+        rows.append((what, f"{value:.2f} {unit}", f"at most {limit:g} {unit}", value <= limit))
+
+    def at_least(what, value, limit):
+        rows.append((what, f"{value:.2f} x", f"at least {limit:g} x", value >= limit))
+
+    def load_over_floor(texts, songs):
+        return load[f"Load/{texts}/{songs}"] / load[f"Floor/{texts}/{songs}"]
+
+    for songs, limit in ((10000, 2.0), (40000, 2.5), (100000, 2.5)):
+        at_most(f"load over floor, {songs} songs", load_over_floor("usual", songs), limit)
+    at_most("load over floor, 100000 songs, big-endian",
+            load["Load/big_endian/100000"] / load["Floor/big_endian/100000"], 2.5)
+    if "Load/million/1000000" in load:
+        at_most("time per song, 1000000 over 10000",
+                load["Load/million/1000000"] / 100 / load["Load/usual/10000"], 1.5)
+    at_most("hostile IDs: time per song, 20000 over 10000",
+            load["Load/hostile/20000"] / 2 / load["Load/hostile/10000"], 1.5)
+    memory = (folder / "memory.txt").read_text().split()
+    at_most("peak memory of a load over the file's size", float(memory[2]), 2.0)
+    for ids in ("known", "unknown", "known_after_changes", "unknown_after_changes"):
+        at_most(f"FindRefIdx, {ids.replace('_', ' ')}", call[f"FindRefIdx/{ids}"], 25, "ns")
+    for texts in ("missing", "distinct", "equal"):
+        share = load[f"Group/{texts}/100000"] / load[f"Load/{texts}/100000"]
+        at_most(f"grouping, texts {texts}, share of the load", 100 * share, 15, "%")
+    for texts in ("japanese_titles", "mixed_titles", "ascii_titles", "japanese_text", "mixed_text", "ascii_text"):
+        at_least(f"Shift_JIS over iconv, {texts.replace('_', ' ')}",
+                 jis[f"Ours/{texts} B/s"] / jis[f"Iconv/{texts} B/s"], 6 if texts.endswith("titles") else 2)
+    for method, limit in (("Integer", 8), ("IntegerOfEntry", 8), ("IntegerOfTrackID", 8), ("Title", 60),
+                          ("TitleUnconverted", 60), ("TitleInShiftJIS", 60), ("Path", 60)):
+        at_most(f"method: {method}", call[method], limit, "ns")
+
+    few, many = (seconds_to_list(sys.argv[2], f"{sys.argv[3]}/usual-{songs}") for songs in (10000, 100000))
+    at_most("zemhost songs, time per song, 100000 over 10000", many / 10 / few, 1.5)
+
+    width = max(len(row[0]) for row in rows)
+    for what, value, goal, good in rows:
+        print(f"{what:<{width}}  {value:>12}  {goal:<16}  {'pass' if good else 'falls short'}")
+    print(f"zemhost songs lists 100000 songs in {many:.2f} s")
+
+
+main()

@@ -73,10 +73,7 @@ void Directories::enter(Directory &directory, const std::string &name) {
 }
 
 int32_t Directories::idOf(const Key &key, const std::string &name) {
-  if (const auto found = known_.find(key); found != known_.end()) {
-    found->second.name = name;
-    return found->second.id;
-  }
+  if (const auto found = known_.find(key); found != known_.end()) return found->second.id;
   if (byId_.size() == static_cast<size_t>(std::numeric_limits<int32_t>::max() - kRoot))
     throw Failure{memFullErr};
   const auto id = static_cast<int32_t>(byId_.size()) + kFirstId;

@@ -103,8 +103,7 @@ std::optional<std::string> findEntry(const Descriptor &directory, const std::str
   std::optional<std::string> found;
   const std::u32string wanted = folded(name);
   forEachEntry(directory, [&](const std::string &entry) {
-    const bool matches = isValidName(exchanged(entry)) && folded(entry) == wanted;
-    if (matches && (!found || entry < *found)) found = entry;
+    if (folded(entry) == wanted && (!found || entry < *found)) found = entry;
     return true;
   });
   return found;

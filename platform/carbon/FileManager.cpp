@@ -11,13 +11,8 @@
 namespace carbon {
 namespace {
 
-// What an FSRef holds: the specification, behind a mark that sets it apart from a record of other bytes.
-struct Reference {
-  uint32_t mark;
-  FSSpec spec;
-};
-static_assert(sizeof(Reference) <= sizeof(FSRef));
-constexpr uint32_t kReferenceMark = 0x43724652;
+// A reference holds the specification in its first bytes.
+static_assert(sizeof(FSSpec) <= sizeof(FSRef));
 
 std::vector<std::string> split(std::string_view text, char separator) {
   std::vector<std::string> parts;
@@ -151,17 +146,16 @@ OSErr FileManager::specFromPath(const std::string &posixPath, FSSpec &spec) {
 FSRef FileManager::makeRef(const FSSpec &spec) {
   const Target target = targetOf(spec);
   if (!target.exists) throw Failure{fnfErr};
-  const Reference reference = {kReferenceMark, specOf(target)};
+  const FSSpec found = specOf(target);
   FSRef ref = {};
-  std::memcpy(ref.hidden, &reference, sizeof reference);
+  std::memcpy(ref.hidden, &found, sizeof found);
   return ref;
 }
 
 std::string FileManager::posixPath(const FSRef &ref) {
-  Reference reference;
-  std::memcpy(&reference, ref.hidden, sizeof reference);
-  if (reference.mark != kReferenceMark) throw Failure{fnfErr};
-  const Target target = targetOf(reference.spec);
+  FSSpec spec;
+  std::memcpy(&spec, ref.hidden, sizeof spec);
+  const Target target = targetOf(spec);
   if (!target.exists) throw Failure{fnfErr};
   const std::string &root = volumes_.at(target.directory.volume).root;
   const std::string path = root + target.directory.below + (target.name ? "/" + *target.name : "");

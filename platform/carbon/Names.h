@@ -18,7 +18,7 @@ bool isValidName(std::string_view macName);
 std::string exchanged(std::string name);
 
 // The name's code points with capital letters made small, for comparisons without regard to case. Bytes that
-// are not UTF-8 stand for themselves.
+// are not UTF-8 stand for themselves. Names that are alike in this form take the same number of bytes.
 std::u32string folded(std::string_view name);
 
 }  // namespace carbon

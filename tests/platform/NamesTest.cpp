@@ -74,6 +74,13 @@ TEST(NameFolding, IsStableWhenRepeated) {
   }
 }
 
+TEST(NameFolding, KeepsTheNumberOfBytes) {
+  for (char32_t point = 1; point < 0x110000; ++point) {
+    if (isSurrogate(point)) continue;
+    ASSERT_EQ(utf8(folded(utf8(point))[0]).size(), utf8(point).size()) << hex(point);
+  }
+}
+
 TEST(NameFolding, KeepsBytesThatAreNotUtf8Apart) {
   EXPECT_NE(folded("caf\xE9"), folded("caf\xC9"));
   EXPECT_NE(folded("caf\xE9"), folded("café"));

@@ -72,6 +72,14 @@ TEST_F(VolumeLookUp, TakesOnlyDirectoriesThatAreExactlyThere) {
   EXPECT_EQ(posixPath("Pod:inner:file"), at("media/ann/Pod/inner/file"));
 }
 
+TEST_F(VolumeLookUp, FileWithAVolumesNameDoesNotHideTheVolume) {
+  machine_.makeFile("media/ann/Pod");
+  machine_.makeFile("mnt/Pod/file");
+  machine_.makeFile("mnt/POD");
+  EXPECT_EQ(posixPath("Pod:file"), at("mnt/Pod/file"));
+  EXPECT_EQ(posixPath("POD:file"), at("mnt/Pod/file"));
+}
+
 TEST_F(VolumeLookUp, SeesVolumesComeAndGo) {
   EXPECT_EQ(posixPath("Pod:"), std::to_string(nsvErr));
   machine_.makeFile("mnt/Pod/file");

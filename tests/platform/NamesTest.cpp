@@ -7,9 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/carbon/Disk.h"
 #include "platform/carbon/Names.h"
-#include "tests/platform/TemporaryFolder.h"
 
 namespace {
 
@@ -108,26 +106,6 @@ TEST(MacName, IsValidFrom1To63BytesThatCanStandOnDisk) {
 TEST(MacName, ExchangesSlashAndColonBothWays) {
   EXPECT_EQ(exchanged("a/b:c"), "a:b/c");
   EXPECT_EQ(exchanged(exchanged("a/b:c")), "a/b:c");
-}
-
-TEST(DirectoryIdentity, IsTheSameEachTimeAndDiffersBetweenDirectories) {
-  const TemporaryFolder folder;
-  folder.makeDirectory("one");
-  folder.makeDirectory("two");
-  const carbon::Descriptor parent = carbon::openDirectory(folder.path());
-  const auto identity = [&](const std::string &name) {
-    return carbon::identify(carbon::openDirectory(parent, name), name);
-  };
-  EXPECT_TRUE(identity("one") == identity("one"));
-  EXPECT_FALSE(identity("one") == identity("two"));
-}
-
-TEST(DirectoryIdentity, TrustsNoInodeNumberOfFatAndUserSpaceFileSystems) {
-  EXPECT_FALSE(carbon::keepsInodeNumbers(0x4D44));      // FAT
-  EXPECT_FALSE(carbon::keepsInodeNumbers(0x2011BAB0));  // exFAT
-  EXPECT_FALSE(carbon::keepsInodeNumbers(0x65735546));  // in user space
-  EXPECT_TRUE(carbon::keepsInodeNumbers(0xEF53));       // ext4
-  EXPECT_TRUE(carbon::keepsInodeNumbers(0x482B));       // HFS+
 }
 
 }  // namespace

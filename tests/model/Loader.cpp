@@ -174,11 +174,14 @@ class Walk {
     const int64_t start = isText ? at + 0x28 : at + 0x18;
     const int64_t length = static_cast<int32_t>(isText ? chunk.myLen - 40 : chunk.myLen - chunk.jump);
     const uint32_t stored = isText ? encodingWord : 0;
-    if (length <= 0 || start + length > size_) return;
+    if (length < 0 || start + length > size_) return;
+    // Bodies that reach past their objects are stored until, counted from the objects' first bytes, they come
+    // to more than eight times the file.
     if (start + length > at + chunk.myLen) {
-      if (reaching_ + length > 8 * size_) return;
-      reaching_ += length;
+      reaching_ += start + length - at;
+      if (reaching_ > 8 * size_) return;
     }
+    if (length == 0) return;
     Song &song = database_.songs.back();
     if (Little()) {
       if (isText) SwapPairs(start, length);
@@ -251,7 +254,7 @@ class Walk {
   int64_t size_;
   uint32_t listType_ = 0;
   Filling filling_ = Filling::Nothing;
-  int64_t reaching_ = 0;  // bytes of bodies that reached past their object
+  int64_t reaching_ = 0;
 };
 
 }  // namespace

@@ -25,7 +25,10 @@ class PlainHost : public model::Host {
     ++conversions;
     return HostText{text.bytes, encoding};
   }
-  uint32_t EncodingWhenBuilt() override { return 77; }
+  std::optional<HostText> Build(const std::string &bytes) override {
+    if (buildFails) return std::nullopt;
+    return HostText{bytes, 77};
+  }
   uint32_t EncodingOfNoString() override { return 78; }
   std::optional<std::string> ItemOfPath(const std::string &path) override { return "item of " + path; }
   std::optional<HostText> PathOfItemOfPath(const std::string &path) override {
@@ -33,6 +36,7 @@ class PlainHost : public model::Host {
   }
 
   int conversions = 0;
+  bool buildFails = false;
 };
 
 class ModelMethods : public testing::Test {
@@ -139,6 +143,15 @@ TEST_F(ModelMethods, HandOutTextsInTheEncodingAskedFor) {
   object.SetResultEncode(0xA01);
   EXPECT_EQ(Call("GetTitle(index As Integer) As String", {0}),
             Result(std::optional(HostText{"First", 0xA01})));
+}
+
+TEST_F(ModelMethods, ConvertNothingThatCouldNotBeBuilt) {
+  LoadTwoSongs();
+  host.buildFails = true;
+  EXPECT_EQ(Call("GetTitle(index As Integer) As String", {0}), Result(kNoText));
+  EXPECT_EQ(Call("GetAbsolutePath(index As Integer) As String", {0}), Result(kNoText));
+  EXPECT_EQ(object.VolumeName(), kNoText);
+  EXPECT_EQ(host.conversions, 0);
 }
 
 TEST_F(ModelMethods, ClassifyATextOfCodeThree) {

@@ -43,7 +43,7 @@ void Object::SetUseSJIS(int32_t value) {
 
 std::optional<HostText> Object::VolumeName() const {
   if (!database_ || database_->volumeName.empty()) return std::nullopt;
-  return HostText{database_->volumeName, host_.EncodingWhenBuilt()};
+  return host_.Build(database_->volumeName);
 }
 
 int32_t Object::CountSongs() const { return database_ ? static_cast<int32_t>(database_->songs.size()) : 0; }
@@ -232,8 +232,7 @@ int32_t Object::PlayListType(int32_t playlist, int32_t reqType) const {
 
 std::optional<HostText> Object::WithVolume(const std::optional<HostText> &path) const {
   if (!database_ || !loadWasTried_ || !path || path->bytes.empty()) return std::nullopt;
-  const std::string joined = database_->libType == 0 ? path->bytes : database_->volumeName + path->bytes;
-  return HostText{joined, host_.EncodingWhenBuilt()};
+  return host_.Build(database_->libType == 0 ? path->bytes : database_->volumeName + path->bytes);
 }
 
 std::optional<std::string> Object::ItemOf(const std::optional<HostText> &path) const {

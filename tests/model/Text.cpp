@@ -55,6 +55,7 @@ std::optional<HostText> HandOut(const Cell &cell, int32_t object, bool useSJIS, 
     result = {cell.text, kUnicode};
     carried = kUnicode;
   }
+  if (!host.Build(result.bytes)) return std::nullopt;
   if (carried == resultEncode) return result;
   return host.Convert(result, resultEncode);
 }

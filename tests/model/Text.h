@@ -25,10 +25,10 @@ class Host {
   Host &operator=(const Host &) = delete;
   virtual ~Host() = default;
 
+  // A new string of the bytes, with the code that a host gives a string it was told nothing about.
+  virtual std::optional<HostText> Build(const std::string &bytes) = 0;
   // The text in another encoding.
   virtual std::optional<HostText> Convert(const HostText &text, uint32_t encoding) = 0;
-  // The code of a string that was built and given no encoding.
-  virtual uint32_t EncodingWhenBuilt() = 0;
   // The code that the host reports for the null string.
   virtual uint32_t EncodingOfNoString() = 0;
   // The folder item of a colon-separated path of at most 255 bytes, in any form that tells items apart.

@@ -1,0 +1,252 @@
+#include "tests/property/Runner.h"
+
+#include <map>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+#include "platform/carbon/CarbonFiles.h"
+#include "tests/model/Methods.h"
+#include "tests/platform/MountedVolume.h"
+#include "tests/property/Volumes.h"
+
+namespace property {
+namespace {
+
+using support::Answer;
+using support::Conversion;
+using support::HostText;
+using support::TestHost;
+
+HostText TextOf(const std::optional<model::HostText> &text) {
+  return text ? support::Text(text->bytes, text->encoding) : HostText{};
+}
+
+// The host as the model sees it: the same services, with their calls noted.
+class ModelHost : public model::Host {
+ public:
+  std::optional<model::HostText> Build(const std::string &bytes) override {
+    if (buildFails) return std::nullopt;
+    return model::HostText{bytes, support::kUntagged};
+  }
+  std::optional<model::HostText> Convert(const model::HostText &text, uint32_t encoding) override {
+    conversions.push_back({text.bytes, text.encoding, encoding});
+    if (convertFails) return std::nullopt;
+    return model::HostText{support::Convert(text.bytes, text.encoding, encoding), encoding};
+  }
+  uint32_t EncodingOfNoString() override { return 0; }
+  std::optional<std::string> ItemOfPath(const std::string &path) override {
+    FSSpec spec{};
+    const OSErr result = makeSpec(path, spec);
+    if (result != noErr && result != fnfErr) return std::nullopt;
+    return support::PathOf(spec);
+  }
+  std::optional<model::HostText> PathOfItemOfPath(const std::string &path) override {
+    FSSpec spec{};
+    makeSpec(path, spec);
+    std::array<char, 4096> full{};
+    if (CarbonPathFromSpec(&spec, full.data(), full.size()) != noErr) return std::nullopt;
+    return model::HostText{full.data(), support::kUtf8};
+  }
+
+  bool buildFails = false;
+  bool convertFails = false;
+  std::vector<Conversion> conversions;
+};
+
+const model::Method &MethodNamed(const std::string &declaration) {
+  for (const model::Method &method : model::Methods())
+    if (method.declaration == declaration) return method;
+  throw std::logic_error("the model has no method " + declaration);
+}
+
+Answer AnswerOf(const model::Result &result) {
+  Answer answer;
+  if (const auto *number = std::get_if<int32_t>(&result)) answer.number = *number;
+  if (const auto *text = std::get_if<std::optional<model::HostText>>(&result)) answer.text = TextOf(*text);
+  if (const auto *item = std::get_if<model::FolderItem>(&result)) {
+    answer.isItem = item->description.has_value();
+    answer.itemPath = item->description.value_or("");
+  }
+  return answer;
+}
+
+class Run {
+ public:
+  Run(const Case &what, const Distortion &distort) : case_(what), distort_(distort) {
+    for (size_t i = 0; i < what.files.size(); ++i) {
+      specs_.push_back(PutOnVolume(what.files[i], i));
+      items_.push_back(host_.MakeItem(specs_.back()));
+    }
+    for (size_t i = 0; i < 2; ++i) {
+      objects_.push_back(host_.NewRaw());
+      models_.push_back(std::make_unique<model::Object>(process_, modelHost_));
+    }
+  }
+
+  std::optional<std::string> Go() {
+    for (const Step &step : case_.steps) {
+      if (auto difference = Do(step)) return difference;
+    }
+    return LookAtTheEnd();
+  }
+
+ private:
+  std::optional<std::string> Do(const Step &step) {
+    if (step.kind == Step::Kind::Host) {
+      host_.convertFails = modelHost_.convertFails = step.numbers[0] != 0;
+      host_.buildFails = modelHost_.buildFails = step.numbers[1] != 0;
+      return std::nullopt;
+    }
+    host_.Forget();
+    modelHost_.conversions.clear();
+    Answer answer = step.kind == Step::Kind::Call ? AskPlugin(step) : AskPluginsProperty(step);
+    if (distort_) distort_(step, answer);
+    const Answer expected = step.kind == Step::Kind::Call ? AskModel(step) : AskModelsProperty(step);
+    std::ostringstream difference;
+    if (!(answer == expected)) {
+      difference << Describe(step) << "\nanswers  ";
+      PrintTo(answer, &difference);
+      difference << "\nexpected ";
+      PrintTo(expected, &difference);
+    } else if (host_.Conversions() != modelHost_.conversions) {
+      difference << Describe(step) << "\nconverts ";
+      DescribeConversions(host_.Conversions(), difference);
+      difference << "\nexpected ";
+      DescribeConversions(modelHost_.conversions, difference);
+    } else {
+      const auto error = host_.Get<int32_t>(objects_[step.object], "Error");
+      if (error == models_[step.object]->Error()) return std::nullopt;
+      difference << Describe(step) << "\nleaves Error " << error << ", expected "
+                 << models_[step.object]->Error();
+    }
+    return difference.str();
+  }
+
+  static void DescribeConversions(const std::vector<Conversion> &conversions, std::ostream &out) {
+    for (const Conversion &conversion : conversions) {
+      support::PrintTo(support::Text(conversion.bytes, conversion.from), &out);
+      out << " to 0x" << std::hex << conversion.to << std::dec << "; ";
+    }
+    if (conversions.empty()) out << "nothing";
+  }
+
+  Answer AskPlugin(const Step &step) {
+    support::Arguments arguments;
+    arguments.numbers = step.numbers;
+    if (step.text) arguments.text = host_.MakeString(step.text->bytes, step.text->encoding);
+    if (step.file) {
+      const DatabaseFile &file = case_.files[*step.file];
+      arguments.item = items_[*step.file];
+      host_.specFails = !file.hasSpecification;
+      if (file.path != DatabaseFile::Path::Own) {
+        host_.pathOfItems = [&file]() -> std::optional<std::string> {
+          if (file.path == DatabaseFile::Path::None) return std::nullopt;
+          return file.givenPath;
+        };
+      }
+    }
+    Answer answer = CallAny(host_, objects_[step.object], step.name, arguments);
+    host_.specFails = false;
+    host_.pathOfItems = {};
+    if (arguments.text != nullptr) host_.Release(arguments.text);
+    return answer;
+  }
+
+  model::HostFile FileForModel(size_t i) const {
+    const DatabaseFile &file = case_.files[i];
+    model::HostFile forModel;
+    forModel.hasSpecification = file.hasSpecification;
+    forModel.specificationName = nameOf(specs_[i]);
+    if (file.path == DatabaseFile::Path::Own) forModel.path = support::PathOf(specs_[i]);
+    if (file.path == DatabaseFile::Path::Given) forModel.path = file.givenPath;
+    if (file.place != DatabaseFile::Place::Missing) forModel.bytes = file.Bytes();
+    return forModel;
+  }
+
+  Answer AskModel(const Step &step) {
+    std::vector<model::Argument> arguments;
+    const std::string shape = support::ShapeOf(step.name);
+    size_t number = 0;
+    for (size_t i = 0; shape[i] != '>'; ++i) {
+      if (shape[i] == 'i') arguments.emplace_back(step.numbers.at(number++));
+      if (shape[i] == 's') arguments.emplace_back(step.text);
+      if (shape[i] != 'f') continue;
+      arguments.emplace_back(step.file ? std::optional(FileForModel(*step.file)) : std::nullopt);
+    }
+    model::Object &object = *models_[step.object];
+    Answer answer = AnswerOf(MethodNamed(step.name).call({object, arguments}));
+    if (step.file && answer.number == 1 && object.LibType() != 0) {
+      const std::optional<std::string> path = FileForModel(*step.file).path;
+      if (path) pathsLeft_.push_back(*path);
+    }
+    return answer;
+  }
+
+  Answer AskPluginsProperty(const Step &step) {
+    const REALobject object = objects_[step.object];
+    if (step.kind == Step::Kind::Set) {
+      host_.Set<int32_t>(object, step.name, step.numbers[0]);
+      return {};
+    }
+    Answer answer;
+    if (step.name == "VolumeName") {
+      answer.text = host_.GetText(object, step.name);
+    } else {
+      answer.number = host_.Get<int32_t>(object, step.name);
+    }
+    return answer;
+  }
+
+  Answer AskModelsProperty(const Step &step) {
+    model::Object &object = *models_[step.object];
+    Answer answer;
+    if (step.kind == Step::Kind::Set) {
+      if (step.name == "UseSJIS") object.SetUseSJIS(step.numbers[0]);
+      if (step.name == "ResultEncode") object.SetResultEncode(step.numbers[0]);
+      if (step.name == "ZerobasePlayerlist") object.SetZerobasePlayerlist(step.numbers[0]);
+      return answer;
+    }
+    if (step.name == "Error") answer.number = object.Error();
+    if (step.name == "LibType") answer.number = object.LibType();
+    if (step.name == "UseSJIS") answer.number = object.UseSJIS();
+    if (step.name == "ResultEncode") answer.number = object.ResultEncode();
+    if (step.name == "ZerobasePlayerlist") answer.number = object.ZerobasePlayerlist();
+    if (step.name == "VolumeName") answer.text = TextOf(object.VolumeName());
+    return answer;
+  }
+
+  // Of strings and items, only the paths that loads asked for may be left.
+  std::optional<std::string> LookAtTheEnd() {
+    for (const REALobject object : objects_) host_.Delete(object);
+    for (const REALfolderItem item : items_) host_.Release(item);
+    const std::vector<std::string> faults = host_.Faults();
+    if (!faults.empty()) return "fault: " + faults.front();
+    if (host_.LiveItems() != 0) return std::to_string(host_.LiveItems()) + " folder items are left";
+    std::multiset<std::string> left;
+    for (const std::string &text : host_.LiveTexts()) left.insert(text);
+    if (left == std::multiset<std::string>(pathsLeft_.begin(), pathsLeft_.end())) return std::nullopt;
+    std::string difference = "strings are left:";
+    for (const std::string &text : left) difference += "\n  \"" + text + '"';
+    return difference;
+  }
+
+  const Case &case_;
+  const Distortion &distort_;
+  TestHost host_;
+  ModelHost modelHost_;
+  model::Process process_;
+  std::vector<FSSpec> specs_;
+  std::vector<REALfolderItem> items_;
+  std::vector<REALobject> objects_;
+  std::vector<std::unique_ptr<model::Object>> models_;
+  std::vector<std::string> pathsLeft_;
+};
+
+}  // namespace
+
+std::optional<std::string> FindDifference(const Case &what, const Distortion &distort) {
+  return Run(what, distort).Go();
+}
+
+}  // namespace property

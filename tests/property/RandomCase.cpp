@@ -75,6 +75,8 @@ class CaseMaker {
     } else if (kind < 12) {
       Step &step = Add(Step::Kind::Host, object, "");
       step.numbers = {random_.OneIn(3) ? 1 : 0, random_.OneIn(4) ? 1 : 0, 0};
+    } else if (random_.OneIn(200)) {
+      Call(object, "Constructor");
     } else {
       const auto &methods = model::Methods();
       Call(object,

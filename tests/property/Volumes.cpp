@@ -18,6 +18,9 @@ class Volumes {
     for (size_t i = 0; i < 2; ++i) {
       folders_[i].makeDirectory("Databases");
       folders_[i].makeDirectory("iPod_Control/iTunes");
+      for (const char *folder : {"F00", "F01", "F02", "F03"}) {
+        folders_[i].makeDirectory(std::filesystem::path("iPod_Control/Music") / folder);
+      }
       folders_[i].makeFile("iPod_Control/Music/F00/A.mp3");
       const std::filesystem::path deep(std::string(62, 'd'));
       folders_[i].makeDirectory(deep / deep / deep);

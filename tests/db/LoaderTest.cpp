@@ -10,8 +10,6 @@ namespace {
 using namespace std::string_literals;
 using samples::ChunkWriter;
 using samples::Kind;
-using samples::Playlist;
-using samples::Track;
 using samples::Variant;
 
 // A chunk of the kind whose bytes from 0x10 on are their own offsets.

@@ -14,6 +14,9 @@ using namespace std::string_literals;
 constexpr std::array<int32_t, 6> kNoIndex{-1, 3, 4, INT_MAX, INT_MIN, -100};
 constexpr std::array<int32_t, 8> kNamed{-100, 1, 2, 3, 4, 5, 6, 12};
 
+// Where a prop from -2 on stands in a list of them.
+size_t PlaceOf(int32_t num) { return static_cast<size_t>(num) + 2; }
+
 // Three songs set up by hand; song 1 has every field, and other objects 7, 8, 7 and 12.
 class SongQueries : public testing::Test {
  protected:
@@ -77,7 +80,7 @@ TEST_F(SongQueries, IDIsThatOfTheSong) {
 TEST_F(SongQueries, PropNumbersCountTheWordsOfTheRecord) {
   const std::array<int32_t, 12> expected{100, 101, 110, 111, 112, 113, 104, 105, 106, 107, INT_MIN, -1};
   for (int32_t num = -2; num <= 9; ++num) {
-    EXPECT_EQ(database_.SongsProp(1, num), expected.at(static_cast<size_t>(num + 2))) << num;
+    EXPECT_EQ(database_.SongsProp(1, num), expected.at(PlaceOf(num))) << num;
   }
 }
 
@@ -96,12 +99,12 @@ TEST_F(SongQueries, SetPropWritesThatWordAlone) {
   for (int32_t num = -2; num <= 9; ++num) {
     std::array<int32_t, 12> expected{};
     for (int32_t other = -2; other <= 9; ++other) {
-      expected.at(static_cast<size_t>(other + 2)) = database_.SongsProp(1, other);
+      expected.at(PlaceOf(other)) = database_.SongsProp(1, other);
     }
-    expected.at(static_cast<size_t>(num + 2)) = -5 - num;
+    expected.at(PlaceOf(num)) = -5 - num;
     database_.SetSongsProp(1, num, static_cast<uint32_t>(-5 - num));
     for (int32_t other = -2; other <= 9; ++other) {
-      EXPECT_EQ(database_.SongsProp(1, other), expected.at(static_cast<size_t>(other + 2))) << num << other;
+      EXPECT_EQ(database_.SongsProp(1, other), expected.at(PlaceOf(other))) << num << other;
     }
   }
   EXPECT_EQ(Song().error, -3);

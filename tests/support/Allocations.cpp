@@ -1,7 +1,7 @@
 #include "tests/support/Allocations.h"
 
-#include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 namespace {
@@ -23,11 +23,12 @@ void *Allocate(size_t size, size_t alignment = alignof(std::max_align_t)) noexce
     hasFailed = true;
     return nullptr;
   }
-  void *start = std::malloc(size + alignment + sizeof(Prefix));
+  size_t room = size + alignment;
+  void *start = std::malloc(sizeof(Prefix) + room);
   if (start == nullptr) return nullptr;
   if (allocationsLeft > 0 && !isPaused) --allocationsLeft;
-  const auto first = reinterpret_cast<uintptr_t>(start) + sizeof(Prefix);
-  auto *block = reinterpret_cast<void *>((first + alignment - 1) / alignment * alignment);
+  void *block = static_cast<Prefix *>(start) + 1;
+  std::align(alignment, size, block, room);
   static_cast<Prefix *>(block)[-1] = {start, size};
   bytesInUse += size;
   if (bytesInUse > mostBytesInUse) mostBytesInUse = bytesInUse;

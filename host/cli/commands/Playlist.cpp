@@ -21,6 +21,7 @@ struct Arguments {
 int32_t chosenPlaylist(const MusicLibrary &library, const std::string &wanted) {
   std::vector<std::string> names;
   const int32_t count = library.playlistCount();
+  names.reserve(static_cast<size_t>(count));
   for (int32_t number = 0; number < count; ++number) names.push_back(library.playlistName(number));
   try {
     return choosePlaylist(names, wanted);

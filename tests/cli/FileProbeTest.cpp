@@ -8,6 +8,7 @@
 #include "host/cli/library/FileProbe.h"
 #include "samples/SampleLibrary.h"
 #include "tests/cli/Files.h"
+#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -153,7 +154,7 @@ TEST_F(FileProbeTest, PipeIsRefusedWithoutWaitingForAWriter) {
 }
 
 TEST_F(FileProbeTest, RealFilesAreRecognised) {
-  const std::filesystem::path real = std::filesystem::path(ZEM_SHARED_DIR) / "data" / "real";
+  const std::filesystem::path real = support::SharedFolder() / "data" / "real";
   if (!std::filesystem::exists(real)) GTEST_SKIP() << "no real databases here";
   for (const auto &entry : std::filesystem::directory_iterator(real)) {
     if (entry.path().extension() == ".md") continue;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/cli/Program.h"
+#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const fs::path kPlayer = fs::path(ZEM_SAMPLES_DIR) / "player";
+const fs::path kPlayer = support::SamplesFolder() / "player";
 
 TEST(CallCommand, GivesOneResultALineWithItsEncoding) {
   const Outcome outcome =
@@ -101,7 +102,7 @@ void PrintTo(const RealFile &file, std::ostream *out) { *out << file.name; }
 class RealDatabase : public testing::TestWithParam<RealFile> {};
 
 TEST_P(RealDatabase, IsListedWhole) {
-  const fs::path file = fs::path(ZEM_SHARED_DIR) / "data" / "real" / GetParam().name;
+  const fs::path file = support::SharedFolder() / "data" / "real" / GetParam().name;
   if (!fs::exists(file)) GTEST_SKIP() << "not here: " << GetParam().name;
   const Outcome info = runZemhost({"info", file});
   EXPECT_EQ(info.status, 0) << info.err;
@@ -141,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST(RealDatabase, EncryptedLibraryIsNamedForWhatItIs) {
-  const fs::path file = fs::path(ZEM_SHARED_DIR) / "data" / "real" / "encrypted.library";
+  const fs::path file = support::SharedFolder() / "data" / "real" / "encrypted.library";
   if (!fs::exists(file)) GTEST_SKIP() << "not here";
   const Outcome outcome = runZemhost({"songs", file});
   EXPECT_EQ(outcome.status, 1);

@@ -14,6 +14,7 @@
 #include "samples/SampleLibrary.h"
 #include "tests/cli/Files.h"
 #include "tests/cli/Program.h"
+#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -23,7 +24,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const fs::path kPlayer = fs::path(ZEM_SAMPLES_DIR) / "player";
+const fs::path kPlayer = support::SamplesFolder() / "player";
 
 const std::vector<std::string> kReadingCommands = {"info", "songs", "playlists", "playlist", "call"};
 

@@ -17,6 +17,7 @@
 #include "samples/SampleLibrary.h"
 #include "tests/cli/Files.h"
 #include "tests/cli/Program.h"
+#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -27,8 +28,8 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const fs::path kPlayer = fs::path(ZEM_SAMPLES_DIR) / "player";
-const fs::path kDesktopLibrary = fs::path(ZEM_SAMPLES_DIR) / "big-endian.library";
+const fs::path kPlayer = support::SamplesFolder() / "player";
+const fs::path kDesktopLibrary = support::SamplesFolder() / "big-endian.library";
 
 std::string utf8(std::u16string_view text) {
   std::string bytes;

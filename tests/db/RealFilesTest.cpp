@@ -7,6 +7,7 @@
 #include "tests/db/DatabaseFiles.h"
 #include "tests/db/PlainRecords.h"
 #include "tests/model/Loader.h"
+#include "tests/support/Folders.h"
 
 namespace db_test {
 namespace {
@@ -34,7 +35,7 @@ INSTANTIATE_TEST_SUITE_P(Loader, RealFiles,
                                          RealFile{"encrypted.library", 0, 0, 0, 0}));
 
 TEST_P(RealFiles, HoldTheSongsPlaylistsAndEntriesThatTheyShould) {
-  const std::filesystem::path path = std::filesystem::path(ZEM_SHARED_DIR) / "data/real" / GetParam().name;
+  const std::filesystem::path path = support::SharedFolder() / "data/real" / GetParam().name;
   if (!exists(path)) GTEST_SKIP() << "no collection of real files here";
   std::ifstream stream(path, std::ios::binary);
   const std::string file{std::istreambuf_iterator<char>(stream), {}};

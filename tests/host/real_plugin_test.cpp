@@ -13,6 +13,7 @@
 #include "host/Host.h"
 #include "samples/SampleLibrary.h"
 #include "tests/host/reference_text.h"
+#include "tests/support/Folders.h"
 
 // A plug-in never frees the three-word method list that it makes for an old host, and the address goes with
 // the plug-in's memory when it is closed.
@@ -22,9 +23,9 @@ extern "C" const char *__lsan_default_suppressions() { return "leak:NewPtr\n"; }
 namespace zemhost {
 namespace {
 
-const std::filesystem::path kPlayer = ZEM_SAMPLES_DIR "/player";
+const std::filesystem::path kPlayer = support::SamplesFolder() / "player";
 const std::filesystem::path kPlayerDatabase = kPlayer / "iPod_Control" / "iTunes" / "iTunesDB";
-const std::filesystem::path kDesktopLibrary = ZEM_SAMPLES_DIR "/big-endian.library";
+const std::filesystem::path kDesktopLibrary = support::SamplesFolder() / "big-endian.library";
 
 std::string utf8(std::u16string_view text) {
   std::string bytes;
@@ -35,7 +36,7 @@ std::string utf8(std::u16string_view text) {
   return reference::utf8(reference::charactersOfUtf16(bytes).characters);
 }
 
-Host loadPlugin(double version = 5.9) { return Host::load({ZEM_PLUGIN_FILE, version, {}}); }
+Host loadPlugin(double version = 5.9) { return Host::load({support::PluginFile(), version, {}}); }
 
 class RealPlugin : public testing::Test {
  protected:
@@ -188,7 +189,7 @@ TEST_F(RealPlugin, DesktopLibraryHasTheSameYears) {
 
 TEST_F(RealPlugin, FileThatIsNoDatabaseIsRejected) {
   const Host host = loadPlugin();
-  const FolderItem file = FolderItem::fromPath(ZEM_PLUGIN_FILE);
+  const FolderItem file = FolderItem::fromPath(support::PluginFile());
   const Object object = host.make("ZemiTunesDB");
   EXPECT_FALSE(object.evaluate("Load(nil)").boolean());
   EXPECT_EQ(object.evaluate("Error").integer(), -50);
@@ -243,7 +244,7 @@ TEST_F(RealPlugin, EveryMethodAnswersAndLeavesNothingBehind) {
 }
 
 TEST_F(RealPlugin, RealLibraryIsReadWhole) {
-  const std::filesystem::path file = ZEM_SHARED_DIR "/data/real/library-1181-songs.itunesdb";
+  const std::filesystem::path file = support::SharedFolder() / "data/real/library-1181-songs.itunesdb";
   if (!std::filesystem::exists(file)) GTEST_SKIP() << "the library is not there";
   const Host host = loadPlugin();
   const Library library = loaded(host, file);

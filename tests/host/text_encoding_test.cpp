@@ -11,6 +11,7 @@
 #include "host/runtime/EncodingTable.h"
 #include "host/runtime/TextEncoding.h"
 #include "tests/host/reference_text.h"
+#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -251,7 +252,7 @@ TEST_F(LibraryEncodings, ShiftJisAndEucJpAgreeOnEveryDoubleByteCharacter) {
 }
 
 TEST_F(LibraryEncodings, ShiftJisFollowsThePublishedMapping) {
-  std::ifstream mapping(ZEM_SHARED_DIR "/data/shift_jis_mapping.tsv");
+  std::ifstream mapping(support::SharedFolder() / "data/shift_jis_mapping.tsv");
   if (!mapping) GTEST_SKIP() << "the mapping is not there";
   int rows = 0;
   for (std::string line; std::getline(mapping, line);) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/model/ShiftJis.h"
+#include "tests/support/Folders.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ TEST(ModelShiftJis, HasEveryCodeOnce) {
 }
 
 TEST(ModelShiftJis, IsThePublishedMapping) {
-  std::ifstream file(ZEM_SHARED_DIR "/data/shift_jis_mapping.tsv");
+  std::ifstream file(support::SharedFolder() / "data/shift_jis_mapping.tsv");
   if (!file) GTEST_SKIP() << "no mapping to compare with";
   std::map<uint32_t, uint32_t> published;
   for (std::string line; std::getline(file, line);) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Folders.h"
+
 namespace plugin_test {
 namespace {
 
@@ -32,7 +34,8 @@ std::vector<std::string> Lines(const std::string &command) {
 // The dynamic symbols of the plug-in that `option` asks for, with their versions.
 std::vector<std::string> Symbols(const std::string &option) {
   std::vector<std::string> names;
-  for (const std::string &line : Lines(std::string(ZEM_NM) + " -D " + option + " '" ZEM_PLUGIN_PATH "'")) {
+  for (const std::string &line :
+       Lines(std::string(ZEM_NM) + " -D " + option + " '" + support::PluginFile().string() + "'")) {
     std::istringstream words(line);
     std::string name;
     while (words >> name) continue;
@@ -44,7 +47,8 @@ std::vector<std::string> Symbols(const std::string &option) {
 // The shared libraries that the plug-in asks for, without their versions.
 std::vector<std::string> NeededLibraries() {
   std::vector<std::string> names;
-  for (const std::string &line : Lines(std::string(ZEM_READELF) + " -d '" ZEM_PLUGIN_PATH "'")) {
+  for (const std::string &line :
+       Lines(std::string(ZEM_READELF) + " -d '" + support::PluginFile().string() + "'")) {
     if (line.find("(NEEDED)") == std::string::npos) continue;
     const size_t open = line.find('[');
     names.push_back(line.substr(open + 1, line.find(".so") - open - 1));

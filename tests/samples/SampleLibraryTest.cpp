@@ -7,6 +7,7 @@
 
 #include "samples/SampleLibrary.h"
 #include "tests/samples/FileBytes.h"
+#include "tests/support/Folders.h"
 
 namespace samples_test {
 namespace {
@@ -101,9 +102,9 @@ TEST(SampleLibrary, DesktopLibraryKeepsMacRomanTextIn8BitsAndTheRestInUtf16) {
 }
 
 TEST(SamplePlayer, HasTheDatabaseAndEverySongsFileButOne) {
-  const fs::path player = fs::path(ZEM_SAMPLES_DIR) / "player" / "iPod_Control";
+  const fs::path player = support::SamplesFolder() / "player" / "iPod_Control";
   EXPECT_EQ(Contents(player / "iTunes" / "iTunesDB"), samples::SamplePlayerDatabase());
-  EXPECT_EQ(Contents(fs::path(ZEM_SAMPLES_DIR) / "big-endian.library"), samples::SampleDesktopLibrary());
+  EXPECT_EQ(Contents(support::SamplesFolder() / "big-endian.library"), samples::SampleDesktopLibrary());
   size_t files = 0;
   for (const SampleSong &song : SampleSongs()) {
     const fs::path path = player / "Music" / song.file;

@@ -7,6 +7,7 @@
 #include <dlfcn.h>
 
 #include "platform/carbon/CarbonFiles.h"
+#include "tests/support/Folders.h"
 
 namespace support {
 namespace {
@@ -196,8 +197,9 @@ void TestHost::Load(EntryPoint entryPoint) {
   entryPoint_ = entryPoint;
   if (entryPoint_ == nullptr) {
     // Still loaded, it would remember the services of another host.
-    if (dlopen(ZEM_PLUGIN_PATH, RTLD_NOW | RTLD_NOLOAD) != nullptr) throw std::runtime_error("still loaded");
-    library_ = dlopen(ZEM_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    if (dlopen(PluginFile().c_str(), RTLD_NOW | RTLD_NOLOAD) != nullptr)
+      throw std::runtime_error("still loaded");
+    library_ = dlopen(PluginFile().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library_ == nullptr) throw std::runtime_error(dlerror());
     entryPoint_ = reinterpret_cast<EntryPoint>(dlsym(library_, "REALPluginMain"));
     if (entryPoint_ == nullptr) throw std::runtime_error("no entry point");

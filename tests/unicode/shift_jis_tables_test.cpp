@@ -7,6 +7,7 @@
 #include <string>
 
 #include "gtest/gtest.h"
+#include "tests/support/Folders.h"
 #include "unicode/ShiftJISTables.h"
 #include "unicode/ZemUnicode.h"
 
@@ -98,7 +99,7 @@ TEST(ShiftJISTables, PageZeroIsKeptButNeverConsulted) {
 // The published mapping as {code point: code}, empty when it is not there.
 std::map<unsigned, unsigned> PublishedMapping() {
   std::map<unsigned, unsigned> mapping;
-  std::ifstream file(ZEM_SHARED_DIR "/data/shift_jis_mapping.tsv");
+  std::ifstream file(support::SharedFolder() / "data/shift_jis_mapping.tsv");
   for (std::string line; std::getline(file, line);) {
     if (line.starts_with('#')) continue;
     std::istringstream fields(line);

@@ -11,6 +11,8 @@ namespace support {
 std::filesystem::path PluginFile();
 // The samples that this build made: `player`, a mounted player, and `big-endian.library`.
 std::filesystem::path SamplesFolder();
+// The documents of the tree.
+std::filesystem::path DocumentsFolder();
 // Files that are not part of the tree; there may be none.
 std::filesystem::path SharedFolder();
 

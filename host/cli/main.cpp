@@ -8,6 +8,7 @@
 #include "host/cli/ExitStatus.h"
 #include "host/cli/Messages.h"
 #include "host/cli/commands/Command.h"
+#include "host/cli/files/Signals.h"
 
 namespace zemhost {
 
@@ -52,6 +53,7 @@ int run(int count, char **arguments) {
 
 int main(int count, char **arguments) {
   std::ios::sync_with_stdio(false);
+  zemhost::handleSignals();
   try {
     const int status = zemhost::run(count, arguments);
     if (std::cout.flush()) return status;

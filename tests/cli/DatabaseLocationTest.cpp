@@ -81,6 +81,8 @@ TEST_F(DatabaseLocationTest, CompressedDatabaseStandsInForAnEmptyOrMissingOne) {
   EXPECT_EQ(locateDatabase(root_).file, compressed);
   folder_.write("My iPod/iPod_Control/iTunes/iTunesDB", "x");
   EXPECT_EQ(locateDatabase(root_).file, usual);
+  folder_.write("My iPod/iPod_Control/iTunes/iTunesCDB", "xx");
+  EXPECT_EQ(locateDatabase(root_).file, compressed);
 }
 
 TEST_F(DatabaseLocationTest, EmptyDatabaseAloneIsTheDatabase) {

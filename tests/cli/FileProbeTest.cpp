@@ -95,17 +95,17 @@ TEST_F(FileProbeTest, ForeignFileIsSaidToBe) {
   }
 }
 
-TEST_F(FileProbeTest, CompressedBodyIsSaidToBe) {
+TEST_F(FileProbeTest, CompressedBodyIsRecognised) {
   for (const auto variant : kBothVariants) {
     for (const char *start : {"\x78\x9C", "\x78\x01", "\x78\xDA", "\x78\x5E"}) {
       const FileProbe result = probe(withBody(variant, start + scrambled(500)));
       EXPECT_EQ(result.content, FileContent::Compressed);
-      EXPECT_THAT(result.reason, HasSubstr("compressed"));
+      EXPECT_EQ(result.reason, "");
     }
   }
 }
 
-TEST_F(FileProbeTest, CompressedBodyIsSaidToBeWhateverLengthTheHeaderDeclares) {
+TEST_F(FileProbeTest, CompressedBodyIsRecognisedWhateverLengthTheHeaderDeclares) {
   samples::ChunkWriter out(samples::Variant::LittleEndian);
   out.AppendBytes(withBody(samples::Variant::LittleEndian, "\x78\x9C" + scrambled(500)));
   out.PutWord(8, 100000);  // of the body before it was compressed

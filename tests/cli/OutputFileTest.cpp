@@ -10,6 +10,7 @@
 #include "host/Error.h"
 #include "host/cli/files/OutputFile.h"
 #include "host/cli/files/PendingFile.h"
+#include "host/cli/files/TemporaryPath.h"
 #include "tests/cli/Files.h"
 
 namespace zemhost {
@@ -151,7 +152,7 @@ TEST(RemovePendingFiles, RemovesWhatIsUnfinishedAndNothingElse) {
   const OutputFile first(folder.path() / "first");
   const OutputFile second(folder.path() / "second");
   EXPECT_EQ(namesIn(folder.path()).size(), 3U);
-  removePendingFiles();
+  removeTemporaryPaths();
   EXPECT_THAT(namesIn(folder.path()), ElementsAre("done"));
 }
 

@@ -77,7 +77,8 @@ Channel outputChannel(const RunOptions &options) {
   return {Descriptor(), Descriptor(checked(open(options.output.c_str(), O_WRONLY | O_CLOEXEC), "open"))};
 }
 
-[[noreturn]] void runChild(const std::vector<std::string> &arguments, int out, int err, bool asNobody) {
+[[noreturn]] void runChild(const std::vector<std::string> &arguments, int out, int err,
+                           const RunOptions &options) {
   constexpr uid_t kNobody = 65534;
   std::vector<char *> words = {const_cast<char *>(ZEMHOST_PROGRAM)};
   for (const std::string &argument : arguments) words.push_back(const_cast<char *>(argument.c_str()));
@@ -86,8 +87,9 @@ Channel outputChannel(const RunOptions &options) {
   // The path string that Load asks for stays with the host by contract, so a sanitizer's search for leaks
   // would fail every run; the host's own accounts are what finds leaks of strings.
   setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+  for (const auto &[name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
   const bool ready = dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
-                     (!asNobody || (setgid(kNobody) == 0 && setuid(kNobody) == 0));
+                     (!options.asNobody || (setgid(kNobody) == 0 && setuid(kNobody) == 0));
   if (ready) execv(ZEMHOST_PROGRAM, words.data());
   _exit(127);
 }
@@ -116,7 +118,7 @@ Outcome runZemhost(const std::vector<std::string> &arguments, const RunOptions &
   Channel out = outputChannel(options);
   Channel err = makePipe();
   const pid_t child = checked(fork(), "fork");
-  if (child == 0) runChild(arguments, out.theirs.number(), err.theirs.number(), options.asNobody);
+  if (child == 0) runChild(arguments, out.theirs.number(), err.theirs.number(), options);
   out.theirs.reset();
   err.theirs.reset();
   Outcome outcome;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zemhost {
@@ -20,6 +21,7 @@ struct RunOptions {
   std::filesystem::path output;                 // standard output is this file
   bool asNobody = false;                        // without the rights of the superuser
   std::optional<size_t> readAtMost;             // close the pipe from standard output after this many bytes
+  std::vector<std::pair<std::string, std::string>> environment;  // variables and what they are set to
 };
 
 // Throws std::system_error when the program cannot be run at all.

@@ -87,16 +87,6 @@ TEST_F(BadInput, EncryptedFile) {
   expectFileRefused(bytes, "the library is encrypted, which cannot be read");
 }
 
-TEST_F(BadInput, CompressedFileOfAPlayer) {
-  samples::ChunkWriter out(samples::Variant::LittleEndian);
-  const size_t header = samples::BeginFile(out, 2);
-  out.AppendBytes("\x78\x9C\x03\x00");
-  out.Finish(header);
-  const fs::path file = folder_.write("iPod_Control/iTunes/iTunesCDB", out.Bytes());
-  folder_.write("iPod_Control/iTunes/iTunesDB", "");
-  expectRefusal(folder_.path(), file, "the database is compressed, which cannot be read");
-}
-
 TEST_F(BadInput, NameThatTheFileManagerCannotHold) {
   const fs::path file = folder_.write(std::string(64, 'n'), samples::SamplePlayerDatabase());
   expectRefusal(file, file, "the file's name is longer than the 63 bytes that can be read");

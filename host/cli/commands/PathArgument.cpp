@@ -3,7 +3,10 @@
 namespace zemhost {
 
 void addPathArgument(CLI::App &command, std::string &path) {
-  command.add_option("PATH", path, "A mounted player, its iPod_Control folder, or a database file")
+  command
+      .add_option("PATH", path,
+                  "A mounted player, its iPod_Control folder, or a database file; of a player's iTunesDB and "
+                  "iTunesCDB (compressed) the larger one is read")
       ->required();
 }
 

@@ -1,7 +1,6 @@
 #include "host/cli/files/PendingFile.h"
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -18,25 +17,6 @@ namespace zemhost {
 namespace fs = std::filesystem;
 
 namespace {
-
-// The names of the temporary files, where a signal handler can read them. A program writes few at a time;
-// one more than there are places is removed by its object alone.
-std::array<std::atomic<const char *>, 8> pendingNames;
-static_assert(std::atomic<const char *>::is_always_lock_free);
-
-void enlist(const char *name) {
-  for (auto &place : pendingNames) {
-    const char *none = nullptr;
-    if (place.compare_exchange_strong(none, name)) return;
-  }
-}
-
-void strikeOff(const char *name) {
-  for (auto &place : pendingNames) {
-    const char *held = name;
-    if (place.compare_exchange_strong(held, nullptr)) return;
-  }
-}
 
 [[noreturn]] void fail(const std::string &name, int error) {
   throw HostError(name + ": " + std::generic_category().message(error));
@@ -71,12 +51,11 @@ PendingFile::PendingFile(fs::path target) : target_(std::move(target)) {
   do {
     std::array<char, 24> last{};
     std::snprintf(last.data(), last.size(), ".zemhost-%08x.part", random());
-    temporary_ = folderOf(target_) / last.data();
-    enlist(temporary_.c_str());
-    descriptor_ = open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    temporary_ = TemporaryPath(folderOf(target_) / last.data());
+    descriptor_ = open(temporary_.path().c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
     if (descriptor_ >= 0) break;
     const int error = errno;
-    strikeOff(temporary_.c_str());
+    temporary_.keep();  // it is another's, or there is none
     if (error != EEXIST) fail(target_.string(), error);
   } while (true);
   // A file system without permissions refuses this, and has none to keep.
@@ -85,29 +64,19 @@ PendingFile::PendingFile(fs::path target) : target_(std::move(target)) {
 
 PendingFile::~PendingFile() {
   if (descriptor_ >= 0) close(descriptor_);
-  if (temporary_.empty()) return;
-  unlink(temporary_.c_str());
-  strikeOff(temporary_.c_str());
 }
 
 void PendingFile::commit() {
   if (fsync(descriptor_) != 0) fail(target_.string(), errno);
   const int descriptor = std::exchange(descriptor_, -1);
   if (close(descriptor) != 0) fail(target_.string(), errno);
-  if (rename(temporary_.c_str(), target_.c_str()) != 0) fail(target_.string(), errno);
-  strikeOff(temporary_.c_str());
-  temporary_.clear();
+  if (rename(temporary_.path().c_str(), target_.c_str()) != 0) fail(target_.string(), errno);
+  temporary_.keep();
   // The new name too; the file is complete under it whether or not the folder can be synchronised.
   const int folder = open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return;
   fsync(folder);
   close(folder);
-}
-
-void removePendingFiles() noexcept {
-  for (const auto &place : pendingNames) {
-    if (const char *const name = place.load()) unlink(name);
-  }
 }
 
 void writeAll(int descriptor, std::string_view bytes, const std::string &name) {

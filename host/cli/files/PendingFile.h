@@ -7,11 +7,14 @@
 //   file.commit();
 //
 // Until commit() the bytes lie in a file of another name in the same folder, which goes with the object when
-// something fails. Use OutputFile.h for text or bytes written from here, this one where a library writes.
+// something fails and when a signal ends the program. Use OutputFile.h for text or bytes written from here,
+// this one where a library writes.
 
 #include <filesystem>
 #include <string>
 #include <string_view>
+
+#include "host/cli/files/TemporaryPath.h"
 
 namespace zemhost {
 
@@ -33,19 +36,15 @@ class PendingFile {
   // The open temporary file, for reading and writing; owned by this object.
   int descriptor() const { return descriptor_; }
   // Where the temporary file is, for libraries that open it by themselves.
-  const std::filesystem::path &temporary() const { return temporary_; }
+  const std::filesystem::path &temporary() const { return temporary_.path(); }
   // The target as the person named it, for messages.
   std::string name() const { return target_.string(); }
 
  private:
   std::filesystem::path target_;
-  std::filesystem::path temporary_;
+  TemporaryPath temporary_;
   int descriptor_ = -1;
 };
-
-// Removes the temporary file of every PendingFile of the process that is not committed. Safe to call from a
-// signal handler, before the process ends.
-void removePendingFiles() noexcept;
 
 // Writes all of the bytes. Throws HostError, naming `name` and the reason ("No space left on device").
 void writeAll(int descriptor, std::string_view bytes, const std::string &name);

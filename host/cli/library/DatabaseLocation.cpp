@@ -45,9 +45,11 @@ std::optional<fs::path> childNamed(const fs::path &directory, std::string_view n
   return found;
 }
 
-bool holdsSomething(const fs::path &file) {
+// 0 for what cannot be asked.
+uintmax_t sizeOf(const fs::path &file) {
   std::error_code error;
-  return fs::file_size(file, error) != 0;  // what cannot be asked gives the largest number
+  const uintmax_t size = fs::file_size(file, error);
+  return error ? 0 : size;
 }
 
 fs::path databaseIn(const fs::path &control, const fs::path &named) {
@@ -55,10 +57,12 @@ fs::path databaseIn(const fs::path &control, const fs::path &named) {
   if (!folder)
     throw HostError(named.string() + ": no database here: " + control.string() + " has no iTunes folder");
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
-  if (file && holdsSomething(*file)) return *file;
-  // Players with a compressed database keep an empty file, or none, under the usual name.
-  if (const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile)) return *compressed;
-  if (!file) throw HostError(named.string() + ": no database here: " + folder->string() + " has no iTunesDB");
+  const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
+  if (!file && !compressed)
+    throw HostError(named.string() + ": no database here: " + folder->string() + " has no iTunesDB");
+  // Players with a compressed database keep an empty or tiny file, or none, under the usual name. Of two
+  // with the same songs the compressed one would be the smaller.
+  if (compressed && (!file || sizeOf(*file) == 0 || sizeOf(*file) < sizeOf(*compressed))) return *compressed;
   return *file;
 }
 

@@ -14,9 +14,9 @@ struct DatabaseLocation {
 };
 
 // Finds the database of a player's root directory or of its iPod_Control folder, or takes a file as it is;
-// the player's own folder names match without regard to case. The two paths
-// are absolute. Throws HostError,
-// naming the path, when it does not exist, cannot be read, or is a directory without a database.
+// the player's own folder names match without regard to case. Of iTunesDB and iTunesCDB the larger is taken.
+// The two paths are absolute. Throws HostError, naming the path, when it does not exist, cannot be read, or
+// is a directory without a database.
 DatabaseLocation locateDatabase(const std::filesystem::path &path);
 
 // The Mac name of a player mounted at a directory: the directory's own name with ':' as '/', shortened to

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
+#include "host/cli/files/Descriptor.h"
 #include "host/cli/library/FileWord.h"
 
 namespace zemhost {
@@ -22,39 +22,9 @@ constexpr size_t kChunkHeader = 16;
 // How much of the body is looked at to tell scrambled bytes from a damaged file.
 constexpr size_t kSample = 256;
 
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  int number() const { return number_; }
-
- private:
-  int number_;
-};
-
 FileProbe unusable(std::string reason) { return {FileContent::Unusable, std::move(reason)}; }
 
 FileProbe failed(int error) { return unusable(std::generic_category().message(error)); }
-
-// Up to `size` bytes at an offset; fewer at the end of the file. Throws std::system_error on a read error.
-std::string readAt(int file, uint64_t offset, size_t size) {
-  std::string bytes(size, '\0');
-  size_t filled = 0;
-  while (filled < size) {
-    const ssize_t got =
-        pread(file, bytes.data() + filled, size - filled, static_cast<off_t>(offset + filled));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throw std::system_error(errno, std::generic_category());
-    if (got == 0) break;
-    filled += static_cast<size_t>(got);
-  }
-  bytes.resize(filled);
-  return bytes;
-}
 
 bool isZlibStream(std::string_view body) {
   if (body.size() < 2) return false;
@@ -98,8 +68,7 @@ FileProbe probeOpenFile(int file, uint64_t size) {
   if (headerLength < kChunkHeader) return unusable("the file is damaged: its header has no proper length");
   if (headerLength > size) return truncated(std::max(headerLength, totalLength), size);
   const std::string body = readAt(file, headerLength, kSample);
-  if (isZlibStream(body))
-    return {FileContent::Compressed, "the database is compressed, which cannot be read"};
+  if (isZlibStream(body)) return {FileContent::Compressed, {}};
   if (body.size() >= kChunkHeader && !isChunk(body) && looksScrambled(body)) {
     return {FileContent::Encrypted, "the library is encrypted, which cannot be read"};
   }

@@ -1,43 +1,74 @@
 #include "host/cli/library/OpenDatabase.h"
 
+#include <cerrno>
+#include <fcntl.h>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "host/cli/library/FileProbe.h"
+#include "host/cli/library/InflatedCopy.h"
 
 namespace zemhost {
 
 namespace {
 
-void mountAsVolume(const std::filesystem::path &root) {
-  if (const std::string name = volumeName(root); !name.empty()) mountVolume(name, root);
+// The root of the machine is a volume without being declared.
+std::string nameOfVolume(const std::filesystem::path &root) {
+  const std::string name = volumeName(root);
+  return name.empty() ? "System" : name;
 }
 
 // A directory on the way may have a name that no file specification can hold; as a volume it is shortened.
 FolderItem itemOf(const std::filesystem::path &file) {
   FolderItem item = FolderItem::fromPath(file);
   if (item) return item;
-  mountAsVolume(file.parent_path());
+  mountVolume(nameOfVolume(file.parent_path()), file.parent_path());
   return FolderItem::fromPath(file);
+}
+
+void load(const Object &object, const std::string &name, const std::filesystem::path &file) {
+  const FolderItem item = itemOf(file);
+  if (!item) throw HostError(name + ": the file's name is longer than the 63 bytes that can be read");
+  if (!object.call("Load", {item}).boolean()) {
+    throw HostError(name + ": the plug-in could not load it (Error " +
+                    std::to_string(object.get("Error").integer()) + ")");
+  }
 }
 
 }  // namespace
 
 OpenDatabase openDatabase(const std::filesystem::path &path) {
-  DatabaseLocation location = locateDatabase(path);
+  OpenDatabase database{locateDatabase(path), Host::load().make("ZemiTunesDB"), {}, false, 0};
+  const DatabaseLocation &location = database.location;
   const FileProbe probe = probeFile(location.file);
-  if (probe.content != FileContent::Database) throw HostError(location.name + ": " + probe.reason);
-  mountAsVolume(location.volumeRoot);
+  if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
 
-  Object object = Host::load().make("ZemiTunesDB");
-  const FolderItem item = itemOf(location.file);
-  if (!item)
-    throw HostError(location.name + ": the file's name is longer than the 63 bytes that can be read");
-  if (!object.call("Load", {item}).boolean()) {
-    throw HostError(location.name + ": the plug-in could not load it (Error " +
-                    std::to_string(object.get("Error").integer()) + ")");
+  const bool onPlayer = !location.volumeRoot.empty();
+  const auto mount = [&](const std::filesystem::path &root) {
+    if (onPlayer) mountVolume(nameOfVolume(location.volumeRoot), root);
+  };
+  if (probe.content == FileContent::Compressed) {
+    InflatedCopy copy(location);
+    const FileProbe inflated = probeFile(copy.file());
+    if (inflated.content != FileContent::Database) {
+      throw HostError(location.name + ": what is compressed in it: " +
+                      (inflated.reason.empty() ? "a compressed database once more" : inflated.reason));
+    }
+    mount(copy.root());
+    load(database.object, location.name, copy.file());
+    database.compressed = true;
+    database.bytesAfterStream = copy.bytesLeft();
+    database.content = copy.takeContent();
+    mount(location.volumeRoot);
+  } else {
+    mount(location.volumeRoot);
+    load(database.object, location.name, location.file);
+    database.content = Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (database.content.number() < 0)
+      throw HostError(location.name + ": " + std::generic_category().message(errno));
   }
-  return {std::move(location), std::move(object)};
+  return database;
 }
 
 }  // namespace zemhost

@@ -1,0 +1,17 @@
+#pragma once
+
+// How the program ends when a signal asks it to.
+
+namespace zemhost {
+
+// From here on Ctrl-C, SIGTERM and SIGHUP remove what every TemporaryPath owns, write one line to standard
+// error and end the program as the signal would have done: a shell sees status 130, 143 or 129. SIGPIPE does
+// the same without a line. A signal that the program was started to ignore stays ignored.
+void handleSignals();
+
+// What stands after "interrupted" in that line, a text that outlives all signals, or null for nothing; and
+// whether a line without an end stands on the terminal, which must be ended first.
+void setInterruptionAdvice(const char *text);
+void setLineOpen(bool open);
+
+}  // namespace zemhost

@@ -1,0 +1,56 @@
+// Runs a target over every file of the folders and files that are named, without a fuzzer. Fails when there
+// is none.
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fuzz/Target.h"
+
+namespace {
+
+std::vector<std::filesystem::path> FilesOf(const std::vector<std::string> &names) {
+  std::vector<std::filesystem::path> files;
+  for (const std::string &name : names) {
+    if (!std::filesystem::is_directory(name)) {
+      files.emplace_back(name);
+      continue;
+    }
+    for (const auto &entry : std::filesystem::directory_iterator(name)) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+void Replay(const std::filesystem::path &path) {
+  std::ifstream in(path, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  if (!in) throw std::runtime_error("cannot read " + path.string());
+  // Told beforehand, so that the last line names the file that ends the program.
+  (void)std::fprintf(stderr, "%s\n", path.filename().c_str());
+  // A block of just this size, so that a sanitizer sees a read past its end.
+  const auto exact = std::make_unique<uint8_t[]>(bytes.size());
+  std::copy(bytes.begin(), bytes.end(), exact.get());
+  LLVMFuzzerTestOneInput(exact.get(), bytes.size());
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  try {
+    const std::vector<std::filesystem::path> files = FilesOf({argv + 1, argv + argc});
+    if (files.empty()) throw std::runtime_error("usage: " + std::string(argv[0]) + " FOLDER|FILE...");
+    for (const std::filesystem::path &file : files) Replay(file);
+    std::printf("%zu files\n", files.size());
+  } catch (const std::exception &error) {
+    (void)std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+  return 0;
+}

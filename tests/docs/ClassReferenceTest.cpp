@@ -18,7 +18,7 @@
 
 #include "host/Host.h"
 #include "samples/DatabaseWriter.h"
-#include "tests/docs/ReferenceTables.h"
+#include "tests/docs/MarkdownTables.h"
 #include "tests/support/Folders.h"
 
 namespace docs_test {
@@ -100,6 +100,8 @@ class Player {
  private:
   std::filesystem::path root_;
 };
+
+std::vector<Table> Document() { return ReadTables(support::DocumentsFolder() / "class-reference.md"); }
 
 // The song, and for two songs the second one, that a call asks for.
 using Place = std::vector<int32_t>;
@@ -196,7 +198,10 @@ class ClassReference : public testing::Test {
     throw std::runtime_error("no method " + declaration);
   }
 
-  const Tables tables_ = ReadTables(support::DocumentsFolder() / "class-reference.md");
+  // Cells: declaration, access, before Load, meaning.
+  const std::vector<Cells> properties_ = RowsOf(Document(), "Declaration", "Holds");
+  // Cells: declaration, meaning, before Load, nothing there.
+  const std::vector<Cells> methods_ = RowsOf(Document(), "Declaration", "Nothing there");
   const Player player_;
   const FolderItem file_ = FolderItem::fromPath(player_.Path());
   const zemhost::Host host_ = zemhost::Host::load({support::PluginFile(), 5.9, {}});
@@ -207,7 +212,7 @@ TEST_F(ClassReference, ListsEveryRegisteredMethodOnceAndNoOther) {
   std::vector<std::string> registered;
   for (const MethodInfo &method : object_.classInfo().methods) registered.push_back(method.text);
   std::vector<std::string> listed;
-  for (const Row &row : tables_.methods) listed.push_back(row.declaration);
+  for (const Cells &row : methods_) listed.push_back(row[0]);
   EXPECT_EQ(registered.size(), 130U);
   EXPECT_THAT(listed, UnorderedElementsAreArray(registered));
 }
@@ -219,28 +224,28 @@ TEST_F(ClassReference, ListsEveryPropertyWithItsAccess) {
                          (property.setter == nullptr ? ": read" : ": read, write"));
   }
   std::vector<std::string> listed;
-  for (const Row &row : tables_.properties) listed.push_back(row.declaration + ": " + row.cells[0]);
+  for (const Cells &row : properties_) listed.push_back(row[0] + ": " + row[1]);
   EXPECT_EQ(registered.size(), 6U);
   EXPECT_THAT(listed, UnorderedElementsAreArray(registered));
 }
 
 TEST_F(ClassReference, StatesWhatPropertiesHoldBeforeLoad) {
   const zemhost::Object fresh = host_.make("ZemiTunesDB");
-  for (const Row &row : tables_.properties) {
-    const std::string name = row.declaration.substr(0, row.declaration.find(' '));
-    EXPECT_EQ(NameOf(fresh.get(name)), row.cells[1]) << name;
+  for (const Cells &row : properties_) {
+    const std::string name = row[0].substr(0, row[0].find(' '));
+    EXPECT_EQ(NameOf(fresh.get(name)), row[2]) << name;
   }
 }
 
 TEST_F(ClassReference, StatesWhatANewObjectAnswers) {
   const zemhost::Object fresh = host_.make("ZemiTunesDB");
   const std::vector<std::string> before = Snapshot(fresh);
-  for (const Row &row : tables_.methods) {
-    SCOPED_TRACE(row.declaration);
-    const MethodInfo &method = Registered(row.declaration);
-    const std::string &stated = row.cells[1];
+  for (const Cells &row : methods_) {
+    SCOPED_TRACE(row[0]);
+    const MethodInfo &method = Registered(row[0]);
+    const std::string &stated = row[2];
     if (stated == "-") {
-      EXPECT_TRUE(row.declaration == "Constructor" || method.declaration.name == "Load");
+      EXPECT_TRUE(row[0] == "Constructor" || method.declaration.name == "Load");
       continue;
     }
     for (const Place &place : {Place{0, 0}, Place{kFirstID, 0}, Place{-1, -1}, Place{kLargest, kLeast}}) {
@@ -256,20 +261,20 @@ TEST_F(ClassReference, StatesWhatAnObjectAnswersWhoseLoadFailed) {
   const zemhost::Object failed = host_.make("ZemiTunesDB");
   ASSERT_FALSE(failed.call("Load", {noLibrary}).boolean());
   EXPECT_EQ(failed.get("Error").integer(), 1);
-  for (const Row &row : tables_.methods) {
-    const MethodInfo &method = Registered(row.declaration);
-    if (row.cells[1] == "-" || row.cells[1] == "no change") continue;
+  for (const Cells &row : methods_) {
+    const MethodInfo &method = Registered(row[0]);
+    if (row[2] == "-" || row[2] == "no change") continue;
     const bool isOther = method.declaration.name == "GetPlaySong";
-    EXPECT_EQ(Answer(failed, method, {0, 0}), isOther ? "True" : row.cells[1]) << row.declaration;
+    EXPECT_EQ(Answer(failed, method, {0, 0}), isOther ? "True" : row[2]) << row[0];
   }
   EXPECT_EQ(failed.call("GetAbsolutePath", {":a"}).text(), ":a");
 }
 
 TEST_F(ClassReference, StatesWhatIsAnsweredWhenNothingIsThere) {
-  for (const Row &row : tables_.methods) {
-    SCOPED_TRACE(row.declaration);
-    const MethodInfo &method = Registered(row.declaration);
-    const std::string &stated = row.cells[2];
+  for (const Cells &row : methods_) {
+    SCOPED_TRACE(row[0]);
+    const MethodInfo &method = Registered(row[0]);
+    const std::string &stated = row[3];
     const auto &arguments = method.declaration.arguments;
     if (arguments.empty()) {
       EXPECT_EQ(stated, "-");
@@ -289,10 +294,10 @@ TEST_F(ClassReference, StatesThatComparisonsTakeSongZeroForAnEntryThatIsNotThere
     const std::string declaration =
         std::string("ComparePlaylist") + what + "(playlist As Integer, " + arguments;
     SCOPED_TRACE(declaration);
-    const auto row = std::find_if(tables_.methods.begin(), tables_.methods.end(),
-                                  [&](const Row &r) { return r.declaration == declaration; });
-    ASSERT_NE(row, tables_.methods.end());
-    ASSERT_EQ(row->cells[2], "song 0");
+    const auto row =
+        std::find_if(methods_.begin(), methods_.end(), [&](const Cells &r) { return r[0] == declaration; });
+    ASSERT_NE(row, methods_.end());
+    ASSERT_EQ((*row)[3], "song 0");
     const MethodInfo &method = Registered(declaration);
     for (const int32_t nowhere : {-1, kEntries, kLargest, kLeast}) {
       EXPECT_EQ(Answer(method, {0, kEntryOfSongZero, nowhere}), "True");

@@ -1,0 +1,47 @@
+# Completion for zemhost(1) in bash: commands, options, the values of options, and file names.
+
+# The options of a command; of the program itself without one.
+_zemhost_options() {
+  case $1 in
+    '') echo '-h --help --version' ;;
+    *) echo '-h --help' ;;
+  esac
+}
+
+# The values of an option of a command, where they are few; "FILE" where a file is asked for, "TEXT" for anything else,
+# and nothing for an option that takes no value.
+_zemhost_values() {
+  case $1:$2 in
+    *) ;;
+  esac
+}
+
+_zemhost() {
+  local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command='' values='' word
+  # bash takes --option=value apart at the equals sign.
+  if [[ $current == = ]]; then
+    current=
+  elif [[ $before == = ]]; then
+    before=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+    if [[ $word != -* ]]; then
+      command=$word
+      break
+    fi
+  done
+  if [[ $before == -* ]]; then values=$(_zemhost_values "$command" "$before"); fi
+  if [[ -n $values && $values != FILE ]]; then
+    if [[ $values == TEXT ]]; then values=; fi
+    mapfile -t COMPREPLY < <(compgen -W "$values" -- "$current")
+  elif [[ -z $values && $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
+  elif [[ -z $command ]]; then
+    mapfile -t COMPREPLY < <(compgen -W 'call class info playlist playlists songs' -- "$current")
+  else
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+
+complete -F _zemhost zemhost

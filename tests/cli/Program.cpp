@@ -84,6 +84,8 @@ Channel outputChannel(const RunOptions &options) {
   for (const std::string &argument : arguments) words.push_back(const_cast<char *>(argument.c_str()));
   words.push_back(nullptr);
   unsetenv("COLUMNS");
+  unsetenv("NO_COLOR");
+  setenv("TERM", "dumb", 1);  // shows no styles
   // The path string that Load asks for stays with the host by contract, so a sanitizer's search for leaks
   // would fail every run; the host's own accounts are what finds leaks of strings.
   setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
@@ -116,7 +118,8 @@ void collect(Outcome &outcome, Descriptor &out, Descriptor &err, const std::opti
 
 Outcome runZemhost(const std::vector<std::string> &arguments, const RunOptions &options) {
   Channel out = outputChannel(options);
-  Channel err = makePipe();
+  constexpr unsigned short kWide = 1000;
+  Channel err = options.errorsToTerminal ? makeTerminal(kWide) : makePipe();
   const pid_t child = checked(fork(), "fork");
   if (child == 0) runChild(arguments, out.theirs.number(), err.theirs.number(), options);
   out.theirs.reset();

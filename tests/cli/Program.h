@@ -18,6 +18,7 @@ struct Outcome {
 
 struct RunOptions {
   std::optional<unsigned short> terminalWidth;  // standard output is a terminal of this width
+  bool errorsToTerminal = false;                // standard error is a terminal
   std::filesystem::path output;                 // standard output is this file
   bool asNobody = false;                        // without the rights of the superuser
   std::optional<size_t> readAtMost;             // close the pipe from standard output after this many bytes

@@ -1,6 +1,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 #include "host/cli/ExitStatus.h"
 #include "host/cli/commands/Command.h"
@@ -30,7 +31,7 @@ int listPlaylists(const std::string &path) {
                   std::to_string(library.entryCount(number)), totalTimeText(totals.duration),
                   totalSizeText(totals.size)});
   }
-  table.write(std::cout, terminalWidth());
+  table.write(std::cout, terminalWidth(), showsStyles(STDOUT_FILENO));
   return kSuccess;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/cli/text/DisplayText.h"
+#include "host/cli/text/Terminal.h"
 
 namespace zemhost {
 
@@ -28,12 +29,13 @@ void Table::addRow(std::vector<std::string> cells) {
   rows_.push_back(std::move(cells));
 }
 
-void Table::write(std::ostream &out, std::optional<size_t> width) const {
+void Table::write(std::ostream &out, std::optional<size_t> width, bool boldHeadings) const {
   const std::vector<Slot> slots = width ? columnsWithin(*width) : wholeColumns();
   std::vector<std::string> headings;
   for (const Column &column : columns_) headings.push_back(column.heading);
-  writeRow(out, headings, slots, width);
-  for (const auto &row : rows_) writeRow(out, row, slots, width);
+  const std::string heading = rowText(headings, slots, width);
+  out << (boldHeadings ? bold(heading) : heading) << '\n';
+  for (const auto &row : rows_) out << rowText(row, slots, width) << '\n';
 }
 
 std::vector<Table::Slot> Table::wholeColumns() const {
@@ -80,8 +82,8 @@ std::vector<Table::Slot> Table::columnsWithin(size_t width) const {
   return slots;
 }
 
-void Table::writeRow(std::ostream &out, const std::vector<std::string> &cells, const std::vector<Slot> &slots,
-                     std::optional<size_t> width) const {
+std::string Table::rowText(const std::vector<std::string> &cells, const std::vector<Slot> &slots,
+                           std::optional<size_t> width) const {
   std::string line;
   size_t blanks = 0;  // not written until text follows them
   for (const Slot &slot : slots) {
@@ -96,7 +98,7 @@ void Table::writeRow(std::ostream &out, const std::vector<std::string> &cells, c
     }
     if (!right) blanks += padding;
   }
-  out << (width ? cutToWidth(line, *width) : line) << '\n';
+  return width ? cutToWidth(line, *width) : line;
 }
 
 }  // namespace zemhost

@@ -32,7 +32,7 @@ class Table {
   // Writes headings and rows, one a line, no blanks at the end of a line. Without a width every cell of every
   // column is written whole. With one no line takes more terminal cells than that: columns that are empty
   // throughout or lose their place are left out, and texts are cut with an ellipsis.
-  void write(std::ostream &out, std::optional<size_t> width) const;
+  void write(std::ostream &out, std::optional<size_t> width, bool boldHeadings = false) const;
 
  private:
   struct Slot {  // a column that is shown
@@ -42,8 +42,8 @@ class Table {
 
   std::vector<Slot> wholeColumns() const;
   std::vector<Slot> columnsWithin(size_t width) const;
-  void writeRow(std::ostream &out, const std::vector<std::string> &cells, const std::vector<Slot> &slots,
-                std::optional<size_t> width) const;
+  std::string rowText(const std::vector<std::string> &cells, const std::vector<Slot> &slots,
+                      std::optional<size_t> width) const;
 
   std::vector<Column> columns_;
   std::vector<size_t> widths_;  // of the widest cell or heading of each column

@@ -21,4 +21,14 @@ std::optional<size_t> terminalWidth() {
   return error == std::errc() && end == text.data() + text.size() && width > 0 ? width : kUsual;
 }
 
+bool showsStyles(int descriptor) {
+  const char *const kind = std::getenv("TERM");
+  return std::getenv("NO_COLOR") == nullptr && kind != nullptr && std::string_view(kind) != "dumb" &&
+         isatty(descriptor) != 0;
+}
+
+std::string bold(std::string_view text) { return "\x1b[1m" + std::string(text) + "\x1b[0m"; }
+
+std::string boldRed(std::string_view text) { return "\x1b[1;31m" + std::string(text) + "\x1b[0m"; }
+
 }  // namespace zemhost

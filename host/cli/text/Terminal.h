@@ -2,11 +2,22 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace zemhost {
 
 // The width in cells of the terminal that standard output goes to: what the terminal says, else the variable
 // COLUMNS, else 80. Nothing when standard output is no terminal.
 std::optional<size_t> terminalWidth();
+
+// Whether what goes to this descriptor may be bold or in colour: it is a terminal, the variable TERM names
+// one that is not "dumb", and the variable NO_COLOR is not set, whatever its value.
+bool showsStyles(int descriptor);
+
+// The text between the control sequences that switch a style on and off. Its width on a terminal stays the
+// same.
+std::string bold(std::string_view text);
+std::string boldRed(std::string_view text);
 
 }  // namespace zemhost

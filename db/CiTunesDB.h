@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
@@ -101,11 +102,17 @@ class CiTunesDB {
   bool PLR(int32_t p, int32_t i) const;
 
   // The entry at position i of playlist p, or null.
-  const refidx *Entry(int32_t p, int32_t i) const;
-  refidx *Entry(int32_t p, int32_t i);
+  const refidx *Entry(int32_t p, int32_t i) const {
+    if (!HasPlayList(p) || i < 0) return nullptr;
+    const std::vector<refidx> &entries = plays[static_cast<size_t>(p)].refnum;
+    return static_cast<size_t>(i) < entries.size() ? &entries[static_cast<size_t>(i)] : nullptr;
+  }
+  refidx *Entry(int32_t p, int32_t i) {
+    return const_cast<refidx *>(static_cast<const CiTunesDB *>(this)->Entry(p, i));
+  }
 
   // The lowest library index whose song carries the track ID; 0 when none does.
-  int32_t FindRefIdx(int32_t t) const;
+  int32_t FindRefIdx(int32_t t) const { return std::max(songs.FindID(t), 0); }
 
  private:
   bool HasPlayList(int32_t p) const { return p >= 0 && static_cast<size_t>(p) < plays.size(); }

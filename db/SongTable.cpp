@@ -7,11 +7,6 @@ void SongTable::IndexIDs() const {
   for (; indexed_ < songs_.size(); ++indexed_) ids_.Add(songs_[indexed_].id, static_cast<int32_t>(indexed_));
 }
 
-int32_t SongTable::FindID(int32_t id) const {
-  IndexIDs();
-  return ids_.Find(id);
-}
-
 void SongTable::SetID(size_t i, int32_t id) {
   const int32_t old = songs_[i].id;
   if (old == id) return;

@@ -72,7 +72,10 @@ class SongTable {
   void IndexIDs() const;
 
   // The lowest position whose song carries the ID, or -1. Throws std::bad_alloc when the index cannot grow.
-  int32_t FindID(int32_t id) const;
+  int32_t FindID(int32_t id) const {
+    if (indexed_ != songs_.size()) IndexIDs();
+    return ids_.Find(id);
+  }
 
  private:
   void ForgetIDs() {

@@ -1,6 +1,7 @@
 #include "db/TrackIDIndex.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace {
@@ -8,28 +9,6 @@ namespace {
 constexpr uint32_t kSmallest = 64;
 
 }  // namespace
-
-// Mixes every bit of the ID into every bit of the slot number (the finaliser of the MurmurHash3 family). The
-// table's address is mixed in, so that a file cannot be made whose IDs all meet in one place.
-uint32_t TrackIDIndex::Home(int32_t id) const {
-  uint32_t h =
-      static_cast<uint32_t>(id) ^ static_cast<uint32_t>(reinterpret_cast<uintptr_t>(slots_.get()) >> 4);
-  h = (h ^ h >> 16) * 0x85ebca6bU;
-  h = (h ^ h >> 13) * 0xc2b2ae35U;
-  return (h ^ h >> 16) & (capacity_ - 1);
-}
-
-TrackIDIndex::Slot *TrackIDIndex::Locate(int32_t id) const {
-  uint32_t at = Home(id);
-  while (slots_[at].songs != 0 && slots_[at].id != id) at = (at + 1) & (capacity_ - 1);
-  return &slots_[at];
-}
-
-int32_t TrackIDIndex::Find(int32_t id) const {
-  if (used_ == 0) return -1;
-  const Slot *slot = Locate(id);
-  return slot->songs == 0 ? -1 : slot->lowest;
-}
 
 void TrackIDIndex::Add(int32_t id, int32_t index) {
   if (2 * (used_ + 1) > capacity_) Resize(std::max(2 * capacity_, kSmallest));
@@ -79,6 +58,8 @@ void TrackIDIndex::Resize(uint32_t capacity) {
   TrackIDIndex resized;
   resized.capacity_ = capacity;
   resized.slots_ = std::make_unique<Slot[]>(capacity);
+  resized.seed_ = reinterpret_cast<uintptr_t>(resized.slots_.get());
+  resized.shift_ = static_cast<uint32_t>(64 - std::countr_zero(capacity / kNeighbours));
   resized.used_ = used_;
   for (uint32_t i = 0; i < capacity_; ++i) {
     if (slots_[i].songs != 0) *resized.Locate(slots_[i].id) = slots_[i];

@@ -1,19 +1,17 @@
 #include "db/ByteOrder.h"
 
 #include <cstring>
-#include <utility>
 
 void Swap2ByteString(uint8_t *obj, size_t n) {
   if (obj == nullptr) return;
-  size_t i = 0;
-  for (; i + 8 <= n; i += 8) {
-    constexpr uint64_t kEven = 0x00ff00ff00ff00ff;
-    uint64_t pairs = 0;
-    std::memcpy(&pairs, obj + i, sizeof pairs);
-    pairs = (pairs >> 8 & kEven) | (pairs & kEven) << 8;
-    std::memcpy(obj + i, &pairs, sizeof pairs);
-  }
-  for (; i < n; i += 2) std::swap(obj[i], obj[i + 1]);
+  const auto swapPair = [](uint8_t *at) {
+    uint16_t pair = 0;
+    std::memcpy(&pair, at, sizeof pair);
+    Swap2ByteMW(&pair);
+    std::memcpy(at, &pair, sizeof pair);
+  };
+  for (size_t i = 0; i < n / 2; ++i) swapPair(obj + 2 * i);
+  if (n % 2 != 0) swapPair(obj + n - 1);
 }
 
 size_t RemoveZeroFromAsciiUTF16(std::string_view text, char *out) {

@@ -51,7 +51,9 @@ class ByteString {
 
   template <std::convertible_to<std::string_view> Text>
   friend bool operator==(const ByteString &a, const Text &b) noexcept {
-    return a.View() == static_cast<std::string_view>(b);
+    const std::string_view view = b;
+    if (a.size_ != view.size()) return false;
+    return a.size_ == 0 || a.data() == view.data() || a.View() == view;
   }
 
  private:

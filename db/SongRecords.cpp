@@ -11,13 +11,13 @@ namespace {
 
 std::string_view Bytes(const uint8_t *at, size_t n) { return {reinterpret_cast<const char *>(at), n}; }
 
-// Adds bytes to a record's text. The first ones go to the arena, if there is one and they would not fit into
-// the text itself.
-void Store(ByteString &text, std::string_view bytes, TextArena *arena) {
+// Adds bytes of an object of this type to a record's text. The first ones go to the arena, if there is one
+// and they would not fit into the text itself.
+void Store(ByteString &text, std::string_view bytes, uint32_t type, TextArena *arena) {
   if (arena == nullptr || !text.empty() || bytes.size() <= ByteString::kNearRoom) {
     text.Append(bytes);
   } else {
-    text.Append(arena->Keep(bytes), ByteString::Keep::Borrow);
+    text.Append(arena->Keep(bytes, type), ByteString::Keep::Borrow);
   }
 }
 
@@ -101,7 +101,7 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
     }
     songInfo *field = BigEndianField(*this, fsbb->count);
     if (field == nullptr) return 0;
-    Store(field->obj, Bytes(start, size), arena);
+    Store(field->obj, Bytes(start, size), fsbb->count, arena);
     field->enc = encode;
     return 1;
   }
@@ -110,13 +110,13 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
   songInfo *field = LittleEndianField(*this, fsbb->count);
   if (field == nullptr) {
     songInfo other{static_cast<int32_t>(fsbb->count), encode, {}};
-    Store(other.obj, Bytes(start, size), arena);
+    Store(other.obj, Bytes(start, size), fsbb->count, arena);
     constexpr size_t kUsual = 4;
     if (unknown.empty()) unknown.reserve(kUsual);
     unknown.push_back(std::move(other));
     return 1;
   }
-  Store(field->obj, Bytes(start, size), arena);
+  Store(field->obj, Bytes(start, size), fsbb->count, arena);
   field->idx = static_cast<int32_t>(fsbb->count);
   field->enc = encode;
   return 1;
@@ -140,7 +140,7 @@ int32_t CSongList::SetLocation(const fsbbStruct *fsbb, const uint8_t *start, con
   const uint8_t *found = at + n + match;
   const size_t length = size_t{256} * found[-2] + found[-1];
   if (objectEnd < found || length > static_cast<size_t>(objectEnd - found)) return 0;
-  Store(path.obj, Bytes(found, length), arena);
+  Store(path.obj, Bytes(found, length), fsbb->count, arena);
   path.enc = encode;
   return 1;
 }
@@ -169,7 +169,7 @@ int32_t CPlayList::SetTitle(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _e
   if (fsbb->count != nameType || objPtr == nullptr || lng < 0) return 0;
   const auto size = static_cast<size_t>(lng);
   if (libType == 1) Swap2ByteString(objPtr, size);
-  Store(name.obj, Bytes(objPtr, size), arena);
+  Store(name.obj, Bytes(objPtr, size), fsbb->count, arena);
   name.enc = _encode;
   return 1;
 }

@@ -37,9 +37,9 @@ class TrackIDIndex {
   // playlists and host code ask for them in that order, so most look-ups find their slot in the cache.
   static constexpr uint32_t kNeighbours = 8;
 
-  // Where the search for an ID begins: its place among its neighbours, whose run is scattered by two rounds of
-  // multiplication. The process's own number goes into it, so that no file can be made whose IDs all meet in
-  // one place; the worst it can do is to use one slot of each run.
+  // Where the search for an ID begins: its place among its neighbours, whose run is scattered by two rounds
+  // of multiplication. The process's own number goes into it, so that no file can be made whose IDs all meet
+  // in one place; the worst it can do is to use one slot of each run.
   uint32_t Home(int32_t id) const {
     const auto bits = static_cast<uint32_t>(id);
     uint64_t h = (bits / kNeighbours ^ seed_) * 0xff51afd7ed558ccd;

@@ -19,6 +19,7 @@ void addCommands(CLI::App &program, Action &action) {
   addSongsCommand(program, action);
   addPlaylistsCommand(program, action);
   addPlaylistCommand(program, action);
+  addCheckCommand(program, action);
   addCallCommand(program, action);
   addClassCommand(program, action);
 }

@@ -20,6 +20,7 @@ void addSongsCommand(CLI::App &program, Action &action);
 void addPlaylistsCommand(CLI::App &program, Action &action);
 void addPlaylistCommand(CLI::App &program, Action &action);
 void addInfoCommand(CLI::App &program, Action &action);
+void addCheckCommand(CLI::App &program, Action &action);
 void addCallCommand(CLI::App &program, Action &action);
 void addClassCommand(CLI::App &program, Action &action);
 

@@ -4,6 +4,7 @@
 
 #include "host/cli/ExitStatus.h"
 #include "host/cli/commands/Command.h"
+#include "host/cli/commands/SongTable.h"
 #include "host/cli/library/MusicLibrary.h"
 #include "host/cli/text/DisplayText.h"
 #include "host/cli/text/Units.h"
@@ -31,8 +32,7 @@ int showInfo(const std::string &path) {
 
   writeLine("Database   ", library.location().file.string());
   writeLine("Volume     ", volumeText(library));
-  writeLine("Variant    ", library.libType() == 0 ? "big-endian, a desktop program's library"
-                                                  : "little-endian, a player's database");
+  writeLine("Variant    ", variantText(library.libType() == 0));
   writeLine("Songs      ", std::to_string(songs));
   writeLine("Playlists  ", std::to_string(playlists) + " with " + std::to_string(entries) +
                                (entries == 1 ? " entry" : " entries"));

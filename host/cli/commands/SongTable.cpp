@@ -53,6 +53,10 @@ void SongTable::write(std::ostream &out) const {
   out << ", " << totalTimeText(totals_.duration) << ", " << totalSizeText(totals_.size) << '\n';
 }
 
+std::string variantText(bool bigEndian) {
+  return bigEndian ? "big-endian, a desktop program's library" : "little-endian, a player's database";
+}
+
 std::string countText(uint64_t count, const std::string &singular, const std::string &plural) {
   return std::to_string(count) + " " + (count == 1 ? singular : plural);
 }

@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::string_view kControlFolder = "iPod_Control";
 constexpr std::string_view kDatabaseFolder = "iTunes";
+constexpr std::string_view kMusicFolder = "Music";
 constexpr std::string_view kDatabaseFile = "iTunesDB";
 constexpr std::string_view kCompressedFile = "iTunesCDB";
 
@@ -98,6 +99,13 @@ DatabaseLocation locateDatabase(const fs::path &path) {
     throw HostError(path.string() + ": no database here: the directory has no iPod_Control folder");
   const fs::path file = databaseIn(*control, path);
   return {file, file.string(), control->parent_path()};
+}
+
+fs::path musicFolder(const fs::path &root) {
+  const std::optional<fs::path> control = childNamed(root, kControlFolder);
+  const std::optional<fs::path> music = control ? childNamed(*control, kMusicFolder) : std::nullopt;
+  std::error_code error;
+  return music && fs::is_directory(*music, error) ? fs::canonical(*music, error) : fs::path();
 }
 
 std::string volumeName(const fs::path &root) {

@@ -23,10 +23,10 @@ struct TextMethods {
       : text(object.method("Get" + name + "(index As Integer) As String")),
         encode(object.method("Get" + name + "Encode(index As Integer) As Integer")) {}
 
-  std::string read(int32_t index, int32_t libType) const {
+  std::string read(int32_t index, int32_t libType, size_t *lost = nullptr) const {
     const Value stored = text(index);
     if (stored.isNil()) return {};
-    return songText(stored.bytes(), static_cast<uint32_t>(encode(index).integer()), libType);
+    return songText(stored.bytes(), static_cast<uint32_t>(encode(index).integer()), libType, lost);
   }
 };
 
@@ -57,6 +57,7 @@ struct MusicLibrary::State {
   TextMethods fileType{object, "FileType"};
   Method songCount = object.method("CountSongs As Integer");
   Method path = object.method("GetPath(index As Integer) As String");
+  Method absolutePath = object.method("GetAbsolutePath(path As String) As String");
   Method id = numberMethod(object, "GetID");
   Method track = numberMethod(object, "GetNumOfTrack");
   Method trackTotal = numberMethod(object, "GetTotalTrack");
@@ -116,15 +117,34 @@ Song MusicLibrary::song(int32_t index) const {
   return song;
 }
 
+std::vector<std::string> MusicLibrary::lossyTexts(int32_t index) const {
+  const State &my = *state_;
+  const std::pair<const char *, const TextMethods *> fields[] = {
+      {"title", &my.title}, {"artist", &my.artist},     {"album", &my.album},
+      {"genre", &my.genre}, {"composer", &my.composer}, {"file type", &my.fileType}};
+  std::vector<std::string> names;
+  for (const auto &[name, methods] : fields) {
+    size_t lost = 0;
+    methods->read(index, my.libType, &lost);
+    if (lost > 0) names.emplace_back(name);
+  }
+  return names;
+}
+
+FolderItem MusicLibrary::file(const Song &song) const {
+  if (song.path.empty()) return {};
+  return FolderItem::fromMacPath(state_->absolutePath(song.path).text());
+}
+
 uint32_t MusicLibrary::duration(int32_t index) const { return number(state_->duration, index); }
 uint32_t MusicLibrary::size(int32_t index) const { return number(state_->size, index); }
 
-std::string MusicLibrary::playlistName(int32_t playlist) const {
+std::string MusicLibrary::playlistName(int32_t playlist, size_t *lost) const {
   const State &my = *state_;
   const Value name = my.playlistName(playlist);
   if (name.isNil()) return {};
   const auto code = static_cast<uint32_t>(my.playlistEncode(playlist).integer());
-  return playlistNameText(name.bytes(), code, my.libType);
+  return playlistNameText(name.bytes(), code, my.libType, lost);
 }
 
 int32_t MusicLibrary::entryCount(int32_t playlist) const { return state_->entryCount(playlist).integer(); }

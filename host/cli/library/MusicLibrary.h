@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/cli/library/OpenDatabase.h"
 
@@ -52,12 +53,16 @@ class MusicLibrary {
 
   // One song; no bounds are checked beyond the class's own, which give an empty one.
   Song song(int32_t index) const;
+  // The names of those of a song's texts that cannot be told whole in Unicode: "title".
+  std::vector<std::string> lossyTexts(int32_t index) const;
+  // The song's file on its volume, whether or not it is there; nil when its path names no place here.
+  FolderItem file(const Song &song) const;
   // Only these two of a song's numbers, for adding up.
   uint32_t duration(int32_t index) const;
   uint32_t size(int32_t index) const;
 
-  // The same of a playlist, by the class's number.
-  std::string playlistName(int32_t playlist) const;
+  // A playlist's name and entries, by the class's number. What cannot be told of the name adds to `lost`.
+  std::string playlistName(int32_t playlist, size_t *lost = nullptr) const;
   int32_t entryCount(int32_t playlist) const;
   // The class reads song 0 for an entry whose track ID no song carries; here such an entry names no song.
   PlaylistEntry entry(int32_t playlist, int32_t position) const;

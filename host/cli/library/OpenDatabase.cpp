@@ -3,11 +3,14 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "host/cli/Messages.h"
 #include "host/cli/library/FileProbe.h"
 #include "host/cli/library/InflatedCopy.h"
+#include "host/cli/library/Reconciliation.h"
 
 namespace zemhost {
 
@@ -27,6 +30,16 @@ FolderItem itemOf(const std::filesystem::path &file) {
   return FolderItem::fromPath(file);
 }
 
+// As a shell reads it back.
+std::string shellWord(const std::string &text) {
+  constexpr std::string_view kPlain =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%";
+  if (!text.empty() && text.find_first_not_of(kPlain) == std::string::npos) return text;
+  std::string word = "'";
+  for (const char c : text) word += c == '\'' ? "'\\''" : std::string(1, c);
+  return word + "'";
+}
+
 void load(const Object &object, const std::string &name, const std::filesystem::path &file) {
   const FolderItem item = itemOf(file);
   if (!item) throw HostError(name + ": the file's name is longer than the 63 bytes that can be read");
@@ -38,7 +51,15 @@ void load(const Object &object, const std::string &name, const std::filesystem::
 
 }  // namespace
 
-OpenDatabase openDatabase(const std::filesystem::path &path) {
+FileAccount accountOf(const OpenDatabase &database) {
+  try {
+    return walkChunks(database.content.number());
+  } catch (const std::system_error &error) {
+    throw HostError(database.location.name + ": " + error.code().message());
+  }
+}
+
+OpenDatabase loadDatabase(const std::filesystem::path &path) {
   OpenDatabase database{locateDatabase(path), Host::load().make("ZemiTunesDB"), {}, false, 0};
   const DatabaseLocation &location = database.location;
   const FileProbe probe = probeFile(location.file);
@@ -67,6 +88,16 @@ OpenDatabase openDatabase(const std::filesystem::path &path) {
     database.content = Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
     if (database.content.number() < 0)
       throw HostError(location.name + ": " + std::generic_category().message(errno));
+  }
+  return database;
+}
+
+OpenDatabase openDatabase(const std::filesystem::path &path) {
+  OpenDatabase database = loadDatabase(path);
+  const Reconciliation counts = reconcile(accountOf(database), database.object);
+  if (!counts.agrees()) {
+    printError(database.location.name + ": " + counts.summary() +
+               "; to see what is wrong run: zemhost check " + shellWord(path.string()));
   }
   return database;
 }

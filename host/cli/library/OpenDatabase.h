@@ -5,6 +5,7 @@
 
 #include "host/Host.h"
 #include "host/cli/files/Descriptor.h"
+#include "host/cli/library/ChunkWalk.h"
 #include "host/cli/library/DatabaseLocation.h"
 
 namespace zemhost {
@@ -20,6 +21,13 @@ struct OpenDatabase {
 // Finds the database that the path stands for, declares its player as a mounted volume, and loads it into a
 // new object of the plug-in's class; a compressed one is inflated into a temporary file first, which is gone
 // when this returns. Throws HostError, naming the file and what is wrong with it.
+OpenDatabase loadDatabase(const std::filesystem::path &path);
+
+// The same, with a line on standard error when the class does not answer with all that the file tells or
+// holds.
 OpenDatabase openDatabase(const std::filesystem::path &path);
+
+// The account of the file that was loaded. Throws HostError, naming it, when it cannot be read any more.
+FileAccount accountOf(const OpenDatabase &database);
 
 }  // namespace zemhost

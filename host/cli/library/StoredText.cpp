@@ -18,20 +18,23 @@ constexpr uint32_t kRawCode = 0;
 // Its code for a name whose form it guesses: plain ASCII comes converted to UTF-16, all else as it stands.
 constexpr uint32_t kGuessedCode = 3;
 
-std::string toUtf8(std::string_view bytes, uint32_t encoding) {
-  return convertText(bytes, encoding, kUtf8).bytes;
+// Adds to `lost`, if there is one, what no character could be made of.
+std::string toUtf8(std::string_view bytes, uint32_t encoding, size_t *lost) {
+  Conversion conversion = convertText(bytes, encoding, kUtf8);
+  if (lost != nullptr) *lost += conversion.replacements;
+  return std::move(conversion.bytes);
 }
 
 // Mac Roman unless the encoding word says otherwise.
-std::string byteText(std::string_view bytes, uint32_t encodingWord) {
-  return toUtf8(bytes, encodingWord == kWordUtf8 ? kUtf8 : kMacRoman);
+std::string byteText(std::string_view bytes, uint32_t encodingWord, size_t *lost) {
+  return toUtf8(bytes, encodingWord == kWordUtf8 ? kUtf8 : kMacRoman, lost);
 }
 
-std::string recordText(std::string_view record, bool bigEndian) {
+std::string recordText(std::string_view record, bool bigEndian, size_t *lost) {
   constexpr size_t kHeader = 16;
-  if (record.size() < kHeader) return toUtf8(record, kMacRoman);
+  if (record.size() < kHeader) return toUtf8(record, kMacRoman, lost);
   const uint32_t length = wordAt(record, 4, bigEndian);
-  return byteText(record.substr(kHeader, length), wordAt(record, 0, bigEndian));
+  return byteText(record.substr(kHeader, length), wordAt(record, 0, bigEndian), lost);
 }
 
 bool isUtf16OfAscii(std::string_view bytes) {
@@ -44,30 +47,30 @@ bool isUtf16OfAscii(std::string_view bytes) {
 
 }  // namespace
 
-std::string songText(std::string_view bytes, uint32_t code, int32_t libType) {
+std::string songText(std::string_view bytes, uint32_t code, int32_t libType, size_t *lost) {
   if (bytes.empty()) return {};
-  return code == kRawCode ? recordText(bytes, libType == 0) : toUtf8(bytes, kUtf16);
+  return code == kRawCode ? recordText(bytes, libType == 0, lost) : toUtf8(bytes, kUtf16, lost);
 }
 
-std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libType) {
+std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libType, size_t *lost) {
   if (libType == 0) {
     const bool utf16 = code == kWordUtf16 || (code == kGuessedCode && isUtf16OfAscii(bytes));
-    return utf16 ? toUtf8(bytes, kUtf16) : byteText(bytes, code);
+    return utf16 ? toUtf8(bytes, kUtf16, lost) : byteText(bytes, code, lost);
   }
   // The code is the file's word with its bytes reversed, and every name has had its byte pairs swapped.
   const uint32_t word = reversedWord(code);
-  if (word == kWordUtf16) return toUtf8(bytes, kUtf16);
+  if (word == kWordUtf16) return toUtf8(bytes, kUtf16, lost);
   std::string straight(bytes);
   for (size_t i = 0; i + 1 < straight.size(); i += 2) std::swap(straight[i], straight[i + 1]);
-  return byteText(straight, word);
+  return byteText(straight, word, lost);
 }
 
 std::string pathText(std::string_view bytes, int32_t libType) {
-  if (libType == 0) return toUtf8(bytes, kMacRoman);
+  if (libType == 0) return toUtf8(bytes, kMacRoman, nullptr);
   // The class has reduced each UTF-16 unit below 256 to one byte.
   std::string units;
   for (const char byte : bytes) units.append(1, '\0').append(1, byte);
-  return toUtf8(units, kUtf16);
+  return toUtf8(units, kUtf16, nullptr);
 }
 
 }  // namespace zemhost

@@ -6,6 +6,7 @@
 // as they stand in the file: for a song's text, a record of the encoding word, the length, two zero words
 // and the bytes; for a playlist's name, the bytes alone.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,11 +14,12 @@
 namespace zemhost {
 
 // A song's text from the bytes that the class gives with ResultEncode 0x0100 and the code of its Encode
-// method, both of a library of this LibType. Valid UTF-8; invalid input shows as U+FFFD.
-std::string songText(std::string_view bytes, uint32_t code, int32_t libType);
+// method, both of a library of this LibType. Valid UTF-8; invalid input shows as U+FFFD, and each such place
+// adds 1 to `lost` when that is given.
+std::string songText(std::string_view bytes, uint32_t code, int32_t libType, size_t *lost = nullptr);
 
 // A playlist's name, likewise, with the code of GetPlayListEncode.
-std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libType);
+std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libType, size_t *lost = nullptr);
 
 // A song's path on the device from the bytes that the class gives with ResultEncode 0x0600.
 std::string pathText(std::string_view bytes, int32_t libType);

@@ -1,0 +1,70 @@
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "host/cli/ExitStatus.h"
+#include "host/cli/commands/CheckReport.h"
+#include "host/cli/commands/Command.h"
+#include "host/cli/library/OpenDatabase.h"
+
+namespace zemhost {
+
+namespace {
+
+struct Arguments {
+  std::string path;
+  bool json = false;
+};
+
+void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &library,
+                    const FileAccount &file, Findings &findings) {
+  for (const RecordCount &count : reconciliation.counts) {
+    if (count.found == count.answered) continue;
+    findings.add(FindingKind::ClassDiffers, "the file holds " + std::to_string(count.found) + " " +
+                                                count.what + ", and the class answers " +
+                                                std::to_string(count.answered));
+  }
+  for (const int32_t list : reconciliation.differingLists) {
+    const auto place = static_cast<size_t>(list);
+    const uint32_t held = place < file.entriesOf.size() ? file.entriesOf[place] : 0;
+    findings.add(FindingKind::ClassDiffers, "playlist " + std::to_string(list) + " holds " +
+                                                std::to_string(held) + " entries, and the class answers " +
+                                                std::to_string(library.entryCount(list)));
+  }
+}
+
+int check(const Arguments &arguments) {
+  OpenDatabase database = loadDatabase(arguments.path);
+  CheckReport report{database.location, database.compressed, accountOf(database), {}, {}, {}};
+  report.findings = report.file.findings;
+  if (database.bytesAfterStream > 0) {
+    report.findings.add(FindingKind::UnexplainedBytes, std::to_string(database.bytesAfterStream) +
+                                                           " bytes stand after the compressed stream");
+  }
+  const MusicLibrary library(std::move(database));
+  report.reconciliation = reconcile(report.file, library.object());
+  addDifferences(report.reconciliation, library, report.file, report.findings);
+  report.library = checkLibrary(library, report.findings);
+  if (arguments.json) {
+    writeJson(report, std::cout);
+  } else {
+    writeText(report, std::cout);
+  }
+  return report.findings.total() == 0 ? kSuccess : kIncomplete;
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App &program, Action &action) {
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App *const command = program.add_subcommand(
+      "check", "Account for every byte of a database, every entry and every song's file");
+  addPathArgument(*command, arguments->path);
+  command->add_flag("--json", arguments->json, "Report as one JSON object");
+  command->footer(
+      "Ends with 0 when all is accounted for, with 3 when something is wrong, and with 1 when the "
+      "database cannot be read.");
+  command->callback([arguments, &action] { action = [arguments] { return check(*arguments); }; });
+}
+
+}  // namespace zemhost

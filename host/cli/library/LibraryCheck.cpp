@@ -1,0 +1,126 @@
+#include "host/cli/library/LibraryCheck.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <unordered_set>
+#include <vector>
+
+#include "host/Error.h"
+#include "host/cli/library/DatabaseLocation.h"
+
+namespace zemhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string quoted(const std::string &text) { return '"' + text + '"'; }
+
+std::string nameOf(int32_t index, const Song &song) {
+  std::string name = "song " + std::to_string(index) + " " + quoted(song.title);
+  if (!song.artist.empty()) name += " by " + song.artist;
+  return name;
+}
+
+class Check {
+ public:
+  Check(const MusicLibrary &library, Findings &findings) : library_(library), findings_(findings) {}
+
+  LibraryAccount run() {
+    const fs::path &root = library_.location().volumeRoot;
+    if (root.empty()) {
+      account_.filesLeftOut = "the database lies on no player";
+    } else if (library_.libType() == 0) {
+      account_.filesLeftOut = "a desktop library names files of another machine";
+    }
+    checkSongs();
+    checkPlaylists();
+    if (account_.filesLeftOut.empty()) checkMusicFolder(root);
+    return account_;
+  }
+
+ private:
+  void add(FindingKind kind, std::string text) { findings_.add(kind, std::move(text)); }
+
+  void checkSongs() {
+    const int32_t count = library_.songCount();
+    for (int32_t index = 0; index < count; ++index) {
+      const Song song = library_.song(index);
+      for (const std::string &field : library_.lossyTexts(index)) {
+        ++account_.lossyTexts;
+        add(FindingKind::LossyText,
+            nameOf(index, song) + ": the " + field + " holds characters that are not valid");
+      }
+      if (account_.filesLeftOut.empty()) checkFile(index, song);
+    }
+  }
+
+  void checkFile(int32_t index, const Song &song) {
+    const FolderItem item = library_.file(song);
+    if (item && item.exists()) {
+      const fs::path path = item.path();
+      std::error_code error;
+      if (fs::is_regular_file(path, error)) {
+        ++account_.filesThere;
+        named_.insert(path.string());
+        return;
+      }
+    }
+    ++account_.filesMissing;
+    const std::string name = nameOf(index, song);
+    add(FindingKind::MissingFile,
+        song.path.empty() ? name + " names no file"
+                          : name + ": its file is missing: " + (item ? item.macPath() : song.path));
+  }
+
+  void checkPlaylists() {
+    const int32_t count = library_.playlistCount();
+    for (int32_t list = 0; list < count; ++list) {
+      size_t lost = 0;
+      const std::string name =
+          "playlist " + std::to_string(list) + " " + quoted(library_.playlistName(list, &lost));
+      if (lost > 0) {
+        ++account_.lossyTexts;
+        add(FindingKind::LossyText, name + ": the name holds characters that are not valid");
+      }
+      const int32_t entries = library_.entryCount(list);
+      for (int32_t position = 0; position < entries; ++position) {
+        const PlaylistEntry entry = library_.entry(list, position);
+        if (entry.song >= 0) continue;
+        ++account_.entriesWithoutSong;
+        add(FindingKind::EntryWithoutSong, name + ", entry " + std::to_string(position) +
+                                               ": no song has the ID " + std::to_string(entry.trackID));
+      }
+    }
+  }
+
+  void checkMusicFolder(const fs::path &root) {
+    const fs::path folder = musicFolder(root);
+    if (folder.empty()) return;
+    std::vector<std::string> unnamed;
+    std::error_code error;
+    fs::recursive_directory_iterator entry(folder, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+      if (!entry->is_regular_file(error) || named_.contains(entry->path().string())) continue;
+      ++account_.filesUnnamed;
+      if (unnamed.size() < Findings::kKept) unnamed.push_back(entry->path().string());
+    }
+    if (error) throw HostError(folder.string() + ": " + error.message());
+    std::sort(unnamed.begin(), unnamed.end());
+    for (const std::string &file : unnamed) add(FindingKind::UnnamedFile, "no song names the file " + file);
+  }
+
+  const MusicLibrary &library_;
+  Findings &findings_;
+  LibraryAccount account_;
+  std::unordered_set<std::string> named_;  // files that songs name, as the system calls them
+};
+
+}  // namespace
+
+LibraryAccount checkLibrary(const MusicLibrary &library, Findings &findings) {
+  return Check(library, findings).run();
+}
+
+}  // namespace zemhost

@@ -4,6 +4,7 @@
 _zemhost_options() {
   case $1 in
     '') echo '-h --help --version' ;;
+    check) echo '-h --help --json' ;;
     *) echo '-h --help' ;;
   esac
 }
@@ -37,7 +38,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call class info playlist playlists songs' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class info playlist playlists songs' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

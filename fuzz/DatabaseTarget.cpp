@@ -18,6 +18,7 @@
 #include "sdk/PluginMain.h"
 #include "tests/db/DatabaseFiles.h"
 #include "tests/db/PlainRecords.h"
+#include "tests/db/Questions.h"
 #include "tests/model/Loader.h"
 #include "tests/platform/TemporaryFolder.h"
 #include "tests/support/TestHost.h"
@@ -41,75 +42,23 @@ enum Option : uint8_t {
   kNoSpecification = 128
 };
 
-// A few records of each kind are asked in full, however many a file has.
-constexpr int32_t kSome = 6;
-
-void AskSong(CiTunesDB &database, int32_t song) {
-  ScratchText scratch;
-  (void)database.SongsID(song);
-  const int32_t unknown = database.CountSongUnknown(song);
-  for (int32_t num = -3; num <= 16; ++num) {
-    (void)database.SongsProp(song, num);
-    (void)database.SongsUnknownObjectInfo(song, num);
-    const songInfo info = database.SongsObjectInfo(song, num);
-    const songInfo &cell = database.SongsCell(song, num);
-    Require(database.CellText(cell, num, scratch) == info.obj.View(),
-            "a text in the cell differs from its copy");
-    (void)database.SongsObject(song, num);
-    (void)ConvSJIS(info.obj, static_cast<int32_t>(info.enc));
-    for (int32_t mode = -1; mode <= 3; ++mode) {
-      (void)database.CompareSongsObjects(num, song, song + 1, mode);
-      (void)database.CompareSongsObjects(num, 0, song, mode);
+void ConvertTexts(const CiTunesDB &database) {
+  constexpr size_t kSome = 6;
+  for (size_t i = 0; i < std::min(kSome, database.songs.size()); ++i) {
+    for (const songInfo &other : database.songs[i].unknown) {
+      (void)ConvSJIS(other.obj, static_cast<int32_t>(other.enc));
     }
+    (void)ConvSJIS(database.songs[i].title.obj, static_cast<int32_t>(database.songs[i].title.enc));
   }
-  for (const int32_t num : {100, unknown, INT_MIN, INT_MAX}) {
-    (void)database.SongsObject(song, num);
-    (void)database.SongsUnknownObjectInfo(song, num);
-  }
-}
-
-void AskPlayList(CiTunesDB &database, int32_t list) {
-  (void)database.PlayListType(list);
-  (void)database.PlayListTypeII(list);
-  const songInfo &name = database.PlayListNameInfo(list);
-  (void)ConvSJIS(name.obj, static_cast<int32_t>(name.enc));
-  for (const int32_t at : {-1, 0, 1, 2, INT_MIN, INT_MAX}) {
-    const refidx *entry = database.Entry(list, at);
-    Require((entry == nullptr) == database.PLR(list, at), "PLR and Entry disagree");
-  }
-}
-
-void FindsEveryIDAtItsFirstSong(const CiTunesDB &database) {
-  const auto count = static_cast<int32_t>(std::min<size_t>(database.songs.size(), 200));
-  for (int32_t song = 0; song < count; ++song) {
-    const int32_t found = database.FindRefIdx(database.SongsID(song));
-    Require(found <= song && database.SongsID(found) == database.SongsID(song),
-            "FindRefIdx went past a song");
-  }
-}
-
-void ChangeRecords(CiTunesDB &database, std::string_view text) {
-  const auto songs = static_cast<int32_t>(database.songs.size());
-  for (const int32_t song : {-1, 0, songs - 1, songs}) {
-    for (int32_t num = -3; num <= 13; ++num) {
-      database.SetSongsObjectInfo(song, num, text, static_cast<uint32_t>(num));
-      database.SetSongsProp(song, num, static_cast<uint32_t>(song) * 7);
-    }
-  }
-  database.SetSongsObjectIndex();
 }
 
 void AskDatabase(CiTunesDB &database, std::string_view text) {
-  const auto songs = static_cast<int32_t>(database.songs.size());
-  for (int32_t song = -1; song < std::min(songs, kSome); ++song) AskSong(database, song);
-  for (const int32_t song : {songs - 1, songs, INT_MIN, INT_MAX - 1}) AskSong(database, song);
-  const auto lists = static_cast<int32_t>(database.plays.size());
-  for (int32_t list = -1; list < std::min(lists, kSome); ++list) AskPlayList(database, list);
-  for (const int32_t list : {lists - 1, lists, INT_MIN, INT_MAX}) AskPlayList(database, list);
-  FindsEveryIDAtItsFirstSong(database);
-  ChangeRecords(database, text);
-  FindsEveryIDAtItsFirstSong(database);
-  AskSong(database, 0);
+  const std::string fault = db_test::AskEverything(database);
+  Require(fault.empty(), fault);
+  ConvertTexts(database);
+  db_test::ChangeEverything(database, text);
+  const std::string late = db_test::AskEverything(database);
+  Require(late.empty(), late);
 }
 
 void TryLoader(uint8_t options, const std::string &file) {

@@ -1,10 +1,12 @@
 #include <array>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 #include "samples/GeneratedLibrary.h"
 #include "tests/db/DatabaseFiles.h"
 #include "tests/db/PlainRecords.h"
+#include "tests/db/Questions.h"
 #include "tests/model/Loader.h"
 
 namespace db_test {
@@ -12,8 +14,8 @@ namespace {
 
 using samples::Variant;
 
-// Whether the loader answers and leaves what the plain reader does, and never holds room for more records
-// than the file has bytes for.
+// Whether the loader answers and leaves what the plain reader does, never holds room for more records than
+// the file has bytes for, and leaves what can be asked.
 testing::AssertionResult ReadsAsTheModel(const std::string &file) {
   CiTunesDB database;
   model::Database expected;
@@ -33,7 +35,26 @@ testing::AssertionResult ReadsAsTheModel(const std::string &file) {
       database.plays.capacity() > std::max(room, 2 * database.plays.size())) {
     return testing::AssertionFailure() << "room for more records than the file could hold";
   }
+  const std::string fault = AskEverything(database);
+  if (!fault.empty()) return testing::AssertionFailure() << fault;
   return testing::AssertionSuccess();
+}
+
+// Where the words of all headers stand, whatever a chunk begins at: after an odd text that is no longer a
+// multiple of four.
+std::vector<size_t> HeaderWords(const std::string &file, Variant variant) {
+  std::vector<size_t> words;
+  const auto word = [&](size_t at) {
+    return FileWord(reinterpret_cast<const uint8_t *>(file.data()) + at,
+                    variant == Variant::LittleEndian ? 1 : 0);
+  };
+  size_t end = 0;
+  for (size_t chunk = 0; chunk < file.size(); chunk = end) {
+    const bool isObject = file.compare(chunk, 4, Tag(samples::Kind::Object, variant)) == 0;
+    end = chunk + word(chunk + (isObject ? 8 : 4));
+    for (size_t at = chunk; at + 4 <= end; at += 4) words.push_back(at);
+  }
+  return words;
 }
 
 class DamagedFile : public testing::TestWithParam<Variant> {};
@@ -59,13 +80,25 @@ TEST_P(DamagedFile, EveryWordMayBeHostile) {
   constexpr std::array<uint32_t, 9> kHostile{0,          1,          15,         16,        0x7fffffff,
                                              0x80000000, 0xfffffff0, 0xffffffff, 0x10000000};
   const std::string file = SmallLibrary(GetParam());
-  for (size_t at = 0; at + 4 <= file.size(); at += 4) {
+  for (const size_t at : HeaderWords(file, GetParam())) {
     for (const uint32_t value : kHostile) {
       samples::ChunkWriter word(GetParam());
       word.AppendWord(value);
       std::string damaged = file;
       damaged.replace(at, 4, word.Bytes());
       ASSERT_TRUE(ReadsAsTheModel(damaged)) << "word " << value << " at " << at;
+    }
+  }
+}
+
+TEST_P(DamagedFile, EveryByteMayBeHostile) {
+  const std::string file = SmallLibrary(GetParam());
+  for (size_t at = 0; at < file.size(); ++at) {
+    for (const char value : {'\x00', '\x7f', '\x80', '\xff'}) {
+      if (file[at] == value) continue;
+      std::string damaged = file;
+      damaged[at] = value;
+      ASSERT_TRUE(ReadsAsTheModel(damaged)) << "byte " << int{value} << " at " << at;
     }
   }
 }

@@ -69,13 +69,15 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswers0AndLeavesAValidDatabase) {
 
 TEST_P(OutOfMemory, NothingIsKeptPastTheDatabasesLife) {
   const MemoryFile file(File());
-  for (const long allocations : {0L, 1L, 2L, 5L, 10L, 50L, -1L}) {
+  int32_t result = 0;
+  for (long allocations = 0; result == 0; ++allocations) {
+    ASSERT_LT(allocations, 5000);
     const size_t before = support::BytesInUse();
     {
       CiTunesDB database;
-      (void)LoadWith(allocations, database, file.Stream());
+      result = LoadWith(allocations, database, file.Stream());
     }
-    EXPECT_EQ(support::BytesInUse(), before) << allocations;
+    ASSERT_EQ(support::BytesInUse(), before) << allocations;
   }
 }
 
@@ -103,35 +105,6 @@ TEST_P(OutOfMemory, NoWordOfAFileMakesTheLoadTakeMuchMemory) {
       ASSERT_LT(MemoryToLoad(damaged), limit) << "word " << value << " at " << at;
     }
   }
-}
-
-TEST_P(OutOfMemory, ObjectsThatAllClaimTheRestOfTheFileDoNotAddUp) {
-  constexpr uint32_t kObjects = 2000;
-  constexpr uint32_t kLength = 24;
-  samples::ChunkWriter out(GetParam());
-  samples::BeginFile(out, 1, 16);
-  out.Begin(samples::Kind::Track, 0xd4);
-  for (uint32_t i = 0; i < kObjects; ++i) {
-    samples::DataObject object = samples::RawObject(4, "");
-    // The body is as long as the object without its header, here all that is left of the file.
-    object.headerLength = kLength - (kObjects - 1 - i) * kLength;
-    AppendObject(out, object);
-  }
-  EXPECT_LT(MemoryToLoad(out.Bytes()), 40 * out.Size());
-}
-
-TEST_P(OutOfMemory, RepeatedListsDoNotAddUp) {
-  samples::ChunkWriter out(GetParam());
-  samples::BeginFile(out, 1, 16);
-  out.Begin(samples::Kind::DataSet, 16, 2);
-  for (int i = 0; i < 3000; ++i) {
-    for (const samples::Kind kind : {samples::Kind::TrackList, samples::Kind::PlaylistList}) {
-      out.PutWord(out.Begin(kind, 16) + 8, 0x7ffffff0);
-    }
-    out.Begin(samples::Kind::Track, 16);
-    out.Begin(samples::Kind::Playlist, 16);
-  }
-  EXPECT_LT(MemoryToLoad(out.Bytes()), out.Size() * (3 * (sizeof(CSongList) + sizeof(CPlayList)) / 16 + 64));
 }
 
 }  // namespace

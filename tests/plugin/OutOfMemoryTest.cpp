@@ -18,7 +18,10 @@ using support::Answer;
 class OutOfMemory : public PluginTestOfEachVariant {
  protected:
   OutOfMemory() {
-    Host().crossing = [](bool inHost) { support::PauseGranting(inHost); };
+    Host().crossing = [this](bool inHost) {
+      support::PauseGranting(inHost);
+      kept_ += (inHost ? 1 : -1) * static_cast<long>(support::BytesInUse());
+    };
     support::PauseGranting(true);
   }
   ~OutOfMemory() override {
@@ -35,7 +38,13 @@ class OutOfMemory : public PluginTestOfEachVariant {
     return answer;
   }
 
+  // The bytes that the plug-in has asked for in this test and not given back.
+  [[nodiscard]] long Kept() const { return kept_; }
+
   static constexpr const char *kLoad = "Load(f As FolderItem) As Boolean";
+
+ private:
+  long kept_ = 0;
 };
 
 INSTANTIATE_TEST_SUITE_P(Plugin, OutOfMemory, BothVariants(), VariantName);
@@ -60,6 +69,9 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
   const Model model = Model::Varied(GetParam());
   Write(model.File());
   const REALfolderItem item = Item(DatabasePath());
+  // What the file manager learns of directories it keeps for good.
+  Host().Delete(Loaded(model.File()));
+  const long kept = Kept();
   long allocations = 0;
   bool ranOutInTheLoader = false;
   for (; allocations < 3000; ++allocations) {
@@ -72,6 +84,8 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
       EXPECT_FALSE(AllocationFailed());
       EXPECT_EQ(Host().Call<int32_t>(object, "CountSongs As Integer"), model.Songs());
       ReleaseStringsFrom(strings);
+      Host().Delete(object);
+      EXPECT_EQ(Kept(), kept);
       break;
     }
     ASSERT_TRUE(AllocationFailed()) << allocations;
@@ -84,12 +98,13 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
     }
     ReleaseStringsFrom(strings);
     Host().Delete(object);
+    ASSERT_EQ(Kept(), kept) << allocations;
   }
   EXPECT_LT(allocations, 3000);
   EXPECT_TRUE(ranOutInTheLoader);
 }
 
-TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValue) {
+TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValueAndKeepsNothing) {
   (void)folder_.makeFile("iPod_Control/Music/F00/A.mp3");
   const REALobject object = Loaded(Model::Varied(GetParam()).File());
   const REALstring text = Host().MakeString(std::string(2000, 't'));
@@ -98,9 +113,11 @@ TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValue) {
     for (const std::array<int32_t, 3> &numbers : {std::array{0, 0, 7}, {1, 1, 1}, {2, 2, 8}, {99, 99, 99}}) {
       const support::Arguments arguments{.numbers = numbers, .text = text};
       const Answer whole = CallAny(Host(), object, declaration, arguments);
+      const long kept = Kept();
       for (long allocations = 0; allocations < 200; ++allocations) {
         const Answer answer = CallWith(allocations, object, declaration, arguments);
         ASSERT_TRUE(answer == whole || answer.IsNoValue()) << declaration << " with " << allocations;
+        ASSERT_EQ(Kept(), kept) << declaration << " with " << allocations;
         if (AllocationFailed()) continue;
         ASSERT_EQ(answer, whole) << declaration;
         break;
@@ -108,6 +125,22 @@ TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValue) {
     }
   }
   Host().Release(text);
+}
+
+TEST_P(OutOfMemory, EveryPropertyAnswersAndIsSet) {
+  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const HostText volume = Host().GetText(object, "VolumeName");
+  support::GrantAllocations(0);
+  for (const char *property : {"UseSJIS", "ResultEncode", "ZerobasePlayerlist"}) {
+    Host().Set<int32_t>(object, property, 1);
+    EXPECT_EQ(Host().Get<int32_t>(object, property), 1) << property;
+  }
+  EXPECT_EQ(Host().Get<int32_t>(object, "Error"), 0);
+  EXPECT_EQ(Host().Get<int32_t>(object, "LibType"), Little() ? 1 : 0);
+  EXPECT_EQ(Host().GetText(object, "VolumeName"), volume);
+  support::GrantAllAllocations();
+  EXPECT_FALSE(AllocationFailed()) << "a property needs no memory of the plug-in's own";
+  Host().Set<int32_t>(object, "ZerobasePlayerlist", 0);
 }
 
 TEST_P(OutOfMemory, LongTextsThatCannotBeMadeAreNoValue) {

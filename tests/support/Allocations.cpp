@@ -11,6 +11,8 @@ bool isPaused = false;
 bool hasFailed = false;
 size_t bytesInUse = 0;
 size_t mostBytesInUse = 0;
+size_t allocationsMade = 0;
+size_t bytesGranted = 0;
 
 // What stands before each block: its address from malloc and its size.
 struct Prefix {
@@ -30,6 +32,8 @@ void *Allocate(size_t size, size_t alignment = alignof(std::max_align_t)) noexce
   void *block = static_cast<Prefix *>(start) + 1;
   std::align(alignment, size, block, room);
   static_cast<Prefix *>(block)[-1] = {start, size};
+  ++allocationsMade;
+  bytesGranted += size;
   bytesInUse += size;
   if (bytesInUse > mostBytesInUse) mostBytesInUse = bytesInUse;
   return block;
@@ -102,6 +106,10 @@ bool AllocationFailed() { return hasFailed; }
 size_t BytesInUse() { return bytesInUse; }
 
 size_t MostBytesInUse() { return mostBytesInUse; }
+
+size_t AllocationsMade() { return allocationsMade; }
+
+size_t BytesGranted() { return bytesGranted; }
 
 void ForgetMostBytes() { mostBytesInUse = bytesInUse; }
 

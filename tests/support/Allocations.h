@@ -22,4 +22,8 @@ size_t BytesInUse();
 size_t MostBytesInUse();
 void ForgetMostBytes();
 
+// How many allocations were made since the program's start, and their bytes, whatever was freed since.
+size_t AllocationsMade();
+size_t BytesGranted();
+
 }  // namespace support

@@ -303,7 +303,10 @@ REALobject TestHost::New() {
 }
 
 SUPPORT_CALLS_SLOTS void TestHost::Delete(REALobject object) {
-  reinterpret_cast<void (*)(REALobject)>(class_->destructor)(object);
+  {
+    const InPlugin here(*this);
+    reinterpret_cast<void (*)(REALobject)>(class_->destructor)(object);
+  }
   const ObjectBlock &block = *objects_.at(object);
   const size_t dataEnd = dataOffset_ + static_cast<size_t>(class_->dataSize);
   for (size_t i = 0; i < block.size; ++i) {

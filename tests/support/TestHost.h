@@ -78,8 +78,8 @@ class TestHost {
   // What REALpathFromFolderItem answers instead of the item's own path; an empty optional is the null string.
   std::function<std::optional<std::string>()> pathOfItems{};
 
-  // Called with false each time that a called method starts or goes on to run, and with true each time that
-  // the host does.
+  // Called with false each time that a method, a property's accessor or the destructor starts or goes on to
+  // run, and with true each time that the host does.
   std::function<void(bool)> crossing{};
 
   // The class, once registered; the methods with three or four words each, as the version has it.
@@ -116,12 +116,14 @@ class TestHost {
   SUPPORT_CALLS_SLOTS Value Get(REALobject object, std::string_view property) {
     const PropertySlots slots = PropertyNamed(property);
     if (slots.getter == nullptr || !Fits(slots.type, KindOf<Value>())) throw std::logic_error(slots.name);
+    const InPlugin here(*this);
     return reinterpret_cast<Value (*)(REALobject, intptr_t)>(slots.getter)(object, 0);
   }
   template <typename Value>
   SUPPORT_CALLS_SLOTS void Set(REALobject object, std::string_view property, Value value) {
     const PropertySlots slots = PropertyNamed(property);
     if (slots.setter == nullptr || !Fits(slots.type, KindOf<Value>())) throw std::logic_error(slots.name);
+    const InPlugin here(*this);
     reinterpret_cast<void (*)(REALobject, intptr_t, Value)>(slots.setter)(object, 0, value);
   }
 

@@ -35,6 +35,12 @@ TEST(ProgramStyles, HeadingsAreBoldOnATerminalAndNothingElseIs) {
   }
 }
 
+TEST(ProgramStyles, EveryTableOfAReportHasABoldHeading) {
+  const std::string report = runZemhost({"check", kPlayer}, terminal({{"TERM", "xterm"}})).out;
+  for (const char *first : {"Chunk ", "Count "})
+    EXPECT_NE(report.find("\n" + kOn + first), std::string::npos) << first;
+}
+
 TEST(ProgramStyles, StylesTakeNoRoomFromALine) {
   RunOptions options = terminal({{"TERM", "xterm"}});
   options.terminalWidth = 60;

@@ -6,7 +6,6 @@
 #include "host/cli/commands/SongTable.h"
 #include "host/cli/text/DisplayText.h"
 #include "host/cli/text/Table.h"
-#include "host/cli/text/Terminal.h"
 
 namespace zemhost {
 
@@ -39,7 +38,7 @@ void writeChunks(const FileAccount &file, std::ostream &out) {
   for (const ChunkCount &count : file.chunks) {
     table.addRow({count.tag, count.meaning, std::to_string(count.chunks), std::to_string(count.bytes)});
   }
-  table.write(out, terminalWidth());
+  table.show(out);
 }
 
 void writeCounts(const CheckReport &report, std::ostream &out) {
@@ -52,7 +51,7 @@ void writeCounts(const CheckReport &report, std::ostream &out) {
     table.addRow({count.what, std::to_string(count.declared), std::to_string(count.found),
                   std::to_string(count.answered)});
   }
-  table.write(out, terminalWidth());
+  table.show(out);
 }
 
 void writeFindings(const Findings &findings, std::ostream &out) {

@@ -1,13 +1,11 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <unistd.h>
 
 #include "host/cli/ExitStatus.h"
 #include "host/cli/commands/Command.h"
 #include "host/cli/library/MusicLibrary.h"
 #include "host/cli/text/Table.h"
-#include "host/cli/text/Terminal.h"
 #include "host/cli/text/Units.h"
 
 namespace zemhost {
@@ -31,7 +29,7 @@ int listPlaylists(const std::string &path) {
                   std::to_string(library.entryCount(number)), totalTimeText(totals.duration),
                   totalSizeText(totals.size)});
   }
-  table.write(std::cout, terminalWidth(), showsStyles(STDOUT_FILENO));
+  table.show(std::cout);
   return kSuccess;
 }
 

@@ -3,7 +3,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/cli/text/Terminal.h"
 #include "host/cli/text/Units.h"
 
 namespace zemhost {
@@ -47,7 +46,7 @@ void SongTable::addMissingSong(int32_t number, int32_t trackID) {
 }
 
 void SongTable::write(std::ostream &out) const {
-  table_.write(out, terminalWidth(), showsStyles(STDOUT_FILENO));
+  table_.show(out);
   out << '\n' << countText(totals_.songs, "song", "songs");
   if (missing_ > 0) out << ", " << countText(missing_, "entry", "entries") << " without a song";
   out << ", " << totalTimeText(totals_.duration) << ", " << totalSizeText(totals_.size) << '\n';

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <unistd.h>
 #include <utility>
 
 #include "host/cli/text/DisplayText.h"
@@ -37,6 +38,8 @@ void Table::write(std::ostream &out, std::optional<size_t> width, bool boldHeadi
   out << (boldHeadings ? bold(heading) : heading) << '\n';
   for (const auto &row : rows_) out << rowText(row, slots, width) << '\n';
 }
+
+void Table::show(std::ostream &out) const { write(out, terminalWidth(), showsStyles(STDOUT_FILENO)); }
 
 std::vector<Table::Slot> Table::wholeColumns() const {
   std::vector<Slot> slots;

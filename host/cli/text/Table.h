@@ -33,6 +33,9 @@ class Table {
   // column is written whole. With one no line takes more terminal cells than that: columns that are empty
   // throughout or lose their place are left out, and texts are cut with an ellipsis.
   void write(std::ostream &out, std::optional<size_t> width, bool boldHeadings = false) const;
+  // Writes it as fits what standard output goes to: within a terminal's width, and with bold headings where
+  // the terminal shows styles.
+  void show(std::ostream &out) const;
 
  private:
   struct Slot {  // a column that is shown

@@ -91,7 +91,7 @@ size_t displayWidth(std::string_view text) {
 std::string cutToWidth(std::string_view text, size_t width) {
   if (width == 0) return {};
   if (text.size() <= width) return std::string(text);  // no character takes more cells than bytes
-  size_t used = 0;  // cells up to `at`
+  size_t used = 0;                                     // cells up to `at`
   size_t kept = 0;  // bytes of the longest beginning that leaves room for the ellipsis
   utf8proc_int32_t state = 0;
   utf8proc_int32_t previous = 0;

@@ -20,6 +20,7 @@ void addCommands(CLI::App &program, Action &action) {
   addPlaylistsCommand(program, action);
   addPlaylistCommand(program, action);
   addCheckCommand(program, action);
+  addExportCommand(program, action);
   addCallCommand(program, action);
   addClassCommand(program, action);
 }

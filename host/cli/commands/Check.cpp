@@ -34,7 +34,7 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
 }
 
 int check(const Arguments &arguments) {
-  OpenDatabase database = loadDatabase(arguments.path);
+  OpenDatabase database = loadDatabase(Host::load(), arguments.path);
   CheckReport report{database.location, database.compressed, accountOf(database), {}, {}, {}};
   report.findings = report.file.findings;
   if (database.bytesAfterStream > 0) {

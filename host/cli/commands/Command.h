@@ -14,6 +14,9 @@ using Action = std::function<int()>;
 // Adds the argument PATH, which every command that reads a database takes.
 void addPathArgument(CLI::App &command, std::string &path);
 
+// Adds the option --encoding; the name it gives stands in `encoding`, "UTF-8" at first.
+void addEncodingOption(CLI::App &command, std::string &encoding);
+
 // Each adds its command to the program; when the command line names it, it leaves its work in `action`, which
 // must outlive the program's parsing.
 void addSongsCommand(CLI::App &program, Action &action);
@@ -21,6 +24,7 @@ void addPlaylistsCommand(CLI::App &program, Action &action);
 void addPlaylistCommand(CLI::App &program, Action &action);
 void addInfoCommand(CLI::App &program, Action &action);
 void addCheckCommand(CLI::App &program, Action &action);
+void addExportCommand(CLI::App &program, Action &action);
 void addCallCommand(CLI::App &program, Action &action);
 void addClassCommand(CLI::App &program, Action &action);
 

@@ -1,9 +1,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "host/Error.h"
 #include "host/cli/ExitStatus.h"
 #include "host/cli/commands/Command.h"
 #include "host/cli/commands/SongTable.h"
@@ -18,21 +16,9 @@ struct Arguments {
   std::string playlist;
 };
 
-int32_t chosenPlaylist(const MusicLibrary &library, const std::string &wanted) {
-  std::vector<std::string> names;
-  const int32_t count = library.playlistCount();
-  names.reserve(static_cast<size_t>(count));
-  for (int32_t number = 0; number < count; ++number) names.push_back(library.playlistName(number));
-  try {
-    return choosePlaylist(names, wanted);
-  } catch (const HostError &error) {
-    throw HostError(library.location().name + ": " + error.what());
-  }
-}
-
 int listPlaylist(const Arguments &arguments) {
   const MusicLibrary library(openDatabase(arguments.path));
-  const int32_t playlist = chosenPlaylist(library, arguments.playlist);
+  const int32_t playlist = choosePlaylist(library, arguments.playlist);
   SongTable table;
   const int32_t count = library.entryCount(playlist);
   for (int32_t position = 0; position < count; ++position) {

@@ -50,6 +50,7 @@ void handleSignals() {
     sigaction(number, nullptr, &before);
     if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
   }
+  std::signal(SIGXFSZ, SIG_IGN);  // so that writing fails, which is told
 }
 
 void setInterruptionAdvice(const char *text) { advice = text; }

@@ -7,6 +7,7 @@ namespace zemhost {
 // From here on Ctrl-C, SIGTERM and SIGHUP remove what every TemporaryPath owns, write one line to standard
 // error and end the program as the signal would have done: a shell sees status 130, 143 or 129. SIGPIPE does
 // the same without a line. A signal that the program was started to ignore stays ignored.
+// Writing past a limit on the size of files becomes an error like a full disk.
 void handleSignals();
 
 // What stands after "interrupted" in that line, a text that outlives all signals, or null for nothing; and

@@ -43,8 +43,11 @@ uint32_t number(const Method &method, int32_t index) {
 // Every method looked up once.
 struct MusicLibrary::State {
   explicit State(OpenDatabase database)
-      : location(std::move(database.location)), object(std::move(database.object)) {}
+      : host(std::move(database.host)),
+        location(std::move(database.location)),
+        object(std::move(database.object)) {}
 
+  Host host;
   DatabaseLocation location;
   Object object;
   int32_t libType = object.get("LibType").integer();
@@ -89,6 +92,7 @@ MusicLibrary::MusicLibrary(OpenDatabase database)
 
 const DatabaseLocation &MusicLibrary::location() const { return state_->location; }
 const Object &MusicLibrary::object() const { return state_->object; }
+const Host &MusicLibrary::host() const { return state_->host; }
 int32_t MusicLibrary::libType() const { return state_->libType; }
 int32_t MusicLibrary::songCount() const { return state_->songCount().integer(); }
 int32_t MusicLibrary::playlistCount() const { return state_->playlistCount().integer(); }

@@ -46,6 +46,7 @@ class MusicLibrary {
 
   const DatabaseLocation &location() const;
   const Object &object() const;
+  const Host &host() const;
 
   int32_t libType() const;
   int32_t songCount() const;

@@ -59,8 +59,8 @@ FileAccount accountOf(const OpenDatabase &database) {
   }
 }
 
-OpenDatabase loadDatabase(const std::filesystem::path &path) {
-  OpenDatabase database{locateDatabase(path), Host::load().make("ZemiTunesDB"), {}, false, 0};
+OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database{host, locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0};
   const DatabaseLocation &location = database.location;
   const FileProbe probe = probeFile(location.file);
   if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
@@ -92,8 +92,10 @@ OpenDatabase loadDatabase(const std::filesystem::path &path) {
   return database;
 }
 
-OpenDatabase openDatabase(const std::filesystem::path &path) {
-  OpenDatabase database = loadDatabase(path);
+OpenDatabase openDatabase(const std::filesystem::path &path) { return openDatabase(Host::load(), path); }
+
+OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database = loadDatabase(host, path);
   const Reconciliation counts = reconcile(accountOf(database), database.object);
   if (!counts.agrees()) {
     printError(database.location.name + ": " + counts.summary() +

@@ -28,7 +28,7 @@ std::vector<int32_t> matches(const std::vector<std::string> &names, const Test &
   return found;
 }
 
-std::string quoted(std::string_view text) { return std::string("\"").append(text).append("\""); }
+std::string quotedText(std::string_view text) { return std::string("\"").append(text).append("\""); }
 
 }  // namespace
 
@@ -44,16 +44,28 @@ int32_t choosePlaylist(const std::vector<std::string> &names, std::string_view w
     }
   }
   if (found.empty()) {
-    throw HostError("no playlist is named " + quoted(wanted) + " or has that number; there are " +
+    throw HostError("no playlist is named " + quotedText(wanted) + " or has that number; there are " +
                     std::to_string(names.size()) + " of them");
   }
   if (found.size() == 1) return found.front();
   std::string list;
   for (const int32_t number : found) {
     if (!list.empty()) list += ", ";
-    list += std::to_string(number) + " " + quoted(names[static_cast<size_t>(number)]);
+    list += std::to_string(number) + " " + quotedText(names[static_cast<size_t>(number)]);
   }
-  throw HostError(quoted(wanted) + " may be any of the playlists " + list);
+  throw HostError(quotedText(wanted) + " may be any of the playlists " + list);
+}
+
+int32_t choosePlaylist(const MusicLibrary &library, std::string_view wanted) {
+  std::vector<std::string> names;
+  const int32_t count = library.playlistCount();
+  names.reserve(static_cast<size_t>(count));
+  for (int32_t number = 0; number < count; ++number) names.push_back(library.playlistName(number));
+  try {
+    return choosePlaylist(names, wanted);
+  } catch (const HostError &error) {
+    throw HostError(library.location().name + ": " + error.what());
+  }
 }
 
 }  // namespace zemhost

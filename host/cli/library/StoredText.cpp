@@ -1,5 +1,6 @@
 #include "host/cli/library/StoredText.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/cli/library/FileWord.h"
@@ -45,6 +46,24 @@ bool isUtf16OfAscii(std::string_view bytes) {
   return true;
 }
 
+// A record that fills the bytes exactly. Only a player's file, little-endian, has texts by number.
+bool isRecord(std::string_view bytes) {
+  return bytes.size() >= 16 && wordAt(bytes, 0, false) <= 3 && wordAt(bytes, 4, false) == bytes.size() - 16 &&
+         wordAt(bytes, 8, false) == 0 && wordAt(bytes, 12, false) == 0;
+}
+
+bool isControl(char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r'; }
+
+std::string hexadecimal(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text = "0x";
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    text.append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 15]);
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string songText(std::string_view bytes, uint32_t code, int32_t libType, size_t *lost) {
@@ -71,6 +90,18 @@ std::string pathText(std::string_view bytes, int32_t libType) {
   std::string units;
   for (const char byte : bytes) units.append(1, '\0').append(1, byte);
   return toUtf8(units, kUtf16, nullptr);
+}
+
+std::string otherText(std::string_view bytes) {
+  if (isRecord(bytes)) return recordText(bytes, false);
+  const Conversion text = convertText(bytes, kUtf16, kUtf8);
+  const bool isText = text.replacements == 0 && std::none_of(text.bytes.begin(), text.bytes.end(), isControl);
+  return isText ? text.bytes : hexadecimal(bytes);
+}
+
+std::string addressText(std::string_view bytes) {
+  const bool plain = isValidUtf8(bytes) && std::none_of(bytes.begin(), bytes.end(), isControl);
+  return plain ? std::string(bytes) : otherText(bytes);
 }
 
 }  // namespace zemhost

@@ -24,4 +24,12 @@ std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libT
 // A song's path on the device from the bytes that the class gives with ResultEncode 0x0600.
 std::string pathText(std::string_view bytes, int32_t libType);
 
+// A text that the class has by number (GetUnknown), from the bytes it gives with ResultEncode 0x0100; there
+// is no code for it. UTF-16 or an 8-bit record as above; bytes that are neither come as "0x" and their
+// hexadecimal digits.
+std::string otherText(std::string_view bytes);
+
+// The same of a number that holds an Internet address, which players store as plain bytes.
+std::string addressText(std::string_view bytes);
+
 }  // namespace zemhost

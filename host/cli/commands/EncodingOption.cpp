@@ -1,0 +1,13 @@
+#include "host/cli/commands/Command.h"
+
+namespace zemhost {
+
+void addEncodingOption(CLI::App &command, std::string &encoding) {
+  encoding = "UTF-8";
+  command.add_option(
+      "--encoding", encoding,
+      "Write text in this encoding: UTF-8, UTF-16, Shift_JIS by the plug-in's table, or one that "
+      "iconv knows [UTF-8]");
+}
+
+}  // namespace zemhost

@@ -1,0 +1,26 @@
+#include "host/cli/encoding/EncodedOutput.h"
+
+#include "host/cli/Messages.h"
+
+namespace zemhost {
+
+EncodedOutput::EncodedOutput(const std::string &encoding, const Host &host,
+                             const std::filesystem::path &target)
+    : encoder_(encoding, host), file_(target) {
+  file_.write(encoder_.mark());
+}
+
+void EncodedOutput::write(std::string_view text) {
+  if (encoder_.isUtf8()) {
+    file_.write(text);
+  } else {
+    file_.write(encoder_.encode(text));
+  }
+}
+
+void EncodedOutput::finish() {
+  file_.finish();
+  if (const auto report = encoder_.lossReport()) printError(*report);
+}
+
+}  // namespace zemhost

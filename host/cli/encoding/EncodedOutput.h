@@ -1,0 +1,36 @@
+#pragma once
+
+// Where a command writes its text: a file or standard output, in the encoding that was asked for.
+
+#include <filesystem>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "host/cli/encoding/TextEncoder.h"
+#include "host/cli/files/OutputFile.h"
+
+namespace zemhost {
+
+class EncodedOutput {
+ public:
+  // To a file, "-" or nothing for standard output. Throws as TextEncoder and OutputFile do.
+  EncodedOutput(const std::string &encoding, const Host &host, const std::filesystem::path &target = {});
+
+  // A text of the library as it will be shown: see TextEncoder::fit.
+  std::string fit(std::string_view text) { return encoder_.fit(text); }
+
+  // Writes UTF-8, whole characters each time. Throws HostError as OutputFile does.
+  void write(std::string_view text);
+
+  // Writes the rest, brings a file under its name, and says on standard error what had no place.
+  void finish();
+
+ private:
+  TextEncoder encoder_;
+  OutputFile file_;
+};
+
+}  // namespace zemhost

@@ -1,0 +1,331 @@
+#!/usr/bin/env python3
+"""Every export, read back by another reader, is song for song and field for field what the class answers."""
+
+import csv
+import datetime
+import io
+import json
+import os
+import sqlite3
+import tempfile
+import unittest
+
+import jsonschema
+
+from database_file import File
+from program import DESKTOP, PLAYER, SOURCE, FolderItem, answers, generated, real_files, run
+
+with open(os.path.join(SOURCE, "docs", "export-schema.json"), encoding="utf-8") as schema_file:
+    SCHEMA = json.load(schema_file)
+SONG = SCHEMA["$defs"]["song"]
+FIELDS = list(SONG["properties"])
+
+# Fields that are a method's answer and nothing else.
+WORDS = {"track": "GetNumOfTrack", "track_total": "GetTotalTrack", "year": "GetYear", "duration_ms": "GetDuration",
+         "size_bytes": "GetFileSize", "media_type": "GetMediaType", "title_encode": "GetTitleEncode",
+         "path_encode": "GetPathEncode", "album_encode": "GetAlbumEncode", "artist_encode": "GetArtistEncode",
+         "genre_encode": "GetGenreEncode", "composer_encode": "GetComposerEncode",
+         "file_type_encode": "GetFileTypeEncode"}
+TEXTS = {"title": "GetTitle", "artist": "GetArtist", "album": "GetAlbum", "genre": "GetGenre",
+         "composer": "GetComposer", "file_type": "GetFileType", "track_text": "GetTrackTotalInfo", "path": "GetPath",
+         "absolute_path": "GetAbsolutePath"}
+NUMBERED = {"comment": 8, "grouping": 13, "description": 14, "subtitle": 18, "album_artist": 22, "enclosure_url": 15,
+            "feed_url": 16}
+OTHERS = {"track_id": "GetID", "compilation": "GetCompilation", "numbered_texts": "CountSongUnknown",
+          "_bit_rate": "GetBitrate", "_sample_rate": "GetSamplerate", "_date": "GetDataAdded",
+          "_file": "GetFolderItem"}
+NUMBERS = range(0, 60)
+
+
+def unsigned(word):
+    return word & 0xFFFFFFFF
+
+
+def expected_songs(path, database_file):
+    """The songs as the class's answers make them, by methods that the export of a field does not use where there are
+    two ways, and by the file's own bytes where the class hands them on unconverted."""
+    library_type, count = answers(path, ["LibType", "CountSongs"])
+    lines, names = [], []
+    for name, method in {**WORDS, **TEXTS, **OTHERS}.items():
+        names.append(name)
+        lines.append(method + "({})")
+    for number in range(4):
+        names.append(f"prop_{number}")
+        lines.append(f"GetProp({{}}, {number})")
+    for number in NUMBERS:
+        names.append(("text", number))
+        lines.append(f"GetUnknown({{}}, {number})")
+    told = iter(answers(path, [line.format(song) for song in range(count) for line in lines]))
+    songs = []
+    for song in range(count):
+        have = {name: next(told) for name in names}
+        songs.append(expected_song(song, have, library_type, database_file))
+    by_id = {}
+    for song in songs:
+        by_id.setdefault(song["track_id"], song["song_index"])
+    flags = answers(path, [f"GetMovieFileFlag({song['track_id']})" for song in songs])
+    for song, flag in zip(songs, flags):
+        song["movie"] = flag if by_id[song["track_id"]] == song["song_index"] else None
+    return songs
+
+
+def expected_song(index, have, library_type, database_file):
+    raw = database_file.tracks[index]
+    song = {"song_index": index}
+    for name in WORDS:
+        song[name] = unsigned(have[name])
+    for name in TEXTS:
+        song[name] = have[name] or None
+    for name in ("title", "artist", "album", "genre", "composer"):
+        if have[name] is not None and have[name + "_encode"] == 0:  # bytes of the file, not yet words
+            song[name] = database_file.text(index, name)
+    for name in ("track_id", "compilation", "numbered_texts"):
+        song[name] = have[name]
+    for number in range(4):
+        song[f"prop_{number}"] = unsigned(have[f"prop_{number}"])
+
+    # A player's rates come with their bytes reversed.
+    def rate(word):
+        return int.from_bytes(unsigned(word).to_bytes(4, "big" if library_type == 0 else "little"), "big")
+
+    song["bit_rate_kbps"] = rate(have["_bit_rate"])
+    hertz = rate(have["_sample_rate"])
+    song["sample_rate_hz"] = (hertz >> 16) + (hertz >> 15 & 1)
+    seconds = unsigned(have["_date"])
+    moment = datetime.datetime(1904, 1, 1) + datetime.timedelta(seconds=seconds)
+    song["date_added"] = moment.isoformat() if seconds else None
+    assert seconds == int.from_bytes(raw["words"][0x20:0x24], "big" if library_type == 0 else "little")
+
+    texts = {number: have["text", number] for number in NUMBERS if have["text", number] is not None}
+    for number in (15, 16):
+        if number in texts:
+            texts[number] = raw["texts"][number]  # 8-bit, where the class can only read UTF-16
+    for name, number in NUMBERED.items():
+        song[name] = texts.pop(number, None)
+    song["other_texts"] = {str(number): text for number, text in texts.items()} or None
+
+    item = have["_file"]
+    assert item is None or isinstance(item, FolderItem)
+    song["file"] = item
+    return song
+
+
+def on_this_machine(song, path):
+    """The folder item's colon-separated path as this machine has it, below the player's root."""
+    if song["file"] is None or not os.path.isdir(path):
+        return None
+    volume, _, rest = song["file"].partition(":")
+    assert volume == os.path.basename(path)
+    return os.path.join(os.path.realpath(path), *(part.replace("/", ":") for part in rest.split(":")))
+
+
+def expected_playlists(path, database_file):
+    (count,) = answers(path, ["CountPlayLists"])
+    playlists = []
+    for number in range(count):
+        name, encode, type_1, type_2, entries = answers(path, [
+            f"GetPlayListName({number})", f"GetPlayListEncode({number})", f"GetPlayListTypeI({number})",
+            f"GetPlayListTypeII({number})", f"CountSongsInPlayList({number})"])
+        if unsigned(encode) not in (0x01000000, 1):
+            name = database_file.playlists[number]["name"]
+        told = iter(answers(path, [f"{method}({number}, {i})" for i in range(entries) for method in
+                                   ("GetIndex", "GetRefNum", "GetPlaySong", "GetFlags")]))
+        playlists.append({
+            "playlist_number": number, "name": name or None, "kind": "library" if number == 0 else "playlist",
+            "entry_count": entries, "type_1": unsigned(type_1), "type_2": unsigned(type_2),
+            "name_encode": unsigned(encode),
+            "entries": [{"position": i, "song_index": next(told), "track_id": next(told), "play": next(told),
+                         "flags": unsigned(next(told))} for i in range(entries)]})
+    return playlists
+
+
+def in_csv(value):
+    if value is None:
+        return ""
+    if isinstance(value, bool):
+        return "true" if value else "false"
+    return value if isinstance(value, str) else str(value)
+
+
+def of_each_database(test):
+    """Runs a test for every database in turn."""
+
+    def run_all(self):
+        for path, (songs, playlists) in self.databases.items():
+            with self.subTest(os.path.basename(path)):
+                test(self, path, songs, playlists)
+
+    return run_all
+
+
+class ReadBack(unittest.TestCase):
+    maxDiff = 3000
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        little = generated(os.path.join(cls.folder.name, "little.itunesdb"), 300, 4, 40, "little")
+        big = generated(os.path.join(cls.folder.name, "big.library"), 60, 3, 20, "big")
+        cls.databases = {}
+        for path in [PLAYER, DESKTOP, little, big] + real_files():
+            file = File(os.path.join(path, "iPod_Control", "iTunes", "iTunesDB") if path == PLAYER else path)
+            songs = expected_songs(path, file)
+            playlists = expected_playlists(path, file)
+            for song in songs:
+                song["file"] = on_this_machine(song, path)
+            ids = {}
+            for song in songs:
+                ids.setdefault(song["track_id"], song["song_index"])
+            for playlist in playlists:
+                for entry in playlist["entries"]:  # the class answers 0 where no song has the ID
+                    if entry["song_index"] != ids.get(entry["track_id"]):
+                        assert entry["song_index"] == 0 and entry["track_id"] not in ids
+                        entry["song_index"] = None
+            cls.databases[path] = (songs, playlists)
+
+    def export(self, path, *options):
+        done = run("export", path, *options)
+        self.assertEqual((done.status, done.message), (0, ""))
+        return done.text
+
+    def assert_songs(self, got, expected):
+        self.assertEqual(len(got), len(expected))
+        for one, other in zip(got, expected):
+            self.assertEqual(list(one), FIELDS)
+            self.assertEqual(one, {name: other[name] for name in FIELDS})
+
+    def test_libraries_hold_what_the_checks_are_about(self):
+        """Without this the comparisons could pass over nothing."""
+        songs, playlists = self.databases[PLAYER]
+        self.assertEqual((len(songs), len(playlists)), (29, 7))
+        self.assertEqual(songs[0]["date_added"], "2005-03-12T00:00:00")  # the day the sample was given
+        self.assertEqual(songs[27]["enclosure_url"], "http://attic-radio.example/episodes/12.mp3")
+        self.assertTrue(any(song["compilation"] for song in songs))
+        self.assertTrue(any(song["movie"] for song in songs))
+        self.assertTrue(any(song["title_encode"] == 0 for song in self.databases[DESKTOP][0]))
+
+    @of_each_database
+    def test_json(self, path, songs, playlists):
+        jsonschema.Draft202012Validator.check_schema(SCHEMA)
+        validator = jsonschema.Draft202012Validator(SCHEMA)
+        got = json.loads(self.export(path, "--format", "json"))
+        for error in validator.iter_errors(got):
+            self.fail(error.message)
+        self.assert_songs(got["songs"], songs)
+        self.assertEqual(got["playlists"], playlists)
+
+    @of_each_database
+    def test_ndjson(self, path, songs, playlists):
+        validator = jsonschema.Draft202012Validator({**SONG, "$defs": SCHEMA["$defs"]})
+        lines = self.export(path, "--format", "ndjson").split("\n")
+        self.assertEqual(lines.pop(), "")
+        got = [json.loads(line) for line in lines]
+        for song in got[:100]:
+            validator.validate(song)
+        self.assert_songs(got, songs)
+
+    @of_each_database
+    def test_csv(self, path, songs, playlists):
+        text = self.export(path, "--format", "csv")
+        rows = list(csv.reader(io.StringIO(text, newline=""), strict=True))
+        self.assertEqual(rows[0], FIELDS)
+        self.assertEqual(text.count("\r\n"), len(songs) + 1)
+        self.assertEqual(text.count("\n"), len(songs) + 1)
+        self.assertEqual(len(rows), len(songs) + 1)
+        place = FIELDS.index("other_texts")
+        for row, song in zip(rows[1:], songs):
+            others = row.pop(place)
+            self.assertEqual(json.loads(others) if others else None, song["other_texts"])
+            self.assertEqual(row, [in_csv(song[name]) for name in FIELDS if name != "other_texts"])
+
+    @of_each_database
+    def test_sqlite(self, path, songs, playlists):
+        file = os.path.join(self.folder.name, "library.sqlite")
+        self.export(path, "--format", "sqlite", "-o", file)
+        database = sqlite3.connect(file)
+        database.row_factory = sqlite3.Row
+        self.assertEqual([tuple(row) for row in database.execute("PRAGMA integrity_check")], [("ok",)])
+        self.assertEqual(list(database.execute("PRAGMA foreign_key_check")), [])
+        got = []
+        for row in database.execute("SELECT * FROM songs ORDER BY rowid"):
+            song = dict(row)
+            song["compilation"] = bool(song["compilation"])
+            song["movie"] = None if song["movie"] is None else bool(song["movie"])
+            song["other_texts"] = song["other_texts"] and json.loads(song["other_texts"])
+            got.append(song)
+        self.assert_songs(got, songs)
+        lists = [dict(row) for row in database.execute("SELECT * FROM playlists ORDER BY playlist_number")]
+        for row in lists:
+            row["entries"] = [{**dict(entry), "play": bool(entry["play"])} for entry in database.execute(
+                "SELECT position, song_index, track_id, play, flags FROM entries WHERE playlist_number = ? "
+                "ORDER BY position", [row["playlist_number"]])]
+        self.assertEqual(lists, playlists)
+        tables = {table: {(row["from"], row["table"], row["to"]) for row in
+                          database.execute(f"PRAGMA foreign_key_list({table})")} for table in ["entries"]}
+        self.assertEqual(tables["entries"], {("song_index", "songs", "song_index"),
+                                             ("playlist_number", "playlists", "playlist_number")})
+        for query in ("SELECT * FROM songs WHERE artist = 'x'", "SELECT * FROM songs WHERE track_id = 1",
+                      "SELECT * FROM entries WHERE song_index = 1"):
+            plan = " ".join(row["detail"] for row in database.execute("EXPLAIN QUERY PLAN " + query))
+            self.assertIn("USING INDEX", plan)
+        database.close()
+
+    def m3u(self, text):
+        lines = text.split("\n")
+        self.assertEqual((lines[0], lines.pop()), ("#EXTM3U", ""))
+        self.assertEqual(len(lines) % 2, 1)
+        return list(zip(lines[1::2], lines[2::2]))
+
+    @of_each_database
+    def test_m3u8(self, path, songs, playlists):
+        done = run("export", path, "--format", "m3u8", "--paths", "device")
+        got = self.m3u(done.text)
+        with_path = [song for song in songs if song["path"]]
+        left_out = len(songs) - len(with_path)
+        self.assertEqual(done.status, 0)
+        self.assertEqual(f": {left_out} song" in done.message, left_out != 0)
+        self.assertEqual(len(got), len(with_path))
+        for (line, file), song in zip(got, with_path):
+            seconds = (song["duration_ms"] + 500) // 1000 if song["duration_ms"] else -1
+            artist = song["artist"] + " - " if song["artist"] else ""
+            title = song["title"] or song["path"].rpartition(":")[2]
+            self.assertEqual(line, f"#EXTINF:{seconds},{artist}{title}")
+            self.assertEqual(file, song["path"].replace(":", "/"))
+
+    def test_m3u8_names_files_of_this_machine(self):
+        songs, playlists = self.databases[PLAYER]
+        for playlist in playlists:
+            number = playlist["playlist_number"]
+            expected = [songs[entry["song_index"]]["file"] for entry in playlist["entries"]]
+            host = self.m3u(self.export(PLAYER, "--format", "m3u8", "--playlist", str(number)))
+            self.assertEqual([file for _, file in host], expected)
+            lists = os.path.join(self.folder.name, "a", "b")
+            os.makedirs(lists, exist_ok=True)
+            file = os.path.join(lists, "list.m3u8")
+            self.export(PLAYER, "--format", "m3u8", "--playlist", str(number), "--paths", "relative", "-o", file)
+            with open(file, encoding="utf-8", newline="") as text:
+                relative = self.m3u(text.read())
+            self.assertFalse(any(os.path.isabs(name) for _, name in relative))
+            self.assertEqual([os.path.normpath(os.path.join(os.path.realpath(lists), name)) for _, name in relative],
+                             expected)
+        found = [os.path.isfile(song["file"]) for song in songs]
+        self.assertEqual(found.count(False), 1)  # the one song whose file the sample lacks
+
+    @of_each_database
+    def test_one_playlist(self, path, songs, playlists):
+        for playlist in playlists:
+            number = str(playlist["playlist_number"])
+            order = [entry["song_index"] for entry in playlist["entries"] if entry["song_index"] is not None]
+            if len(order) != len(playlist["entries"]):
+                continue  # the rest is told on standard error: see the other tests
+            rows = list(csv.DictReader(io.StringIO(self.export(
+                path, "--format", "csv", "--playlist", number, "--fields", "track_id,song_index"), newline="")))
+            self.assertEqual([row["song_index"] for row in rows], list(map(str, order)))
+            got = json.loads(self.export(path, "--format", "json", "--playlist", number))
+            self.assertEqual(got["playlists"], [playlist])
+            self.assert_songs(got["songs"], [songs[index] for index in dict.fromkeys(order)])
+
+
+if __name__ == "__main__":
+    unittest.main()

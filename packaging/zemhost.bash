@@ -5,6 +5,8 @@ _zemhost_options() {
   case $1 in
     '') echo '-h --help --version' ;;
     check) echo '-h --help --json' ;;
+    export) echo '-h --help --format -o --output --playlist --fields --paths --encoding' ;;
+    info | songs | playlists | playlist) echo '-h --help --encoding' ;;
     *) echo '-h --help' ;;
   esac
 }
@@ -13,6 +15,10 @@ _zemhost_options() {
 # and nothing for an option that takes no value.
 _zemhost_values() {
   case $1:$2 in
+    export:--format) echo 'csv json ndjson m3u8 sqlite' ;;
+    export:--paths) echo 'host relative device' ;;
+    export:-o | export:--output) echo FILE ;;
+    export:--playlist | export:--fields | *:--encoding) echo TEXT ;;
     *) ;;
   esac
 }
@@ -38,7 +44,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call check class info playlist playlists songs' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class export info playlist playlists songs' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -17,6 +17,13 @@ void addPathArgument(CLI::App &command, std::string &path);
 // Adds the option --encoding; the name it gives stands in `encoding`, "UTF-8" at first.
 void addEncodingOption(CLI::App &command, std::string &encoding);
 
+// What a command takes that shows texts of a database and nothing more.
+struct ListingArguments {
+  std::string path;
+  std::string encoding;
+};
+void addListingArguments(CLI::App &command, ListingArguments &arguments);
+
 // Each adds its command to the program; when the command line names it, it leaves its work in `action`, which
 // must outlive the program's parsing.
 void addSongsCommand(CLI::App &program, Action &action);

@@ -10,4 +10,9 @@ void addEncodingOption(CLI::App &command, std::string &encoding) {
       "iconv knows [UTF-8]");
 }
 
+void addListingArguments(CLI::App &command, ListingArguments &arguments) {
+  addPathArgument(command, arguments.path);
+  addEncodingOption(command, arguments.encoding);
+}
+
 }  // namespace zemhost

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,7 +22,7 @@ struct Arguments {
   std::string output;
   std::string playlist;
   std::vector<std::string> fields;
-  M3uPaths paths = M3uPaths::Host;
+  std::string paths = "host";
   std::string encoding;
 
   bool writesStandardOutput() const { return output.empty() || output == "-"; }
@@ -62,16 +61,22 @@ class Selection {
   int32_t playlist_;
 };
 
+M3uPaths pathsNamed(const std::string &name) {
+  if (name == "device") return M3uPaths::Device;
+  return name == "relative" ? M3uPaths::Relative : M3uPaths::Host;
+}
+
 void writeM3u(const MusicLibrary &library, const Selection &selection, const Arguments &arguments) {
   EncodedOutput out(arguments.encoding, library.host(), arguments.output);
   std::filesystem::path folder = std::filesystem::current_path();
   if (!arguments.writesStandardOutput()) folder /= std::filesystem::path(arguments.output).parent_path();
-  M3uExport list(library, out, arguments.paths, folder);
+  const M3uPaths paths = pathsNamed(arguments.paths);
+  M3uExport list(library, out, paths, folder);
   selection.eachSong([&](int32_t song) { list.addSong(song); });
   out.finish();
   if (list.leftOut() != 0) {
     printError(library.location().name + ": " + countText(list.leftOut(), "song", "songs") + " left out: " +
-               (arguments.paths == M3uPaths::Device
+               (paths == M3uPaths::Device
                     ? "no path is known"
                     : "the path names no place on this machine; --paths device lists what is known"));
   }
@@ -168,14 +173,13 @@ void addExportCommand(CLI::App &program, Action &action) {
   command
       ->add_option("--fields", arguments->fields,
                    "The fields of a song, in order, with commas between; else all of them")
-      ->delimiter(',');
-  static const std::map<std::string, M3uPaths> kPaths = {
-      {"host", M3uPaths::Host}, {"relative", M3uPaths::Relative}, {"device", M3uPaths::Device}};
+      ->delimiter(',')
+      ->allow_extra_args(false);
   command
       ->add_option("--paths", arguments->paths,
                    "Paths in m3u8: host (files on this machine), relative (from the list's folder) or device "
                    "(as on the player) [host]")
-      ->transform(CLI::CheckedTransformer(kPaths));
+      ->check(CLI::IsMember({"host", "relative", "device"}));
   addEncodingOption(*command, arguments->encoding);
   command->callback([arguments, command, &action] {
     checkArguments(*command, *arguments);

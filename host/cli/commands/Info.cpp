@@ -1,10 +1,10 @@
-#include <iostream>
 #include <memory>
 #include <string>
 
 #include "host/cli/ExitStatus.h"
 #include "host/cli/commands/Command.h"
 #include "host/cli/commands/SongTable.h"
+#include "host/cli/encoding/EncodedOutput.h"
 #include "host/cli/library/MusicLibrary.h"
 #include "host/cli/text/DisplayText.h"
 #include "host/cli/text/Units.h"
@@ -13,16 +13,14 @@ namespace zemhost {
 
 namespace {
 
-void writeLine(const char *label, const std::string &text) { std::cout << label << safeText(text) << '\n'; }
-
 // What the class calls the volume of a file that lies on no player is the file's own path or name.
 std::string volumeText(const MusicLibrary &library) {
   if (library.location().volumeRoot.empty()) return "none, a database file by itself";
   return library.object().get("VolumeName").text();
 }
 
-int showInfo(const std::string &path) {
-  const MusicLibrary library(openDatabase(path));
+int showInfo(const ListingArguments &arguments) {
+  const MusicLibrary library(openDatabase(arguments.path));
   Totals totals;
   const int32_t songs = library.songCount();
   for (int32_t index = 0; index < songs; ++index) totals.add(library.duration(index), library.size(index));
@@ -30,6 +28,10 @@ int showInfo(const std::string &path) {
   int64_t entries = 0;
   for (int32_t number = 0; number < playlists; ++number) entries += library.entryCount(number);
 
+  EncodedOutput out(arguments.encoding, library.host());
+  const auto writeLine = [&out](const char *label, const std::string &text) {
+    out.write(label + out.fit(safeText(text)) + "\n");
+  };
   writeLine("Database   ", library.location().file.string());
   writeLine("Volume     ", volumeText(library));
   writeLine("Variant    ", variantText(library.libType() == 0));
@@ -38,16 +40,17 @@ int showInfo(const std::string &path) {
                                (entries == 1 ? " entry" : " entries"));
   writeLine("Time       ", totalTimeText(totals.duration));
   writeLine("Size       ", totalSizeText(totals.size));
+  out.finish();
   return kSuccess;
 }
 
 }  // namespace
 
 void addInfoCommand(CLI::App &program, Action &action) {
-  const auto path = std::make_shared<std::string>();
+  const auto arguments = std::make_shared<ListingArguments>();
   CLI::App *const command = program.add_subcommand("info", "Sum up a player or database");
-  addPathArgument(*command, *path);
-  command->callback([path, &action] { action = [path] { return showInfo(*path); }; });
+  addListingArguments(*command, *arguments);
+  command->callback([arguments, &action] { action = [arguments] { return showInfo(*arguments); }; });
 }
 
 }  // namespace zemhost

@@ -1,4 +1,3 @@
-#include <iostream>
 #include <memory>
 #include <string>
 
@@ -14,12 +13,14 @@ namespace {
 struct Arguments {
   std::string path;
   std::string playlist;
+  std::string encoding;
 };
 
 int listPlaylist(const Arguments &arguments) {
   const MusicLibrary library(openDatabase(arguments.path));
   const int32_t playlist = choosePlaylist(library, arguments.playlist);
-  SongTable table;
+  EncodedOutput out(arguments.encoding, library.host());
+  SongTable table(out);
   const int32_t count = library.entryCount(playlist);
   for (int32_t position = 0; position < count; ++position) {
     const PlaylistEntry entry = library.entry(playlist, position);
@@ -29,7 +30,7 @@ int listPlaylist(const Arguments &arguments) {
       table.addSong(position, library.song(entry.song));
     }
   }
-  table.write(std::cout);
+  table.finish();
   return kSuccess;
 }
 
@@ -41,6 +42,7 @@ void addPlaylistCommand(CLI::App &program, Action &action) {
   addPathArgument(*command, arguments->path);
   command->add_option("PLAYLIST", arguments->playlist, "Its number, its name, or the beginning of its name")
       ->required();
+  addEncodingOption(*command, arguments->encoding);
   command->callback([arguments, &action] { action = [arguments] { return listPlaylist(*arguments); }; });
 }
 

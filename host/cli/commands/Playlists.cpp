@@ -1,9 +1,9 @@
-#include <iostream>
 #include <memory>
 #include <string>
 
 #include "host/cli/ExitStatus.h"
 #include "host/cli/commands/Command.h"
+#include "host/cli/encoding/EncodedOutput.h"
 #include "host/cli/library/MusicLibrary.h"
 #include "host/cli/text/Table.h"
 #include "host/cli/text/Units.h"
@@ -12,15 +12,17 @@ namespace zemhost {
 
 namespace {
 
-int listPlaylists(const std::string &path) {
-  const MusicLibrary library(openDatabase(path));
+int listPlaylists(const ListingArguments &arguments) {
+  const MusicLibrary library(openDatabase(arguments.path));
+  EncodedOutput out(arguments.encoding, library.host());
   using enum Column::Align;
   Table table({{"#", Right, 0, 0},
                {"Name", Left, 12, 0},
                {"Kind", Left, 0, 3},
                {"Songs", Right, 0, 0},
                {"Time", Right, 0, 1},
-               {"Size", Right, 0, 2}});
+               {"Size", Right, 0, 2}},
+              out.fitCells());
   const int32_t count = library.playlistCount();
   for (int32_t number = 0; number < count; ++number) {
     const Totals totals = library.playlistTotals(number);
@@ -29,17 +31,18 @@ int listPlaylists(const std::string &path) {
                   std::to_string(library.entryCount(number)), totalTimeText(totals.duration),
                   totalSizeText(totals.size)});
   }
-  table.show(std::cout);
+  out.write(table);
+  out.finish();
   return kSuccess;
 }
 
 }  // namespace
 
 void addPlaylistsCommand(CLI::App &program, Action &action) {
-  const auto path = std::make_shared<std::string>();
+  const auto arguments = std::make_shared<ListingArguments>();
   CLI::App *const command = program.add_subcommand("playlists", "List the playlists of a player or database");
-  addPathArgument(*command, *path);
-  command->callback([path, &action] { action = [path] { return listPlaylists(*path); }; });
+  addListingArguments(*command, *arguments);
+  command->callback([arguments, &action] { action = [arguments] { return listPlaylists(*arguments); }; });
 }
 
 }  // namespace zemhost

@@ -27,7 +27,7 @@ std::string trackText(const Song &song) {
 
 }  // namespace
 
-SongTable::SongTable() : table_(songColumns()) {}
+SongTable::SongTable(EncodedOutput &out) : out_(out), table_(songColumns(), out.fitCells()) {}
 
 void SongTable::addSong(int32_t number, const Song &song) {
   totals_.add(song.duration, song.size);
@@ -45,11 +45,13 @@ void SongTable::addMissingSong(int32_t number, int32_t trackID) {
   table_.addRow(std::move(cells));
 }
 
-void SongTable::write(std::ostream &out) const {
-  table_.show(out);
-  out << '\n' << countText(totals_.songs, "song", "songs");
-  if (missing_ > 0) out << ", " << countText(missing_, "entry", "entries") << " without a song";
-  out << ", " << totalTimeText(totals_.duration) << ", " << totalSizeText(totals_.size) << '\n';
+void SongTable::finish() {
+  out_.write(table_);
+  std::string line = countText(totals_.songs, "song", "songs");
+  if (missing_ > 0) line += ", " + countText(missing_, "entry", "entries") + " without a song";
+  out_.write("\n");
+  out_.write(line + ", " + totalTimeText(totals_.duration) + ", " + totalSizeText(totals_.size) + "\n");
+  out_.finish();
 }
 
 std::string variantText(bool bigEndian) {

@@ -3,9 +3,9 @@
 // How songs are shown, wherever they are listed.
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 
+#include "host/cli/encoding/EncodedOutput.h"
 #include "host/cli/library/MusicLibrary.h"
 #include "host/cli/text/Table.h"
 
@@ -13,7 +13,7 @@ namespace zemhost {
 
 class SongTable {
  public:
-  SongTable();
+  explicit SongTable(EncodedOutput &out);
 
   // One row, and its share in the totals. `number` is what stands in the first column.
   void addSong(int32_t number, const Song &song);
@@ -21,9 +21,11 @@ class SongTable {
   void addMissingSong(int32_t number, int32_t trackID);
 
   // Writes the table, to the terminal's width when standard output is one, and a line that sums it up.
-  void write(std::ostream &out) const;
+  // Nothing can be written to the output after it.
+  void finish();
 
  private:
+  EncodedOutput &out_;
   Table table_;
   Totals totals_;
   uint64_t missing_ = 0;

@@ -1,4 +1,3 @@
-#include <iostream>
 #include <memory>
 #include <string>
 
@@ -10,22 +9,23 @@ namespace zemhost {
 
 namespace {
 
-int listSongs(const std::string &path) {
-  const MusicLibrary library(openDatabase(path));
-  SongTable table;
+int listSongs(const ListingArguments &arguments) {
+  const MusicLibrary library(openDatabase(arguments.path));
+  EncodedOutput out(arguments.encoding, library.host());
+  SongTable table(out);
   const int32_t count = library.songCount();
   for (int32_t index = 0; index < count; ++index) table.addSong(index, library.song(index));
-  table.write(std::cout);
+  table.finish();
   return kSuccess;
 }
 
 }  // namespace
 
 void addSongsCommand(CLI::App &program, Action &action) {
-  const auto path = std::make_shared<std::string>();
+  const auto arguments = std::make_shared<ListingArguments>();
   CLI::App *const command = program.add_subcommand("songs", "List the songs of a player or database");
-  addPathArgument(*command, *path);
-  command->callback([path, &action] { action = [path] { return listSongs(*path); }; });
+  addListingArguments(*command, *arguments);
+  command->callback([arguments, &action] { action = [arguments] { return listSongs(*arguments); }; });
 }
 
 }  // namespace zemhost

@@ -1,5 +1,7 @@
 #include "host/cli/encoding/EncodedOutput.h"
 
+#include <sstream>
+
 #include "host/cli/Messages.h"
 
 namespace zemhost {
@@ -16,6 +18,17 @@ void EncodedOutput::write(std::string_view text) {
   } else {
     file_.write(encoder_.encode(text));
   }
+}
+
+void EncodedOutput::write(const Table &table) {
+  std::ostringstream text;
+  table.show(text);
+  write(text.str());
+}
+
+Table::Fit EncodedOutput::fitCells() {
+  if (encoder_.isUtf8()) return {};
+  return [this](const std::string &cell) { return fit(cell); };
 }
 
 void EncodedOutput::finish() {

@@ -3,14 +3,12 @@
 // Where a command writes its text: a file or standard output, in the encoding that was asked for.
 
 #include <filesystem>
-#include <memory>
-#include <ostream>
-#include <sstream>
 #include <string>
 #include <string_view>
 
 #include "host/cli/encoding/TextEncoder.h"
 #include "host/cli/files/OutputFile.h"
+#include "host/cli/text/Table.h"
 
 namespace zemhost {
 
@@ -21,9 +19,13 @@ class EncodedOutput {
 
   // A text of the library as it will be shown: see TextEncoder::fit.
   std::string fit(std::string_view text) { return encoder_.fit(text); }
+  // The same as what a table does to its cells; it must not outlive this object.
+  Table::Fit fitCells();
 
   // Writes UTF-8, whole characters each time. Throws HostError as OutputFile does.
   void write(std::string_view text);
+  // A table, to the terminal's width when standard output is one.
+  void write(const Table &table);
 
   // Writes the rest, brings a file under its name, and says on standard error what had no place.
   void finish();

@@ -109,8 +109,8 @@ class TextEncoder::ShiftJisCodec final : public Codec {
 
  private:
   bool hasPlace(char32_t c, uint64_t &lost) {
-    if (c == 0 || !table_.bytesOf(c).empty()) return true;
-    ++lost;
+    if (!table_.bytesOf(c).empty()) return true;
+    if (c != U'\uFFFD') ++lost;  // that one stands for a loss already
     return false;
   }
 
@@ -132,7 +132,8 @@ class TextEncoder::IconvCodec final : public Codec {
   std::string fit(std::string_view utf8, uint64_t &lost) override {
     uint64_t here = 0;
     const std::string bytes = encode(utf8, here);
-    if (here == 0) return std::string(utf8);
+    constexpr std::string_view kEarlierLoss = "\uFFFD";
+    if (here == 0 && utf8.find(kEarlierLoss) == std::string_view::npos) return std::string(utf8);
     lost += here;
     size_t ignored = 0;
     std::string text;

@@ -93,7 +93,7 @@ std::string pathText(std::string_view bytes, int32_t libType) {
 }
 
 std::string otherText(std::string_view bytes) {
-  if (isRecord(bytes)) return recordText(bytes, false);
+  if (isRecord(bytes)) return recordText(bytes, false, nullptr);
   const Conversion text = convertText(bytes, kUtf16, kUtf8);
   const bool isText = text.replacements == 0 && std::none_of(text.bytes.begin(), text.bytes.end(), isControl);
   return isText ? text.bytes : hexadecimal(bytes);

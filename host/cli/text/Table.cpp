@@ -16,7 +16,8 @@ constexpr std::string_view kGap = "  ";
 
 }  // namespace
 
-Table::Table(std::vector<Column> columns) : columns_(std::move(columns)), used_(columns_.size()) {
+Table::Table(std::vector<Column> columns, Fit fit)
+    : columns_(std::move(columns)), fit_(std::move(fit)), used_(columns_.size()) {
   for (const Column &column : columns_) widths_.push_back(displayWidth(column.heading));
 }
 
@@ -24,6 +25,7 @@ void Table::addRow(std::vector<std::string> cells) {
   if (cells.size() != columns_.size()) throw std::invalid_argument("a table row needs one cell per column");
   for (size_t i = 0; i < cells.size(); ++i) {
     cells[i] = safeText(cells[i]);
+    if (fit_) cells[i] = fit_(cells[i]);
     widths_[i] = std::max(widths_[i], displayWidth(cells[i]));
     if (!cells[i].empty()) used_[i] = true;
   }

@@ -3,6 +3,7 @@
 // Aligned columns of text on a terminal or in a pipe.
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -23,10 +24,13 @@ struct Column {
 
 class Table {
  public:
-  explicit Table(std::vector<Column> columns);
+  // What is done to each cell's text once it is safe for a terminal.
+  using Fit = std::function<std::string(const std::string &)>;
 
-  // Adds a row of one cell per column, made safe for a terminal. Throws std::invalid_argument for another
-  // number of cells.
+  explicit Table(std::vector<Column> columns, Fit fit = {});
+
+  // Adds a row of one cell per column, made safe for a terminal, then fitted. Throws std::invalid_argument
+  // for another number of cells.
   void addRow(std::vector<std::string> cells);
 
   // Writes headings and rows, one a line, no blanks at the end of a line. Without a width every cell of every
@@ -49,6 +53,7 @@ class Table {
                       std::optional<size_t> width) const;
 
   std::vector<Column> columns_;
+  Fit fit_;
   std::vector<size_t> widths_;  // of the widest cell or heading of each column
   std::vector<bool> used_;      // whether any cell of the column holds text
   std::vector<std::vector<std::string>> rows_;

@@ -11,6 +11,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 add_library(zem_options INTERFACE)
 target_compile_options(zem_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 target_include_directories(zem_options INTERFACE ${PROJECT_SOURCE_DIR})
+# Files, inode numbers and directory entries of large disks, on 32-bit machines too.
+target_compile_definitions(zem_options INTERFACE _FILE_OFFSET_BITS=64)
 
 # zem_add_library(NAME SOURCES... [LIBS ...]): a static library of one folder, linked by the plug-in and by tests.
 function(zem_add_library name)
@@ -20,11 +22,24 @@ function(zem_add_library name)
 endfunction()
 
 # zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program whose cases CTest learns from the program itself.
-# CTest's names begin with the folder's, so that `./test db` runs one folder.
+# CTest's names begin with the folder's, so that `./test db` runs one folder. The program's own sources are optimised
+# little: compiling them takes longer than running them.
 function(zem_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_compile_options(${name} PRIVATE -Og)
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
   gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
 endfunction()
+
+# Once for all folders of tests: GTest::gmock_main and its like.
+macro(zem_find_googletest)
+  include(GoogleTest)
+  if(ZEM_GOOGLETEST_SOURCES)
+    set(INSTALL_GTEST OFF)
+    add_subdirectory(${ZEM_GOOGLETEST_SOURCES} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  else()
+    find_package(GTest REQUIRED)
+  endif()
+endmacro()

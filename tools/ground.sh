@@ -10,24 +10,34 @@ die() {
   exit 1
 }
 
-# Packages of packages.txt that are not installed, one a line.
+# The packages of these parts of packages.txt, one a line.
+packages_of() {
+  local part
+  for part; do
+    grep -qxF "[$part]" "$root/packages.txt" || die "packages.txt has no part [$part]."
+    sed -n "/^\\[$part]\$/,/^\\[/{/^[a-z0-9]/p}" "$root/packages.txt"
+  done
+}
+
+# Those of them that are not installed, one a line.
 missing_packages() {
   local wanted
-  wanted=$(sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d' "$root/packages.txt" | sort)
+  wanted=$(packages_of "$@" | sort -u) || return
   # shellcheck disable=SC2086  # one word per package
   comm -23 <(printf '%s\n' "$wanted") \
     <(dpkg-query --show --showformat '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null |
       sed -n 's/ installed$//p' | sort)
 }
 
-# Installs what packages.txt names and the system lacks.
+# install_packages PART...: installs what packages.txt names there and the system lacks.
 install_packages() {
   if ! command -v dpkg-query >/dev/null; then
     say "This is not a Debian system: make sure that what packages.txt names is installed."
     return
   fi
   local missing as_root=()
-  mapfile -t missing < <(missing_packages)
+  missing=$(missing_packages "$@") || exit
+  read -r -d '' -a missing <<<"$missing" || true
   [ ${#missing[@]} -gt 0 ] || return 0
   if [ "$(id -u)" -ne 0 ]; then
     command -v sudo >/dev/null || die "Packages are missing. Install them as root: apt-get install ${missing[*]}"
@@ -35,14 +45,14 @@ install_packages() {
     [ -t 0 ] || as_root+=(--non-interactive)
   fi
   say "Installing packages: ${missing[*]}"
-  local log
+  local log apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y)
   log=$(mktemp)
-  if ! { "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y update &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y install --no-install-recommends \
-      "${missing[@]}"; } </dev/null >"$log" 2>&1; then
+  # Lists that cannot be renewed may still do.
+  if ! { "${apt[@]}" update || true; "${apt[@]}" install --no-install-recommends "${missing[@]}"; } \
+    </dev/null >"$log" 2>&1; then
     cat "$log" >&2
     rm -f "$log"
-    die "The packages could not be installed."
+    die "These packages could not be installed: ${missing[*]}"
   fi
   rm -f "$log"
 }

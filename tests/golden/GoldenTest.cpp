@@ -11,6 +11,10 @@
 #include "tests/property/Runner.h"
 
 namespace golden {
+
+// Keeps CTest's names of the tests free of addresses.
+void PrintTo(const Sample &sample, std::ostream *out) { *out << sample.name; }
+
 namespace {
 
 class Golden : public testing::TestWithParam<Sample> {};

@@ -50,6 +50,18 @@ TEST(EntryPoint, RegistersAfreshInEveryLoad) {
   }
 }
 
+// Where words have 32 bits these are the classic sizes.
+TEST(SharedRecords, HaveTheSizesOfTheirWords) {
+  constexpr bool kClassic = sizeof(intptr_t) == 4;
+  EXPECT_EQ(sizeof(REALstringStruct), kClassic ? 20U : 32U);
+  EXPECT_EQ(sizeof(REALmethodDefinition), kClassic ? 16U : 32U);
+  EXPECT_EQ(sizeof(REALmethodDefinitionV6), kClassic ? 12U : 24U);
+  EXPECT_EQ(sizeof(REALproperty), kClassic ? 32U : 64U);
+  EXPECT_EQ(sizeof(REALclassDefinition), kClassic ? 60U : 120U);
+  EXPECT_EQ(sizeof(FSSpec), 72U);
+  EXPECT_EQ(sizeof(FSRef), 80U);
+}
+
 TEST(ClassRecord, DescribesZemiTunesDB) {
   const TestHost host;
   const REALclassDefinition &record = *host.Class();

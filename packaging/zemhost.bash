@@ -7,6 +7,7 @@ _zemhost_options() {
     check) echo '-h --help --json' ;;
     export) echo '-h --help --format -o --output --playlist --fields --paths --encoding' ;;
     info | songs | playlists | playlist) echo '-h --help --encoding' ;;
+    rescue) echo '-h --help --pattern --playlist --dry-run' ;;
     *) echo '-h --help' ;;
   esac
 }
@@ -19,6 +20,7 @@ _zemhost_values() {
     export:--paths) echo 'host relative device' ;;
     export:-o | export:--output) echo FILE ;;
     export:--playlist | export:--fields | *:--encoding) echo TEXT ;;
+    rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac
 }
@@ -44,7 +46,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call check class export info playlist playlists songs' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class export info playlist playlists rescue songs' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -21,6 +21,7 @@ void addCommands(CLI::App &program, Action &action) {
   addPlaylistCommand(program, action);
   addCheckCommand(program, action);
   addExportCommand(program, action);
+  addRescueCommand(program, action);
   addCallCommand(program, action);
   addClassCommand(program, action);
 }

@@ -32,6 +32,7 @@ void addPlaylistCommand(CLI::App &program, Action &action);
 void addInfoCommand(CLI::App &program, Action &action);
 void addCheckCommand(CLI::App &program, Action &action);
 void addExportCommand(CLI::App &program, Action &action);
+void addRescueCommand(CLI::App &program, Action &action);
 void addCallCommand(CLI::App &program, Action &action);
 void addClassCommand(CLI::App &program, Action &action);
 

@@ -47,8 +47,7 @@ constexpr int32_t kLastNumber = 300;
 std::filesystem::path songFile(const MusicLibrary &library, const std::string &path) {
   const bool onPlayer = library.libType() != 0;
   if (path.empty() || (onPlayer && library.location().volumeRoot.empty())) return {};
-  const std::string whole = library.object().call("GetAbsolutePath", {Value(path)}).text();
-  return FolderItem::fromMacPath(whole).path();
+  return library.file(path).path();
 }
 
 struct SongColumns::State {

@@ -17,12 +17,6 @@ namespace {
 
 std::string quoted(const std::string &text) { return '"' + text + '"'; }
 
-std::string nameOf(int32_t index, const Song &song) {
-  std::string name = "song " + std::to_string(index) + " " + quoted(song.title);
-  if (!song.artist.empty()) name += " by " + song.artist;
-  return name;
-}
-
 class Check {
  public:
   Check(const MusicLibrary &library, Findings &findings) : library_(library), findings_(findings) {}
@@ -50,14 +44,14 @@ class Check {
       for (const std::string &field : library_.lossyTexts(index)) {
         ++account_.lossyTexts;
         add(FindingKind::LossyText,
-            nameOf(index, song) + ": the " + field + " holds characters that are not valid");
+            songLabel(index, song) + ": the " + field + " holds characters that are not valid");
       }
       if (account_.filesLeftOut.empty()) checkFile(index, song);
     }
   }
 
   void checkFile(int32_t index, const Song &song) {
-    const FolderItem item = library_.file(song);
+    const FolderItem item = library_.file(song.path);
     if (item && item.exists()) {
       const fs::path path = item.path();
       std::error_code error;
@@ -68,7 +62,7 @@ class Check {
       }
     }
     ++account_.filesMissing;
-    const std::string name = nameOf(index, song);
+    const std::string name = songLabel(index, song);
     add(FindingKind::MissingFile,
         song.path.empty() ? name + " names no file"
                           : name + ": its file is missing: " + (item ? item.macPath() : song.path));
@@ -118,6 +112,12 @@ class Check {
 };
 
 }  // namespace
+
+std::string songLabel(int32_t index, const Song &song) {
+  std::string name = "song " + std::to_string(index) + " " + quoted(song.title);
+  if (!song.artist.empty()) name += " by " + song.artist;
+  return name;
+}
 
 LibraryAccount checkLibrary(const MusicLibrary &library, Findings &findings) {
   return Check(library, findings).run();

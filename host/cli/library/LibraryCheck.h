@@ -10,6 +10,9 @@
 
 namespace zemhost {
 
+// How messages name a song: `song 24 "Lost Reel" by Idris Calloway`.
+std::string songLabel(int32_t index, const Song &song);
+
 struct LibraryAccount {
   uint64_t lossyTexts = 0;
   uint64_t entriesWithoutSong = 0;

@@ -135,9 +135,9 @@ std::vector<std::string> MusicLibrary::lossyTexts(int32_t index) const {
   return names;
 }
 
-FolderItem MusicLibrary::file(const Song &song) const {
-  if (song.path.empty()) return {};
-  return FolderItem::fromMacPath(state_->absolutePath(song.path).text());
+FolderItem MusicLibrary::file(const std::string &path) const {
+  if (path.empty()) return {};
+  return FolderItem::fromMacPath(state_->absolutePath(path).text());
 }
 
 uint32_t MusicLibrary::duration(int32_t index) const { return number(state_->duration, index); }

@@ -56,8 +56,8 @@ class MusicLibrary {
   Song song(int32_t index) const;
   // The names of those of a song's texts that cannot be told whole in Unicode: "title".
   std::vector<std::string> lossyTexts(int32_t index) const;
-  // The song's file on its volume, whether or not it is there; nil when its path names no place here.
-  FolderItem file(const Song &song) const;
+  // The file of a song's path on its volume, whether or not it is there; nil when that names no place here.
+  FolderItem file(const std::string &path) const;
   // Only these two of a song's numbers, for adding up.
   uint32_t duration(int32_t index) const;
   uint32_t size(int32_t index) const;

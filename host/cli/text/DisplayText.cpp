@@ -107,15 +107,37 @@ std::string cutToWidth(std::string_view text, size_t width) {
   return std::string(text);
 }
 
-std::string foldedText(std::string_view bytes) {
-  const std::string text = safeText(bytes);
+namespace {
+
+// Takes valid UTF-8.
+std::string mappedText(const std::string &text, int options) {
   utf8proc_uint8_t *mapped = nullptr;
-  const auto options = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD);
   const utf8proc_ssize_t length =
-      utf8proc_map(asUtf8(text.data()), static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
+      utf8proc_map(asUtf8(text.data()), static_cast<utf8proc_ssize_t>(text.size()), &mapped,
+                   static_cast<utf8proc_option_t>(options));
   if (length < 0) throw std::bad_alloc();  // valid UTF-8 fails for no other reason
   const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
   return {reinterpret_cast<const char *>(mapped), static_cast<size_t>(length)};
+}
+
+std::string validText(std::string_view bytes) {
+  std::string valid;
+  while (!bytes.empty()) {
+    const CodePoint c = firstCodePoint(bytes);
+    valid += c.value < 0 ? kReplacement : bytes.substr(0, c.bytes);
+    bytes.remove_prefix(c.bytes);
+  }
+  return valid;
+}
+
+}  // namespace
+
+std::string composedText(std::string_view bytes) {
+  return mappedText(validText(bytes), UTF8PROC_STABLE | UTF8PROC_COMPOSE);
+}
+
+std::string foldedText(std::string_view bytes) {
+  return mappedText(safeText(bytes), UTF8PROC_STABLE | UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD);
 }
 
 }  // namespace zemhost

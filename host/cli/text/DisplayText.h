@@ -21,6 +21,10 @@ size_t displayWidth(std::string_view text);
 // together. A base character and what combines with it stay together. Empty for a width of 0.
 std::string cutToWidth(std::string_view text, size_t width);
 
+// The text in its composed form (NFC), in which the same characters are the same bytes. Takes any bytes; the
+// result is valid UTF-8, with U+FFFD for what was not.
+std::string composedText(std::string_view bytes);
+
 // The text in a form in which differences of case and of composition have gone, for comparing what a person
 // typed with what is stored. Takes any bytes.
 std::string foldedText(std::string_view bytes);

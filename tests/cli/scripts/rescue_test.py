@@ -1,0 +1,174 @@
+"""Rescues that are interrupted: what is there is complete, and the same command goes on to the end."""
+
+import os
+import pty
+import re
+import signal
+import subprocess
+import tempfile
+import termios
+import unittest
+
+import program
+
+PARTIAL = ".zemhost-rescue.part"
+CONTINUE = "run the same command again to go on where it ended"
+
+
+def files_below(folder):
+    return {os.path.relpath(os.path.join(at, name), folder) for at, _, names in os.walk(folder) for name in names}
+
+
+class InterruptedRescue(unittest.TestCase):
+    def setUp(self):
+        # Each copy is brought to the disk, which takes long for thousands of tiny files; in memory it does not.
+        memory = "/dev/shm"
+        folder = tempfile.TemporaryDirectory(dir=memory if os.access(memory, os.W_OK) else None)
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        self.destination = os.path.join(self.folder, "music")
+
+    def copied(self):
+        """The songs that are there, after a look at each: no half file under a final name."""
+        names = files_below(self.destination) - {PARTIAL, "Some.m3u8"}
+        for name in names:
+            path = os.path.join(self.destination, name)
+            with open(path, "rb") as file:
+                content = file.read()
+            self.assertEqual((content, int(os.stat(path).st_mtime)), self.player.contents[name], name)
+        return len(names)
+
+    def rescue(self):
+        return program.run("rescue", self.player.root, self.destination)
+
+    def expect_complete(self, before):
+        status, out, err = self.rescue()
+        self.assertEqual((status, err), (0, ""))
+        total = len(self.player.contents)
+        self.assertEqual(self.copied(), total)
+        self.assertNotIn(PARTIAL, os.listdir(self.destination))
+        summary = out.splitlines()[total - before:]
+        self.assertTrue(summary[0].startswith(f"{total - before} songs copied, "), summary)
+        self.assertEqual(summary[1:], [f"{before} songs are there already", "1 playlist written"])
+
+    def start_and_stop(self, after, **options):
+        """A running rescue that stands still after it has copied some songs."""
+        process = program.start("rescue", self.player.root, self.destination, **options)
+        self.addCleanup(process.kill)
+        self.addCleanup(lambda: [stream.close() for stream in (process.stdout, process.stderr) if stream])
+        program.wait_until(lambda: os.path.isdir(self.destination) and len(files_below(self.destination)) > after)
+        process.send_signal(signal.SIGSTOP)
+        return process
+
+    def test_full_disk_goes_on_when_there_is_room(self):
+        os.mkdir(self.destination)
+        mount = ["mount", "-t", "tmpfs", "-o", "size=50m", "none", self.destination]
+        if os.geteuid() != 0 or subprocess.run(mount, stderr=subprocess.DEVNULL, check=False).returncode != 0:
+            self.skipTest("no file system can be mounted here")
+        self.addCleanup(subprocess.run, ["umount", self.destination], check=True)
+        self.player = program.Player(self.folder, 20_000)
+        status, _, err = self.rescue()
+        before = self.copied()
+        self.assertEqual(status, 1)
+        self.assertRegex(err, rf"\Azemhost: {self.destination}: No space left on device; {before} of 20000 songs are "
+                              rf"there; {CONTINUE}\n\Z")
+        self.assertTrue(0 < before < 20_000)
+        self.assertNotIn(PARTIAL, os.listdir(self.destination))
+        subprocess.run(["mount", "-o", "remount,size=300m", self.destination], check=True)
+        self.expect_complete(before)
+
+    def test_too_little_room_is_told_before(self):
+        os.mkdir(self.destination)
+        mount = ["mount", "-t", "tmpfs", "-o", "size=64k", "none", self.destination]
+        if os.geteuid() != 0 or subprocess.run(mount, stderr=subprocess.DEVNULL, check=False).returncode != 0:
+            self.skipTest("no file system can be mounted here")
+        self.addCleanup(subprocess.run, ["umount", self.destination], check=True)
+        self.player = program.Player(self.folder, 60, size=5000)
+        status, _, err = self.rescue()
+        self.assertEqual(status, 1)
+        self.assertRegex(err.splitlines()[0], r": [0-9.]+ kB are still to be copied and only [0-9.]+ kB are free; ")
+
+    def test_a_killed_one_goes_on(self):
+        self.player = program.Player(self.folder, 3000)
+        process = self.start_and_stop(300)
+        process.kill()
+        process.wait()
+        before = self.copied()
+        self.assertTrue(300 <= before < 3000, before)
+        self.expect_complete(before)
+
+    def test_signals_leave_nothing_half_and_say_how_to_go_on(self):
+        for number, word in ((signal.SIGINT, "interrupted"), (signal.SIGTERM, "terminated")):
+            self.player = program.Player(tempfile.mkdtemp(dir=self.folder), 2000)
+            self.destination = tempfile.mkdtemp(dir=self.folder)
+            process = self.start_and_stop(100)
+            process.send_signal(number)
+            process.send_signal(signal.SIGCONT)
+            _, err = process.communicate(timeout=20)
+            self.assertEqual((process.returncode, err.decode()), (-number, f"zemhost: {word}; {CONTINUE}\n"))
+            self.assertNotIn(PARTIAL, os.listdir(self.destination))
+            self.expect_complete(self.copied())
+
+    def test_a_player_that_is_gone_is_said_to_be(self):
+        self.player = program.Player(self.folder, 2000)
+        process = self.start_and_stop(100)
+        os.rename(self.player.root, self.player.root + " unplugged")
+        process.send_signal(signal.SIGCONT)
+        _, err = process.communicate(timeout=20)
+        before = self.copied()
+        self.assertEqual(process.returncode, 1)
+        self.assertRegex(err.decode(), rf"\Azemhost: the player is gone: {self.player.root}/iPod_Control/iTunes: .*; "
+                                       rf"{before} of 2000 songs are there; {CONTINUE}\n\Z")
+        os.rename(self.player.root + " unplugged", self.player.root)
+        self.expect_complete(before)
+
+    def test_only_one_at_a_time_writes_to_a_place(self):
+        self.player = program.Player(self.folder, 2000)
+        process = self.start_and_stop(100)
+        status, _, err = self.rescue()
+        self.assertEqual((status, err), (1, f"zemhost: {self.destination}: another rescue is writing here\n"))
+        process.send_signal(signal.SIGCONT)
+        process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 0)
+        self.assertEqual(self.copied(), 2000)
+
+    def test_a_terminal_shows_a_line_that_changes(self):
+        self.player = program.Player(self.folder, 2000)
+        ours, theirs = pty.openpty()
+        termios.tcsetwinsize(theirs, (24, 100))
+        process = self.start_and_stop(100, stdout=theirs)
+        os.close(theirs)
+        program.time.sleep(0.7)  # a rate and a time left are told after half a second
+        process.send_signal(signal.SIGCONT)
+        shown = b""
+        while True:
+            try:
+                shown += os.read(ours, 65536)
+            except OSError:  # the other side is closed
+                break
+        os.close(ours)
+        self.assertEqual(process.wait(), 0)
+        lines = shown.decode().split("\r")
+        bars = [line for line in lines if line.startswith("[")]
+        self.assertTrue(all(len(line) < 100 for line in bars), bars)
+        self.assertTrue(any(re.fullmatch(r"\[#+\.*\] \d+ %  \d+ of 2000 songs  [0-9.]+ k?B/s  \d+:\d\d left *", line)
+                            for line in bars), bars)
+        self.assertTrue(bars[-1].startswith("[####################] 100 %  2000 of 2000 songs"), bars[-1])
+        summary = next(i for i, line in enumerate(lines) if line.startswith("2000 songs copied, "))
+        self.assertEqual(lines[summary - 1].strip(" "), "")  # taken away before the summary
+        self.assertGreater(len(lines[summary - 1]), 50)
+
+    def test_an_interruption_ends_the_changing_line(self):
+        self.player = program.Player(self.folder, 2000)
+        ours, theirs = pty.openpty()
+        process = self.start_and_stop(200, stdout=theirs)
+        os.close(theirs)
+        process.send_signal(signal.SIGINT)
+        process.send_signal(signal.SIGCONT)
+        _, err = process.communicate(timeout=20)
+        os.close(ours)
+        self.assertEqual(err.decode(), f"\nzemhost: interrupted; {CONTINUE}\n")
+
+
+if __name__ == "__main__":
+    program.main()

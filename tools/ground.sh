@@ -57,6 +57,9 @@ install_packages() {
   rm -f "$log"
 }
 
+# What a script asks of CMake beyond its preset.
+configure=()
+
 # build PRESET [TARGET...]: configures and builds quietly; what went wrong is shown. Two builds of one preset wait
 # for each other.
 build() {
@@ -69,7 +72,7 @@ build() {
     flock 9
     cd "$root" || exit
     log=$directory/build.log
-    cmake --preset "$preset" >"$log" 2>&1 9>&- &&
+    cmake --preset "$preset" ${configure[@]+"${configure[@]}"} >"$log" 2>&1 9>&- &&
       cmake --build "$directory" ${1:+--target "$@"} >>"$log" 2>&1 9>&- && exit
     grep -v '^\[[0-9]*/[0-9]*\] ' "$log" >&2
     die "The build of $preset failed; the whole log is $log"

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdio>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -86,7 +87,8 @@ TEST(FileWindow, KeepsWhatIsWrittenUntilALaterPlaceIsAskedFor) {
 
 TEST(FileWindow, StreamShorterThanAChunkHeaderIsRefused) {
   const Stream stream = StreamOf(Bytes(15));
-  EXPECT_THROW(FileWindow window(stream.get()), FileUnreadable);
+  EXPECT_THAT([&] { FileWindow window(stream.get()); },
+              testing::ThrowsMessage<FileUnreadable>("the file cannot be read"));
 }
 
 // A stream that reports `size` bytes and fails to deliver them from `failsAt` on.

@@ -107,5 +107,21 @@ TEST_P(OutOfMemory, NoWordOfAFileMakesTheLoadTakeMuchMemory) {
   }
 }
 
+TEST(SongTableOutOfMemory, IDsThatTheIndexHasNoRoomForAreFoundOnceThereIsSome) {
+  constexpr int32_t kSongs = 1000;
+  SongTable songs;
+  // Room for the first song's ID is enough for those that have the same.
+  for (int32_t i = 0; i < kSongs; ++i) {
+    songs.Append().id = 5;
+    songs.IndexIDs();
+  }
+  support::GrantAllocations(0);
+  for (int32_t i = 0; i < kSongs; ++i) songs.SetID(static_cast<size_t>(i), 100 + i);
+  support::GrantAllAllocations();
+  EXPECT_TRUE(support::AllocationFailed());
+  for (int32_t i = 0; i < kSongs; ++i) EXPECT_EQ(songs.FindID(100 + i), i);
+  EXPECT_EQ(songs.FindID(5), -1);
+}
+
 }  // namespace
 }  // namespace db_test

@@ -167,5 +167,39 @@ TEST_P(DamagedFile, GeneratedLibraryIsReadAlike) {
   }
 }
 
+// A file is read through a window of 256 KB. Objects at its end need more than the window shows.
+class AtTheWindowsEnd : public testing::TestWithParam<Variant> {
+ protected:
+  // A track whose only object begins at the position, and other bytes after it.
+  static std::string FileWithObjectAt(size_t position, const samples::DataObject &object) {
+    samples::ChunkWriter out(GetParam());
+    samples::BeginFile(out, 1, 16);
+    out.Begin(samples::Kind::Track, 0xd4);
+    out.Begin("abcd", static_cast<uint32_t>(position - out.Size()));
+    AppendObject(out, object);
+    for (size_t i = 0; i < 400; ++i) out.AppendByte(static_cast<uint8_t>(1 + (position + i) % 250));
+    return out.TakeBytes();
+  }
+
+  static constexpr size_t kWindow = size_t{256} << 10;
+};
+
+INSTANTIATE_TEST_SUITE_P(Loader, AtTheWindowsEnd, testing::Values(Variant::LittleEndian, Variant::BigEndian));
+
+TEST_P(AtTheWindowsEnd, BodyThatReachesOnIsReadWhole) {
+  samples::DataObject object = samples::RawObject(4, "body");
+  object.headerLength = 0x18 - 300;
+  for (size_t before = 0; before < 340; before += 4) {
+    ASSERT_TRUE(ReadsAsTheModel(FileWithObjectAt(kWindow - before, object))) << before;
+  }
+}
+
+TEST_P(AtTheWindowsEnd, OddTextSwapsWithTheByteBehindTheWindow) {
+  for (size_t before = 0; before < 60; ++before) {
+    ASSERT_TRUE(ReadsAsTheModel(FileWithObjectAt(kWindow - before, samples::EightBitObject(4, "abc", 1))))
+        << before;
+  }
+}
+
 }  // namespace
 }  // namespace db_test

@@ -341,8 +341,11 @@ TEST_F(CheckTest, OtherCommandsWarnInOneLineWhenSongsAreMissing) {
   const size_t object = database_.find("mhod", chunkAt(database_, "mhit", 10));
   putWord(database_, object + 8, 0);
   const fs::path file = folder_.write("it's db", database_);
-  const std::vector<std::vector<std::string>> commands = {
-      {"info", file}, {"songs", file}, {"playlists", file}, {"call", file, "CountSongs"}};
+  const std::vector<std::vector<std::string>> commands = {{"info", file},
+                                                          {"songs", file},
+                                                          {"playlists", file},
+                                                          {"call", file, "CountSongs"},
+                                                          {"export", file, "--format", "csv"}};
   for (const auto &command : commands) {
     const Outcome outcome = runZemhost(command);
     EXPECT_EQ(outcome.status, 0) << command.front();

@@ -102,6 +102,22 @@ TEST_F(CompressedDatabase, OfAPlayerAnswersAsThePlainOne) {
   }
 }
 
+TEST_F(CompressedDatabase, OfAPlayerIsCheckedAndRescuedAsThePlainOne) {
+  const fs::path player = folder_.path() / "player";
+  fs::copy(support::SamplesFolder() / "player", player, fs::copy_options::recursive);
+  fs::remove(player / "iPod_Control/iTunes/iTunesDB");
+  folder_.write("player/iPod_Control/iTunes/iTunesCDB", compressedForm(database_) + "left");
+  const Outcome check = run({"check", player});
+  EXPECT_EQ(check.status, 3);
+  EXPECT_THAT(check.out, HasSubstr("iTunesCDB (compressed)\n"));
+  EXPECT_THAT(check.out,
+              HasSubstr("\nContent   " + std::to_string(database_.size()) + " bytes, all accounted for\n"));
+  EXPECT_THAT(check.out, HasSubstr("\n2 findings\n- 4 bytes stand after the compressed stream\n- song 24 "));
+  const Outcome rescue = run({"rescue", player, folder_.path() / "music", "--playlist", "Podcasts"});
+  EXPECT_EQ(rescue.status, 0);
+  EXPECT_THAT(rescue.out, HasSubstr("\n2 songs copied, 32.0 kB\n"));
+}
+
 TEST_F(CompressedDatabase, FoldersInCapitalsAreThePlayersToo) {
   const fs::path plain = support::SamplesFolder() / "player";
   const fs::path player = folder_.path() / "player";

@@ -91,7 +91,7 @@ class Window {
   }
 
  private:
-  static constexpr size_t kSize = 64 * 1024;
+  static constexpr size_t kSize = size_t{64} * 1024;
 
   int file_;
   uint64_t size_ = 0;

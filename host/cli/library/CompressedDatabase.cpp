@@ -20,7 +20,7 @@ namespace zemhost {
 
 namespace {
 
-constexpr size_t kBlock = 128 * 1024;
+constexpr size_t kBlock = size_t{128} * 1024;
 constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();  // that a database can have
 constexpr uint64_t kAlwaysAllowed = 64ULL << 20;
 constexpr uint64_t kMostRatio = 100;

@@ -20,7 +20,7 @@ namespace {
 
 using enum CopyFailure::Reach;
 
-constexpr size_t kBlock = 256 * 1024;
+constexpr size_t kBlock = size_t{256} * 1024;
 
 [[noreturn]] void failSource(int error) { throw CopyFailure(ThisFile, error); }
 

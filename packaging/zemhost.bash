@@ -5,6 +5,8 @@ _zemhost_options() {
   case $1 in
     '') echo '-h --help --version' ;;
     check) echo '-h --help --json' ;;
+    compare) echo '-h --help --by --json --encoding' ;;
+    duplicates) echo '-h --help --any-album --json --encoding' ;;
     export) echo '-h --help --format -o --output --playlist --fields --paths --encoding' ;;
     info | songs | playlists | playlist) echo '-h --help --encoding' ;;
     rescue) echo '-h --help --pattern --playlist --dry-run' ;;
@@ -16,6 +18,7 @@ _zemhost_options() {
 # and nothing for an option that takes no value.
 _zemhost_values() {
   case $1:$2 in
+    compare:--by) echo 'song artist album genre composer' ;;
     export:--format) echo 'csv json ndjson m3u8 sqlite' ;;
     export:--paths) echo 'host relative device' ;;
     export:-o | export:--output) echo FILE ;;
@@ -46,7 +49,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call check class export info playlist playlists rescue songs' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class compare duplicates export info playlist playlists rescue songs' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -22,6 +22,8 @@ void addCommands(CLI::App &program, Action &action) {
   addCheckCommand(program, action);
   addExportCommand(program, action);
   addRescueCommand(program, action);
+  addCompareCommand(program, action);
+  addDuplicatesCommand(program, action);
   addCallCommand(program, action);
   addClassCommand(program, action);
 }

@@ -14,8 +14,11 @@ using Action = std::function<int()>;
 // Adds the argument PATH, which every command that reads a database takes.
 void addPathArgument(CLI::App &command, std::string &path);
 
-// Adds the option --encoding; the name it gives stands in `encoding`, "UTF-8" at first.
-void addEncodingOption(CLI::App &command, std::string &encoding);
+// Adds the option --encoding and returns it; the name it gives stands in `encoding`, "UTF-8" at first.
+CLI::Option *addEncodingOption(CLI::App &command, std::string &encoding);
+
+// Throws CLI::ValidationError when JSON is to be written in another encoding than UTF-8.
+void checkJsonEncoding(bool json, const std::string &encoding);
 
 // What a command takes that shows texts of a database and nothing more.
 struct ListingArguments {
@@ -33,6 +36,8 @@ void addInfoCommand(CLI::App &program, Action &action);
 void addCheckCommand(CLI::App &program, Action &action);
 void addExportCommand(CLI::App &program, Action &action);
 void addRescueCommand(CLI::App &program, Action &action);
+void addCompareCommand(CLI::App &program, Action &action);
+void addDuplicatesCommand(CLI::App &program, Action &action);
 void addCallCommand(CLI::App &program, Action &action);
 void addClassCommand(CLI::App &program, Action &action);
 

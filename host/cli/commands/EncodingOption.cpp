@@ -1,13 +1,18 @@
 #include "host/cli/commands/Command.h"
+#include "host/cli/encoding/TextEncoder.h"
 
 namespace zemhost {
 
-void addEncodingOption(CLI::App &command, std::string &encoding) {
+CLI::Option *addEncodingOption(CLI::App &command, std::string &encoding) {
   encoding = "UTF-8";
-  command.add_option(
+  return command.add_option(
       "--encoding", encoding,
       "Write text in this encoding: UTF-8, UTF-16, Shift_JIS by the plug-in's table, or one that "
       "iconv knows [UTF-8]");
+}
+
+void checkJsonEncoding(bool json, const std::string &encoding) {
+  if (json && !isUtf8Name(encoding)) throw CLI::ValidationError("--encoding", "JSON is always UTF-8");
 }
 
 void addListingArguments(CLI::App &command, ListingArguments &arguments) {

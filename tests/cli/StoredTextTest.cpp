@@ -86,5 +86,27 @@ TEST(Path, PlayerPathIsOneBytePerCharacter) {
 
 TEST(Path, DesktopPathIsMacRoman) { EXPECT_EQ(pathText("Disk:Bart\x97k", kDesktop), "Disk:Bart\u00F3k"); }
 
+TEST(OtherText, IsUtf16OrARecordOfBytes) {
+  using namespace std::string_literals;
+  EXPECT_EQ(otherText("\0a\x30\x42"s), "a\u3042");
+  EXPECT_EQ(otherText("\2\0\0\0\3\0\0\0\0\0\0\0\0\0\0\0\xE3\x81\x82"s), "\u3042");
+  EXPECT_EQ(otherText("\0\0\0\0\2\0\0\0\0\0\0\0\0\0\0\0o\x8E"s), "o\u00E9");
+  EXPECT_EQ(otherText(""), "");
+}
+
+TEST(OtherText, BytesThatAreNoTextComeAsDigits) {
+  using namespace std::string_literals;
+  EXPECT_EQ(otherText("\0a\x30"s), "0x006130");        // an odd byte
+  EXPECT_EQ(otherText("\xDF\x19\0a"s), "0xDF190061");  // half a pair
+  EXPECT_EQ(otherText("\0\1\0\0"s), "0x00010000");     // control characters
+}
+
+TEST(AddressText, IsPlainBytesOrAnyOtherText) {
+  using namespace std::string_literals;
+  EXPECT_EQ(addressText("http://a.example/\xE3\x81\x82"), "http://a.example/\u3042");
+  EXPECT_EQ(addressText("\0h\0t"s), "ht");
+  EXPECT_EQ(addressText("\xFF\xFE\xFD"s), "0xFFFEFD");
+}
+
 }  // namespace
 }  // namespace zemhost

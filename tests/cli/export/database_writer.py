@@ -21,7 +21,8 @@ def library(songs, big=False, eight_bit=False):
         objects = b""
         for name, kind in (BIG if big else LITTLE).items():
             if song.get(name):
-                text = song[name].encode("mac-roman" if eight_bit else "utf-16-be" if big else "utf-16-le")
+                text = song[name].encode("mac-roman" if eight_bit else "utf-16-be" if big else "utf-16-le",
+                                         "strict" if eight_bit else "surrogatepass")
                 head = struct.pack(order + "IIIIII", 0, 0, 3 if eight_bit else 1, len(text), 0, 0)
                 objects += _chunk(tags[4], order, 0x18, (head + text)[8:], kind)
         header = struct.pack(order + "I", 1000 + number).rjust(4, b"\0")

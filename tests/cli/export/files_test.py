@@ -6,6 +6,7 @@ import csv
 import io
 import json
 import os
+import re
 import signal
 import sqlite3
 import subprocess
@@ -13,6 +14,7 @@ import tempfile
 import time
 import unittest
 
+from database_writer import library
 from program import PLAYER, ZEMHOST, generated, run
 
 FORMATS = ["csv", "json", "ndjson", "m3u8", "sqlite"]
@@ -203,6 +205,33 @@ class Files(unittest.TestCase):
             more = peak("export", self.library, *options(form), "-o", self.out) - loaded
             # The 20,000 songs are 27 MB as JSON text, and several times that as a tree in memory.
             self.assertLess(more, 12_000, f"kilobytes for {form}")
+
+    def test_awkward_texts_break_no_format(self):
+        titles = ['a,"b"', "two\r\nlines\nand\rmore", " blanks ", "\t\x01\x1b[2J\x7f", "\ud83c alone", "alone \udf19",
+                  "\u2028\u202e\ufeff", "'; DROP TABLE songs; --", "=1+1", "\\u0041", "🌙", "null"]
+        # Half a pair is no character: every format has U+FFFD in its place.
+        expected = [re.sub("[\ud800-\udfff]", "\ufffd", title) for title in titles]
+        file = os.path.join(self.folder, "library.itunesdb")
+        with open(file, "wb") as out:
+            out.write(library([{"title": title, "artist": title} for title in titles]))
+        for form in FORMATS:
+            done = run("export", file, *options(form), "-o", self.out)
+            self.assertEqual((done.status, done.message.count("\n")), (0, 1 if form == "m3u8" else 0), done.message)
+            if form == "sqlite":
+                with contextlib.closing(sqlite3.connect(self.out)) as database:
+                    got = [row[0] for row in database.execute("SELECT title FROM songs ORDER BY song_index")]
+            else:
+                with open(self.out, encoding="utf-8", newline="") as text:
+                    if form == "csv":
+                        got = [row["title"] for row in csv.DictReader(text, strict=True)]
+                    elif form == "json":
+                        got = [song["title"] for song in json.load(text)["songs"]]
+                    elif form == "ndjson":
+                        got = [json.loads(line)["title"] for line in text.read().split("\n")[:-1]]
+                    else:  # these songs have no path, and are left out
+                        self.assertEqual(text.read(), "#EXTM3U\n")
+                        continue
+            self.assertEqual(got, expected, form)
 
     def test_entries_without_a_song_are_told(self):
         with open(os.path.join(PLAYER, "iPod_Control", "iTunes", "iTunesDB"), "rb") as sample:

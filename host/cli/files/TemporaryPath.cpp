@@ -90,9 +90,10 @@ TemporaryPath makeTemporaryDirectory() {
   const std::filesystem::path place = named != nullptr && *named != '\0' ? named : "/tmp";
   std::string name = (place / "zemhost-XXXXXX").string();
   const SignalsHeld held;  // between its making and its being known it would stay behind
-  if (mkdtemp(name.data()) == nullptr)
+  if (mkdtemp(name.data()) == nullptr) {
     throw HostError(place.string() +
                     ": no temporary directory can be made here: " + std::generic_category().message(errno));
+  }
   return TemporaryPath(name);
 }
 

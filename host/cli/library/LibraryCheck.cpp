@@ -52,20 +52,15 @@ class Check {
 
   void checkFile(int32_t index, const Song &song) {
     const FolderItem item = library_.file(song.path);
-    if (item && item.exists()) {
-      const fs::path path = item.path();
-      std::error_code error;
-      if (fs::is_regular_file(path, error)) {
-        ++account_.filesThere;
-        named_.insert(path.string());
-        return;
-      }
+    const fs::path path = item.path();
+    std::error_code error;
+    if (fs::is_regular_file(path, error)) {
+      ++account_.filesThere;
+      named_.insert(path.string());
+      return;
     }
     ++account_.filesMissing;
-    const std::string name = songLabel(index, song);
-    add(FindingKind::MissingFile,
-        song.path.empty() ? name + " names no file"
-                          : name + ": its file is missing: " + (item ? item.macPath() : song.path));
+    add(FindingKind::MissingFile, missingFileText(index, song, item));
   }
 
   void checkPlaylists() {
@@ -117,6 +112,12 @@ std::string songLabel(int32_t index, const Song &song) {
   std::string name = "song " + std::to_string(index) + " " + quoted(song.title);
   if (!song.artist.empty()) name += " by " + song.artist;
   return name;
+}
+
+std::string missingFileText(int32_t index, const Song &song, const FolderItem &item) {
+  const std::string label = songLabel(index, song);
+  if (song.path.empty()) return label + " names no file";
+  return label + ": its file is missing: " + (item ? item.macPath() : song.path);
 }
 
 LibraryAccount checkLibrary(const MusicLibrary &library, Findings &findings) {

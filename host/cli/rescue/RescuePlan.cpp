@@ -1,5 +1,6 @@
 #include "host/cli/rescue/RescuePlan.h"
 
+#include <cerrno>
 #include <sys/stat.h>
 #include <utility>
 
@@ -31,25 +32,21 @@ void RescuePlan::addSong(int32_t index) {
   if (fileOf_.contains(index)) return;
   const Song song = library_.song(index);
   const FolderItem item = library_.file(song.path);
-  const std::string label = songLabel(index, song);
-  if (song.path.empty()) {
-    problems_.push_back(label + " names no file");
-  } else if (!item || !item.exists()) {
-    problems_.push_back(label + ": its file is missing: " + (item ? item.macPath() : song.path));
-  } else {
-    PlannedFile file;
-    file.song = index;
-    file.source = item.path();
-    try {
-      file.facts = factsOf(file.source);
-      if (file.facts.size != song.size) {
-        otherSizes_.push_back(label + ": " + std::to_string(file.facts.size) + " bytes, and " +
-                              std::to_string(song.size) + " by the database: " + file.source.string());
-      }
-      place(index, song, std::move(file));
-    } catch (const CopyFailure &failure) {
-      problems_.push_back(label + ": " + item.path().string() + ": " + failure.what());
+  PlannedFile file;
+  file.song = index;
+  file.source = item.path();
+  try {
+    file.facts = factsOf(file.source);
+    if (file.facts.size != song.size) {
+      otherSizes_.push_back(songLabel(index, song) + ": " + std::to_string(file.facts.size) + " bytes, and " +
+                            std::to_string(song.size) + " by the database: " + file.source.string());
     }
+    place(index, song, std::move(file));
+  } catch (const CopyFailure &failure) {
+    const bool missing = failure.error() == ENOENT || failure.error() == ENOTDIR;
+    problems_.push_back(missing
+                            ? missingFileText(index, song, item)
+                            : songLabel(index, song) + ": " + item.path().string() + ": " + failure.what());
   }
 }
 

@@ -97,7 +97,8 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
 
   if (libType != 1) {
     if (fsbb->count == 1) {
-      return SetLocation(fsbb, start, objPtr + (fsbb->myLen - uint32_t{kTextOffset}), encode, arena);
+      // A raw body's object may end before the place where a text would begin.
+      return SetLocation(fsbb, start, objPtr - kTextOffset + fsbb->myLen, encode, arena);
     }
     songInfo *field = BigEndianField(*this, fsbb->count);
     if (field == nullptr) return 0;

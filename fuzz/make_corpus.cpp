@@ -125,6 +125,13 @@ void AddLocations(const Corpus &corpus) {
   add("not-marked-as-text", asRaw);
   add("shorter-than-the-name", WithLength(samples::LocationObject("Disk:A.mp3"), 0x18, 0x23));
   add("of-no-name", samples::LocationObject(":A.mp3"));
+  corpus.Add("big-location-in-an-object-too-short-for-text", 0,
+             Chunks(Variant::BigEndian, [](ChunkWriter &out) {
+               out.Begin(Kind::Track, 0xd4);
+               const size_t object = out.Size();
+               AppendObject(out, samples::RawObject(1, std::string(15, '\0')));
+               out.PutByte(object + 0x11, 0xff);  // the high byte of the path's length
+             }));
 }
 
 }  // namespace

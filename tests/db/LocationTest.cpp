@@ -168,6 +168,25 @@ TEST(LocationOfABigEndianTrack, NotMarkedAsTextIsSearchedToSixteenBytesBeforeThe
   EXPECT_EQ(StoreUnmarked({.volume = "Disk", .path = "Disk:a", .after = std::string(13, '~')}).result, 0);
 }
 
+// Its end lies before the place where a text would begin.
+TEST(LocationOfABigEndianTrack, NotMarkedAsTextEndsWithItsObjectHoweverShortThatIs) {
+  constexpr size_t kObject = 16;
+  for (uint32_t length = 0x23; length <= 0x29; ++length) {
+    fsbbStruct fsbb{};
+    fsbb.jump = 0x18;
+    fsbb.myLen = length;
+    fsbb.count = 1;
+    std::vector<uint8_t> image(600, 'p');
+    image[kObject + 0x12] = 0;  // the name's length
+    for (const uint8_t high : {uint8_t{0}, uint8_t{1}}) {
+      image[kObject + 0x11] = high;  // and the path's, whose low byte that is
+      CSongList song;
+      EXPECT_EQ(song.SetObj(&fsbb, image.data() + kObject + 0x28, 0, 0), high == 0 ? 1 : 0) << length;
+      EXPECT_TRUE(song.path.obj.empty()) << length;
+    }
+  }
+}
+
 TEST(LocationOfABigEndianTrack, TwoConcatenate) {
   CSongList song;
   for (int round = 0; round < 2; ++round) {

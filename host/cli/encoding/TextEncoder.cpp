@@ -119,8 +119,10 @@ class TextEncoder::ShiftJisCodec final : public Codec {
 
 class TextEncoder::IconvCodec final : public Codec {
  public:
-  explicit IconvCodec(const std::string &name)
-      : name_(name), row_{.code = kNoCode, .name = name_.c_str(), .iconvName = name_.c_str()}, codec_(row_) {}
+  explicit IconvCodec(std::string name)
+      : name_(std::move(name)),
+        row_{.code = kNoCode, .name = name_.c_str(), .iconvName = name_.c_str()},
+        codec_(row_) {}
   bool isOpen() const { return codec_.isOpen(); }
 
   std::string encode(std::string_view utf8, uint64_t &lost) override {

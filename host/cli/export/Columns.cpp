@@ -174,9 +174,10 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
     const auto *const found = std::find_if(std::begin(kKnown), std::end(kKnown),
                                            [&](const Known &known) { return known.column.name == name; });
     if (found == std::end(kKnown)) {
-      std::string list;
-      for (const Known &known : kKnown) list.append(list.empty() ? "" : ", ").append(known.column.name);
-      throw HostError("--fields: no field is named \"" + name + "\"; there are: " + list);
+      std::string message = "--fields: no field is named \"" + name + "\"; there are: ";
+      for (const Known &known : kKnown)
+        message.append(&known == kKnown ? "" : ", ").append(known.column.name);
+      throw HostError(message);
     }
     const bool isTaken = std::any_of(columns.begin(), columns.end(),
                                      [&](const ExportColumn &column) { return column.name == name; });

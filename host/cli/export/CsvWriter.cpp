@@ -60,7 +60,8 @@ class CsvWriter final : public ExportWriter {
 
 }  // namespace
 
-std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns) {
+std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out,
+                                            const SongColumnList &columns) {
   return std::make_unique<CsvWriter>(std::move(out), columns);
 }
 

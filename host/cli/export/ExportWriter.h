@@ -33,16 +33,20 @@ using SongColumnList = std::vector<ExportColumn>;
 
 // CSV: a heading line, then a line a song; CRLF line ends, fields quoted where they must be. Null is an empty
 // field, an object its JSON.
-std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns);
+std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out,
+                                            const SongColumnList &columns);
 
 // One JSON object, its songs and playlists one a line.
-std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns);
+std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out,
+                                             const SongColumnList &columns);
 
 // One JSON object a line for each song.
-std::unique_ptr<ExportWriter> makeNdjsonWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns);
+std::unique_ptr<ExportWriter> makeNdjsonWriter(std::unique_ptr<EncodedOutput> out,
+                                               const SongColumnList &columns);
 
 // A SQLite database with the tables songs, playlists and entries. The columns must hold
 // song_index and track_id, which entries refer to.
-std::unique_ptr<ExportWriter> makeSqliteWriter(const std::filesystem::path &target, SongColumnList columns);
+std::unique_ptr<ExportWriter> makeSqliteWriter(const std::filesystem::path &target,
+                                               const SongColumnList &columns);
 
 }  // namespace zemhost

@@ -77,12 +77,14 @@ class NdjsonWriter final : public ExportWriter {
 
 }  // namespace
 
-std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns) {
-  return std::make_unique<JsonWriter>(std::move(out), std::move(columns));
+std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out,
+                                             const SongColumnList &columns) {
+  return std::make_unique<JsonWriter>(std::move(out), columns);
 }
 
-std::unique_ptr<ExportWriter> makeNdjsonWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns) {
-  return std::make_unique<NdjsonWriter>(std::move(out), std::move(columns));
+std::unique_ptr<ExportWriter> makeNdjsonWriter(std::unique_ptr<EncodedOutput> out,
+                                               const SongColumnList &columns) {
+  return std::make_unique<NdjsonWriter>(std::move(out), columns);
 }
 
 }  // namespace zemhost

@@ -132,12 +132,10 @@ class SqliteWriter final : public ExportWriter {
                                         insertInto("entries", PlaylistColumns::entryColumns().size() + 1));
     for (const ExportColumn &column : columns) {
       for (const char *const searched : {"track_id", "title", "artist", "album"}) {
-        if (column.name == searched)
-          indexes_.append("CREATE INDEX songs_")
-              .append(column.name)
-              .append(" ON songs (")
-              .append(column.name)
-              .append(");");
+        if (column.name == searched) {
+          const std::string name(searched);
+          indexes_ += "CREATE INDEX songs_" + name + " ON songs (" + name + ");";
+        }
       }
     }
     indexes_ += "CREATE INDEX entries_song_index ON entries (song_index)";
@@ -182,7 +180,8 @@ class SqliteWriter final : public ExportWriter {
 
 }  // namespace
 
-std::unique_ptr<ExportWriter> makeSqliteWriter(const std::filesystem::path &target, SongColumnList columns) {
+std::unique_ptr<ExportWriter> makeSqliteWriter(const std::filesystem::path &target,
+                                               const SongColumnList &columns) {
   return std::make_unique<SqliteWriter>(target, columns);
 }
 

@@ -134,7 +134,7 @@ class SqliteWriter final : public ExportWriter {
       for (const char *const searched : {"track_id", "title", "artist", "album"}) {
         if (column.name == searched) {
           const std::string name(searched);
-          indexes_ += "CREATE INDEX songs_" + name + " ON songs (" + name + ");";
+          indexes_.append("CREATE INDEX songs_").append(name).append(" ON songs (").append(name).append(");");
         }
       }
     }

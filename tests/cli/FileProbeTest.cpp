@@ -90,14 +90,14 @@ TEST_F(FileProbeTest, DataSetPastTheEndIsATruncatedFileWhateverTheHeaderSays) {
 TEST_F(FileProbeTest, EmptyFileIsSaidToBe) { EXPECT_EQ(reason(""), "the file is empty"); }
 
 TEST_F(FileProbeTest, ForeignFileIsSaidToBe) {
-  for (const std::string &bytes : {"x"s, "<?xml version=\"1.0\"?>"s, std::string(1000, '\0'), "hdf"s}) {
+  for (const std::string &bytes : {"x"s, R"(<?xml version="1.0"?>)"s, std::string(1000, '\0'), "hdf"s}) {
     EXPECT_EQ(reason(bytes), "not an iTunesDB database") << bytes;
   }
 }
 
 TEST_F(FileProbeTest, CompressedBodyIsRecognised) {
   for (const auto variant : kBothVariants) {
-    for (const char *start : {"\x78\x9C", "\x78\x01", "\x78\xDA", "\x78\x5E"}) {
+    for (const char *start : {"x\x9C", "x\x01", "x\xDA", "x^"}) {
       const FileProbe result = probe(withBody(variant, start + scrambled(500)));
       EXPECT_EQ(result.content, FileContent::Compressed);
       EXPECT_EQ(result.reason, "");

@@ -64,7 +64,9 @@ class Groups {
   // for their texts and slots overlap. The songs of an album follow each other, so most texts need no search:
   // they are those of the song before.
   uint32_t Hash(const CSongList &song, size_t i) {
-    if (!Takes(song) || (i != 0 && SameGroup(songs_[i - 1], song))) return 0;
+    if (!Takes(song)) return 0;
+    if (!textsNeeded_ && !IsAlbum()) return groups_.empty() ? kHashed : 0;  // no text: there is but one group
+    if (i != 0 && SameGroup(songs_[i - 1], song)) return 0;
     uint64_t h = HashText((song.*cell_).obj, seed_);
     if (IsAlbum()) h = HashText(song.artist.obj, h);
     const auto hash = static_cast<uint32_t>(h) | kHashed;

@@ -188,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(Loader, AtTheWindowsEnd, testing::Values(Variant::Littl
 
 TEST_P(AtTheWindowsEnd, BodyThatReachesOnIsReadWhole) {
   samples::DataObject object = samples::RawObject(4, "body");
-  object.headerLength = 0x18 - 300;
+  object.headerLength = 0x18U - 300U;
   for (size_t before = 0; before < 340; before += 4) {
     ASSERT_TRUE(ReadsAsTheModel(FileWithObjectAt(kWindow - before, object))) << before;
   }

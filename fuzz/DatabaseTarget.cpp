@@ -120,9 +120,9 @@ std::vector<std::array<int32_t, 3>> Indexes(std::string_view file) {
 }
 
 void AskObject(TestHost &host, const MethodCalls &calls, REALobject object, std::string_view file) {
-  const REALstring text = host.MakeString(file.substr(0, std::min<size_t>(file.size(), 60)),
-                                          file.size() % 2 == 0 ? support::kUtf8 : support::kUtf16);
-  const REALstring path = host.MakeString(":iPod_Control:Music:F00:A.mp3");
+  REALstring text = host.MakeString(file.substr(0, std::min<size_t>(file.size(), 60)),
+                                    file.size() % 2 == 0 ? support::kUtf8 : support::kUtf16);
+  REALstring path = host.MakeString(":iPod_Control:Music:F00:A.mp3");
   for (const std::array<int32_t, 3> &numbers : Indexes(file)) {
     for (size_t i = 0; i < calls.Count(); ++i) {
       calls.Call(host, i, object, {.numbers = numbers, .text = numbers[0] == 1 ? path : text});
@@ -140,13 +140,13 @@ void TryPlugin(uint8_t options, const std::string &file) {
   static Volume volume;
   TestHost host({.entryPoint = &REALPluginMain});
   static const MethodCalls calls(host);
-  const REALobject object = host.New();
+  REALobject object = host.New();
   host.Set<int32_t>(object, "UseSJIS", options & kUseSJIS);
   host.Set<int32_t>(object, "ZerobasePlayerlist", options & kZeroBase);
   if ((options & kOtherEncode) != 0) {
     host.Set<int32_t>(object, "ResultEncode", static_cast<int32_t>(support::kShiftJIS));
   }
-  const REALfolderItem item = host.MakeItem(volume.Put(options, file));
+  REALfolderItem item = host.MakeItem(volume.Put(options, file));
   host.specFails = (options & kNoSpecification) != 0;
   const size_t strings = host.LiveStrings();
   (void)calls.Load(object, item);

@@ -25,6 +25,7 @@ class OutOfMemory : public PluginTestOfEachVariant {
     support::PauseGranting(true);
   }
   ~OutOfMemory() override {
+    Host().crossing = nullptr;
     support::GrantAllAllocations();
     support::PauseGranting(false);
   }

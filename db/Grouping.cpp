@@ -129,7 +129,7 @@ class Groups {
 
   // Twice the room, or what it takes when the songs to come bring as many groups as those before song i did.
   void Grow(size_t i) {
-    const size_t foreseen = groups_.size() * songs_.size() / (i + 1);
+    const auto foreseen = static_cast<size_t>(uint64_t{groups_.size()} * songs_.size() / (i + 1));
     Table<Slot> old(std::bit_ceil(std::max({kSmallest, 2 * slots_.size(), foreseen + foreseen / 3 + 1})));
     groups_.reserve(3 * old.size() / 4);
     old.swap(slots_);

@@ -8,7 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/Folders.h"
+
 namespace zemhost {
+
+// The sample player's folder.
+inline const std::filesystem::path kPlayer = support::SamplesFolder() / "player";
 
 struct Outcome {
   int status = -1;  // 128 and the signal's number when a signal ended it

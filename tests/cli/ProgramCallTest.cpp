@@ -19,8 +19,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const fs::path kPlayer = support::SamplesFolder() / "player";
-
 TEST(CallCommand, GivesOneResultALineWithItsEncoding) {
   const Outcome outcome =
       runZemhost({"call", kPlayer, "CountSongs", "GetTitle(0)", "gettitle(6)", "LibType",

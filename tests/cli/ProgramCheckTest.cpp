@@ -24,7 +24,6 @@ using samples::Variant;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 struct Report {
@@ -88,7 +87,7 @@ class CheckTest : public testing::Test {
 class CheckedPlayer : public CheckTest {
  protected:
   CheckedPlayer() {
-    fs::copy(support::SamplesFolder() / "player", player_, fs::copy_options::recursive);
+    fs::copy(kPlayer, player_, fs::copy_options::recursive);
     folder_.write("player/iPod_Control/Music/F12/LOST.m4a", "found");
   }
 

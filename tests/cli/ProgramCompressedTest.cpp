@@ -16,7 +16,6 @@
 #include "samples/SampleLibrary.h"
 #include "tests/cli/Files.h"
 #include "tests/cli/Program.h"
-#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -58,7 +57,7 @@ class CompressedDatabase : public testing::Test {
   Outcome run(const std::vector<std::string> &arguments) const {
     RunOptions options;
     options.environment = {{"TMPDIR", temporary_.path().string()}};
-    const Outcome outcome = runZemhost(arguments, options);
+    Outcome outcome = runZemhost(arguments, options);
     EXPECT_TRUE(fs::is_empty(temporary_.path())) << "a temporary file stayed";
     return outcome;
   }
@@ -79,7 +78,7 @@ class CompressedDatabase : public testing::Test {
 };
 
 TEST_F(CompressedDatabase, OfAPlayerAnswersAsThePlainOne) {
-  const fs::path plain = support::SamplesFolder() / "player";
+  const fs::path plain = kPlayer;
   const fs::path player = folder_.path() / "player";  // the same name, which is the volume's
   fs::copy(plain, player, fs::copy_options::recursive);
   fs::resize_file(player / "iPod_Control/iTunes/iTunesDB", 0);
@@ -104,7 +103,7 @@ TEST_F(CompressedDatabase, OfAPlayerAnswersAsThePlainOne) {
 
 TEST_F(CompressedDatabase, OfAPlayerIsCheckedAndRescuedAsThePlainOne) {
   const fs::path player = folder_.path() / "player";
-  fs::copy(support::SamplesFolder() / "player", player, fs::copy_options::recursive);
+  fs::copy(kPlayer, player, fs::copy_options::recursive);
   fs::remove(player / "iPod_Control/iTunes/iTunesDB");
   folder_.write("player/iPod_Control/iTunes/iTunesCDB", compressedForm(database_) + "left");
   const Outcome check = run({"check", player});
@@ -119,7 +118,7 @@ TEST_F(CompressedDatabase, OfAPlayerIsCheckedAndRescuedAsThePlainOne) {
 }
 
 TEST_F(CompressedDatabase, FoldersInCapitalsAreThePlayersToo) {
-  const fs::path plain = support::SamplesFolder() / "player";
+  const fs::path plain = kPlayer;
   const fs::path player = folder_.path() / "player";
   fs::create_directories(player / "IPOD_CONTROL");
   fs::copy(plain / "iPod_Control/Music", player / "IPOD_CONTROL/Music", fs::copy_options::recursive);

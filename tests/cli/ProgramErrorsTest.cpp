@@ -14,17 +14,13 @@
 #include "samples/SampleLibrary.h"
 #include "tests/cli/Files.h"
 #include "tests/cli/Program.h"
-#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
-
-const fs::path kPlayer = support::SamplesFolder() / "player";
 
 const std::vector<std::string> kReadingCommands = {"info", "songs", "playlists", "playlist", "call", "check"};
 
@@ -36,11 +32,12 @@ std::vector<std::string> commandLine(const std::string &command, const fs::path 
 
 // Every command that reads a database refuses the path with this one line.
 void expectRefusal(const fs::path &path, const std::string &file, const std::string &reason) {
+  const std::string message = "zemhost: " + file + ": " + reason + "\n";
   for (const std::string &command : kReadingCommands) {
     const Outcome outcome = runZemhost(commandLine(command, path));
     EXPECT_EQ(outcome.status, 1) << command;
     EXPECT_EQ(outcome.out, "") << command;
-    EXPECT_EQ(outcome.err, "zemhost: " + file + ": " + reason + "\n") << command;
+    EXPECT_EQ(outcome.err, message) << command;
   }
 }
 

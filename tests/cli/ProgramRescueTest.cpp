@@ -16,7 +16,6 @@
 #include "samples/SampleLibrary.h"
 #include "tests/cli/Files.h"
 #include "tests/cli/Program.h"
-#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
@@ -26,9 +25,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Key;
-using testing::Not;
 using testing::Pair;
 using testing::SizeIs;
 
@@ -89,8 +86,6 @@ class Rescue : public testing::Test {
   TemporaryFolder folder_;
   fs::path destination_ = folder_.path() / "music" / "of mine";
 };
-
-const fs::path kPlayer = support::SamplesFolder() / "player";
 
 TEST_F(Rescue, SongsOfThePlayerGetTheirNamesAndKeepContentAndTimes) {
   const Outcome outcome = run(kPlayer);

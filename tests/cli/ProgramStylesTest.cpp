@@ -6,12 +6,10 @@
 
 #include "host/cli/text/DisplayText.h"
 #include "tests/cli/Program.h"
-#include "tests/support/Folders.h"
 
 namespace zemhost {
 namespace {
 
-const std::string kPlayer = support::SamplesFolder() / "player";
 const std::string kOn = "\x1b[1m";
 const std::string kRed = "\x1b[1;31m";
 const std::string kOff = "\x1b[0m";
@@ -24,13 +22,17 @@ RunOptions terminal(std::vector<std::pair<std::string, std::string>> environment
   return options;
 }
 
+std::string withBoldHeading(const std::string &listing) {
+  const size_t end = listing.find('\n');
+  return kOn + listing.substr(0, end) + kOff + listing.substr(end);
+}
+
 TEST(ProgramStyles, HeadingsAreBoldOnATerminalAndNothingElseIs) {
   for (const std::vector<std::string> &arguments :
        {std::vector<std::string>{"songs", kPlayer}, {"playlists", kPlayer}, {"playlist", kPlayer, "2"}}) {
     const std::string plain = runZemhost(arguments, terminal({})).out;
-    const std::string heading = plain.substr(0, plain.find('\n'));
     const Outcome styled = runZemhost(arguments, terminal({{"TERM", "xterm"}}));
-    EXPECT_EQ(styled.out, kOn + heading + kOff + plain.substr(heading.size()));
+    EXPECT_EQ(styled.out, withBoldHeading(plain));
     EXPECT_EQ(styled.status, 0);
   }
 }

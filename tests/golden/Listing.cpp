@@ -319,6 +319,7 @@ class Writer {
 
   std::vector<std::string> Seen(const std::vector<std::string> &declarations) {
     std::vector<std::string> seen;
+    seen.reserve(declarations.size());
     for (const std::string &declaration : declarations)
       seen.push_back(Show(declaration, talk_.Call(declaration)));
     return seen;

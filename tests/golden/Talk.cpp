@@ -40,7 +40,7 @@ Answer Talk::AbsolutePath(const std::string &path) {
   steps_.push_back(
       {.kind = Step::Kind::Call, .name = declaration, .text = model::HostText{path, support::kUtf8}});
   const REALstring text = host_.MakeString(path);
-  const Answer answer = CallAny(host_, object_, declaration, {.text = text});
+  Answer answer = CallAny(host_, object_, declaration, {.text = text});
   host_.Release(text);
   return answer;
 }

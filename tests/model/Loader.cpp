@@ -85,12 +85,10 @@ class Walk {
     const Header chunk = {Bytes(at, 2), Bytes(at + 2, 2), Word(at + 4), Word(at + 8), Word(at + 12)};
     if (Is(chunk, "sd", "sm", "hd")) {
       listType_ = chunk.count;
-    } else if (Is(chunk, "lt", "lm", "ht")) {
-      // Only announces how many tracks follow.
+    } else if (Is(chunk, "lt", "lm", "ht") || Is(chunk, "lp", "lm", "hp")) {
+      // Only announces how many tracks or playlists follow.
     } else if (Is(chunk, "it", "im", "ht")) {
       ReadTrack(at);
-    } else if (Is(chunk, "lp", "lm", "hp")) {
-      // Only announces how many playlists follow.
     } else if (Is(chunk, "yp", "im", "hp")) {
       ReadPlaylist(at, chunk);
     } else if (Is(chunk, "ip", "tm", "hp")) {

@@ -13,7 +13,7 @@ using samples::ChunkWriter;
 using samples::DataObject;
 using samples::Kind;
 using samples::Variant;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 constexpr uint32_t kLittleText = 0x01000000;
 

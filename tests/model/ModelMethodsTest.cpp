@@ -14,7 +14,7 @@ using model::Argument;
 using model::HostText;
 using model::Result;
 using samples::Variant;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 constexpr uint32_t kUtf8 = 0x08000100;
 const std::optional<HostText> kNoText;
@@ -43,7 +43,7 @@ class ModelMethods : public testing::Test {
  protected:
   ModelMethods() { object.Construct(); }
 
-  Result Call(const std::string &declaration, std::vector<Argument> arguments = {}) {
+  Result Call(const std::string &declaration, const std::vector<Argument> &arguments = {}) {
     for (const model::Method &method : model::Methods())
       if (method.declaration == declaration) return method.call({object, arguments});
     throw std::logic_error("no method " + declaration);

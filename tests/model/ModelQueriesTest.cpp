@@ -8,7 +8,7 @@
 namespace {
 
 using model::By;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 model::Database ThreeSongs() {
   model::Database database;

@@ -145,9 +145,9 @@ TEST(ClassRecord, EveryMethodHasItsOwnFunctionNoSetterAndNoFlags) {
 
 // How many words each entry of the method list has: in a list of four, the sixth word is a setter, null.
 size_t WordsPerMethod(const TestHost &host) {
-  const auto *words = reinterpret_cast<const intptr_t *>(host.Class()->methods);
-  if (words[5] == 0) return 4;
-  return reinterpret_cast<const char *>(words[5]) == kDeclarations[1] ? 3 : 0;
+  const auto *words = reinterpret_cast<const char *const *>(host.Class()->methods);
+  if (words[5] == nullptr) return 4;
+  return words[5] == kDeclarations[1] ? 3 : 0;
 }
 
 TEST(MethodList, HasFourWordsForVersion59AndLater) {

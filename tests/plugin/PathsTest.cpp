@@ -24,7 +24,7 @@ class Paths : public PluginTest {
 
   HostText AbsolutePathOf(REALobject object, std::string_view bytes, uint32_t encoding = kUtf8) {
     const REALstring path = Host().MakeString(bytes, encoding);
-    const HostText joined = Host().CallText(object, kAbsolutePathOf, path);
+    HostText joined = Host().CallText(object, kAbsolutePathOf, path);
     Host().Release(path);
     return joined;
   }

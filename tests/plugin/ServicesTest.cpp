@@ -6,7 +6,6 @@
 namespace plugin_test {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class Services : public PluginTest {

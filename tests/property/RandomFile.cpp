@@ -343,7 +343,7 @@ class FileMaker {
       const auto size = static_cast<uint32_t>(piece.size());
       if (random_.OneIn(3) && size >= 16) {
         out_.AppendWord(SomeWord(random_));
-        piece.replace(4 * random_.Below(std::min(size / 4, 8U)), 4, out_.TakeBytes());
+        piece.replace(size_t{4} * random_.Below(std::min(size / 4, 8U)), 4, out_.TakeBytes());
         out_.Clear();
       } else {
         constexpr char kValues[] = {0, 1, 0x7F, '\x80', '\xFF'};

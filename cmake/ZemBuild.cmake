@@ -21,6 +21,12 @@ function(zem_add_library name)
   target_link_libraries(${name} PUBLIC zem_options ${arg_LIBS})
 endfunction()
 
+# Compiles the sources of a program in groups where ZEM_TOGETHER asks for it: most of the time of each goes into the
+# headers that all of them include. What the plug-in is made of is never compiled so.
+function(zem_compile_together name)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${ZEM_TOGETHER})
+endfunction()
+
 # zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program whose cases CTest learns from the program itself.
 # CTest's names begin with the folder's, so that `./test db` runs one folder. The program's own sources are optimised
 # little: compiling them takes longer than running them.
@@ -28,6 +34,7 @@ function(zem_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_options(${name} PRIVATE -Og)
+  zem_compile_together(${name})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
   gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)

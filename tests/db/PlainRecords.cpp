@@ -8,7 +8,7 @@
 namespace db_test {
 namespace {
 
-model::Cell Plain(const songInfo &cell) { return {cell.idx, cell.enc, std::string(cell.obj.View())}; }
+model::Cell PlainCell(const songInfo &cell) { return {cell.idx, cell.enc, std::string(cell.obj.View())}; }
 
 }  // namespace
 
@@ -25,15 +25,15 @@ model::Song Plain(const CSongList &song) {
   plain.moviefileflag = song.moviefileflag;
   plain.mediaType = song.mediaType;
   plain.year = song.year;
-  plain.trackInfo = Plain(song.trackInfo);
-  plain.title = Plain(song.title);
-  plain.path = Plain(song.path);
-  plain.album = Plain(song.album);
-  plain.artist = Plain(song.artist);
-  plain.genre = Plain(song.genre);
-  plain.filetype = Plain(song.filetype);
-  plain.composer = Plain(song.composer);
-  for (const songInfo &other : song.unknown) plain.unknown.push_back(Plain(other));
+  plain.trackInfo = PlainCell(song.trackInfo);
+  plain.title = PlainCell(song.title);
+  plain.path = PlainCell(song.path);
+  plain.album = PlainCell(song.album);
+  plain.artist = PlainCell(song.artist);
+  plain.genre = PlainCell(song.genre);
+  plain.filetype = PlainCell(song.filetype);
+  plain.composer = PlainCell(song.composer);
+  for (const songInfo &other : song.unknown) plain.unknown.push_back(PlainCell(other));
   return plain;
 }
 
@@ -42,7 +42,7 @@ model::Database Plain(const CiTunesDB &database) {
   plain.libType = database.libType;
   for (const CSongList &song : database.songs) plain.songs.push_back(Plain(song));
   for (const CPlayList &list : database.plays) {
-    model::Playlist playlist{list.listType, list.listTypeII, Plain(list.name), {}};
+    model::Playlist playlist{list.listType, list.listTypeII, PlainCell(list.name), {}};
     for (const refidx &entry : list.refnum) {
       playlist.entries.push_back({entry.ref, entry.idx, entry.ply, entry.flg});
     }
@@ -53,11 +53,11 @@ model::Database Plain(const CiTunesDB &database) {
 
 namespace {
 
-void Describe(std::ostream &out, const model::Cell &cell) {
+void DescribeCell(std::ostream &out, const model::Cell &cell) {
   out << " {" << cell.idx << ' ' << cell.enc << ' ' << testing::PrintToString(cell.text) << '}';
 }
 
-void Describe(std::ostream &out, const model::Song &song) {
+void DescribeSong(std::ostream &out, const model::Song &song) {
   out << "song " << song.id << std::hex;
   for (const int32_t word : song.res) out << ' ' << word;
   for (const uint32_t word : {song.number, song.total, song.duration, song.filesize, song.bitrate,
@@ -67,9 +67,9 @@ void Describe(std::ostream &out, const model::Song &song) {
   out << std::dec;
   for (const model::Cell *cell : {&song.trackInfo, &song.title, &song.path, &song.album, &song.artist,
                                   &song.genre, &song.filetype, &song.composer}) {
-    Describe(out, *cell);
+    DescribeCell(out, *cell);
   }
-  for (const model::Cell &cell : song.unknown) Describe(out, cell);
+  for (const model::Cell &cell : song.unknown) DescribeCell(out, cell);
   out << '\n';
 }
 
@@ -78,10 +78,10 @@ void Describe(std::ostream &out, const model::Song &song) {
 std::string Describe(const model::Database &database) {
   std::ostringstream out;
   out << "variant " << database.libType << '\n';
-  for (const model::Song &song : database.songs) Describe(out, song);
+  for (const model::Song &song : database.songs) DescribeSong(out, song);
   for (const model::Playlist &list : database.plays) {
     out << "playlist " << list.listType << ' ' << list.listTypeII;
-    Describe(out, list.name);
+    DescribeCell(out, list.name);
     for (const model::Entry &entry : list.entries) {
       out << " (" << entry.ref << ' ' << entry.idx << ' ' << entry.ply << ' ' << entry.flg << ')';
     }

@@ -12,7 +12,7 @@ namespace {
 using namespace std::string_literals;
 
 constexpr std::array<int32_t, 6> kNoIndex{-1, 3, 4, INT_MAX, INT_MIN, -100};
-constexpr std::array<int32_t, 8> kNamed{-100, 1, 2, 3, 4, 5, 6, 12};
+constexpr std::array<int32_t, 8> kNamedNumbers{-100, 1, 2, 3, 4, 5, 6, 12};
 
 // Where a prop from -2 on stands in a list of them.
 size_t PlaceOf(int32_t num) { return static_cast<size_t>(num) + 2; }
@@ -141,7 +141,7 @@ TEST_F(SongQueries, NamedObjectsHaveTheirNumbers) {
 }
 
 TEST_F(SongQueries, ObjectInfoIsTheWholeCell) {
-  for (const int32_t num : kNamed) {
+  for (const int32_t num : kNamedNumbers) {
     const songInfo info = database_.SongsObjectInfo(1, num);
     EXPECT_EQ(info.obj, database_.SongsObject(1, num)) << num;
     EXPECT_EQ(info.idx, num == -100 ? -100 : num == 12 ? 17 : num + 10) << num;

@@ -9,7 +9,7 @@
 namespace zemhost {
 namespace {
 
-Declaration read(std::string_view text) {
+Declaration declarationOf(std::string_view text) {
   Parsed<Declaration> parsed = parseDeclaration(text);
   if (const auto *error = std::get_if<ParseError>(&parsed)) {
     ADD_FAILURE() << explain("declaration", text, *error);
@@ -26,21 +26,21 @@ ParseError errorOf(std::string_view text) {
 }
 
 TEST(Declaration, NameAlone) {
-  const Declaration d = read("Constructor");
+  const Declaration d = declarationOf("Constructor");
   EXPECT_EQ(d.name, "Constructor");
   EXPECT_TRUE(d.arguments.empty());
   EXPECT_EQ(d.result, Kind::None);
 }
 
 TEST(Declaration, ResultWithoutArguments) {
-  const Declaration d = read("CountSongs As Integer");
+  const Declaration d = declarationOf("CountSongs As Integer");
   EXPECT_EQ(d.name, "CountSongs");
   EXPECT_TRUE(d.arguments.empty());
   EXPECT_EQ(d.result, Kind::Integer);
 }
 
 TEST(Declaration, ArgumentsAndResult) {
-  const Declaration d = read("GetTitle(playlist As Integer, index As Integer) As String");
+  const Declaration d = declarationOf("GetTitle(playlist As Integer, index As Integer) As String");
   EXPECT_EQ(d.name, "GetTitle");
   ASSERT_EQ(d.arguments.size(), 2U);
   EXPECT_EQ(d.arguments[0].name, "playlist");
@@ -50,14 +50,15 @@ TEST(Declaration, ArgumentsAndResult) {
 }
 
 TEST(Declaration, ArgumentsWithoutResult) {
-  const Declaration d = read("SetX(a As Integer, b As Boolean)");
+  const Declaration d = declarationOf("SetX(a As Integer, b As Boolean)");
   ASSERT_EQ(d.arguments.size(), 2U);
   EXPECT_EQ(d.arguments[1].kind, Kind::Boolean);
   EXPECT_EQ(d.result, Kind::None);
 }
 
 TEST(Declaration, EveryKind) {
-  const Declaration d = read("M(a As Integer, b As Boolean, c As String, d As FolderItem) As FolderItem");
+  const Declaration d =
+      declarationOf("M(a As Integer, b As Boolean, c As String, d As FolderItem) As FolderItem");
   ASSERT_EQ(d.arguments.size(), 4U);
   EXPECT_EQ(d.arguments[0].kind, Kind::Integer);
   EXPECT_EQ(d.arguments[1].kind, Kind::Boolean);
@@ -67,28 +68,28 @@ TEST(Declaration, EveryKind) {
 }
 
 TEST(Declaration, CaseAndBlanksDoNotMatter) {
-  EXPECT_EQ(toText(read("  getTitle ( index\tAS integer,n as STRING )as  folderitem ")),
+  EXPECT_EQ(toText(declarationOf("  getTitle ( index\tAS integer,n as STRING )as  folderitem ")),
             "getTitle(index As Integer, n As String) As FolderItem");
-  EXPECT_EQ(toText(read("M()")), "M");
-  EXPECT_EQ(toText(read("M( ) As Boolean")), "M As Boolean");
+  EXPECT_EQ(toText(declarationOf("M()")), "M");
+  EXPECT_EQ(toText(declarationOf("M( ) As Boolean")), "M As Boolean");
 }
 
 TEST(Declaration, NamesThatBeginLikeAsAreNames) {
-  EXPECT_EQ(toText(read("Assign(asset As Integer)")), "Assign(asset As Integer)");
+  EXPECT_EQ(toText(declarationOf("Assign(asset As Integer)")), "Assign(asset As Integer)");
 }
 
 TEST(Declaration, TextOfADeclarationReadsAsTheSame) {
   for (const char *text : {"Constructor", "CountSongs As Integer", "Load(f As FolderItem) As Boolean"})
-    EXPECT_EQ(toText(read(text)), text);
+    EXPECT_EQ(toText(declarationOf(text)), text);
 }
 
-struct Wrong {
+struct Fault {
   const char *text;
   size_t position;
   const char *message;
 };
 
-class WrongDeclaration : public testing::TestWithParam<Wrong> {};
+class WrongDeclaration : public testing::TestWithParam<Fault> {};
 
 TEST_P(WrongDeclaration, IsAnErrorWithItsPlace) {
   const ParseError error = errorOf(GetParam().text);
@@ -98,25 +99,25 @@ TEST_P(WrongDeclaration, IsAnErrorWithItsPlace) {
 
 INSTANTIATE_TEST_SUITE_P(
     Declaration, WrongDeclaration,
-    testing::Values(Wrong{"", 0, "expected a method's name, found the end"},
-                    Wrong{"(a As Integer)", 0, "expected a method's name, found \"(\""},
-                    Wrong{"1st", 0, "expected a method's name"},
-                    Wrong{"As Integer", 3, "expected a method's name before As"},
-                    Wrong{"M(", 2, "expected an argument's name, found the end"},
-                    Wrong{"M(a", 3, "expected As, found the end"},
-                    Wrong{"M(a Integer)", 4, "expected As, found \"I\""},
-                    Wrong{"M(a As)", 6, "expected a type"},
-                    Wrong{"M(a As Double)", 7, "expected a type (Integer, Boolean, String or FolderItem)"},
-                    Wrong{"M(a As Integer", 14, "expected \",\" or \")\", found the end"},
-                    Wrong{"M(a As Integer,)", 15, "expected an argument's name"},
-                    Wrong{"M(a As Integer b As Integer)", 15, "expected \",\" or \")\""},
-                    Wrong{"M(a As Integer, A As String)", 16, "a second argument named A"},
-                    Wrong{"M As", 4, "expected a type"},
-                    Wrong{"M As Integer()", 12, "expected the end, found \"(\""},
-                    Wrong{"M(a As Integer) Integer", 16, "expected the end, found \"I\""},
-                    Wrong{"M(a() As Integer)", 3, "expected As"},
-                    Wrong{"M(\xC3\xA9 As Integer)", 2, "expected an argument's name, found \"\xC3\xA9\""},
-                    Wrong{"M\n", 1, "expected the end, found Chr(10)"}));
+    testing::Values(Fault{"", 0, "expected a method's name, found the end"},
+                    Fault{"(a As Integer)", 0, "expected a method's name, found \"(\""},
+                    Fault{"1st", 0, "expected a method's name"},
+                    Fault{"As Integer", 3, "expected a method's name before As"},
+                    Fault{"M(", 2, "expected an argument's name, found the end"},
+                    Fault{"M(a", 3, "expected As, found the end"},
+                    Fault{"M(a Integer)", 4, "expected As, found \"I\""},
+                    Fault{"M(a As)", 6, "expected a type"},
+                    Fault{"M(a As Double)", 7, "expected a type (Integer, Boolean, String or FolderItem)"},
+                    Fault{"M(a As Integer", 14, "expected \",\" or \")\", found the end"},
+                    Fault{"M(a As Integer,)", 15, "expected an argument's name"},
+                    Fault{"M(a As Integer b As Integer)", 15, "expected \",\" or \")\""},
+                    Fault{"M(a As Integer, A As String)", 16, "a second argument named A"},
+                    Fault{"M As", 4, "expected a type"},
+                    Fault{"M As Integer()", 12, "expected the end, found \"(\""},
+                    Fault{"M(a As Integer) Integer", 16, "expected the end, found \"I\""},
+                    Fault{"M(a() As Integer)", 3, "expected As"},
+                    Fault{"M(\xC3\xA9 As Integer)", 2, "expected an argument's name, found \"\xC3\xA9\""},
+                    Fault{"M\n", 1, "expected the end, found Chr(10)"}));
 
 TEST(Declaration, At32ArgumentsItStops) {
   const auto withArguments = [](int count) {
@@ -124,15 +125,15 @@ TEST(Declaration, At32ArgumentsItStops) {
     for (int i = 1; i < count; ++i) text += ", a" + std::to_string(i) + " As Integer";
     return text + ")";
   };
-  EXPECT_EQ(read(withArguments(32)).arguments.size(), 32U);
+  EXPECT_EQ(declarationOf(withArguments(32)).arguments.size(), 32U);
   EXPECT_THAT(errorOf(withArguments(33)).message, testing::HasSubstr("more than 32 arguments"));
 }
 
 TEST(Declaration, SameCallLooksAtNameAndKindsOnly) {
-  EXPECT_TRUE(sameCall(read("M(a As Integer)"), read("m(b As Integer) As String")));
-  EXPECT_FALSE(sameCall(read("M(a As Integer)"), read("M(a As String)")));
-  EXPECT_FALSE(sameCall(read("M(a As Integer)"), read("M(a As Integer, b As Integer)")));
-  EXPECT_FALSE(sameCall(read("M(a As Integer)"), read("N(a As Integer)")));
+  EXPECT_TRUE(sameCall(declarationOf("M(a As Integer)"), declarationOf("m(b As Integer) As String")));
+  EXPECT_FALSE(sameCall(declarationOf("M(a As Integer)"), declarationOf("M(a As String)")));
+  EXPECT_FALSE(sameCall(declarationOf("M(a As Integer)"), declarationOf("M(a As Integer, b As Integer)")));
+  EXPECT_FALSE(sameCall(declarationOf("M(a As Integer)"), declarationOf("N(a As Integer)")));
 }
 
 TEST(Declaration, ExplanationShowsTextAndColumnInCharacters) {
@@ -172,7 +173,7 @@ TEST(Declaration, AnyTextIsReadOrRefusedInside) {
     } else {
       ++readable;
       const std::string again = toText(std::get<Declaration>(parsed));
-      ASSERT_EQ(toText(read(again)), again);
+      ASSERT_EQ(toText(declarationOf(again)), again);
     }
   }
   EXPECT_GT(readable, 100);

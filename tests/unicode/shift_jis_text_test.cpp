@@ -171,13 +171,13 @@ std::string Stored(std::string_view a, std::int32_t encode) {
   return written;
 }
 
-constexpr std::int32_t kEncodings[] = {
+constexpr std::int32_t kStoredEncodings[] = {
     kUtf16Code, kAsItIsCode, kOtherCode, 0,          -100,
     0x0100,     0x0A01,      16777216,   0x08000100, std::numeric_limits<std::int32_t>::min()};
 
 TEST(ShiftJISStored, EmptyInputGivesEmptyOutputForEveryCode) {
-  for (const std::int32_t encode : kEncodings) EXPECT_EQ(Stored("", encode), "") << encode;
-  for (const std::int32_t encode : kEncodings) EXPECT_EQ(Stored({}, encode), "") << encode;
+  for (const std::int32_t encode : kStoredEncodings) EXPECT_EQ(Stored("", encode), "") << encode;
+  for (const std::int32_t encode : kStoredEncodings) EXPECT_EQ(Stored({}, encode), "") << encode;
 }
 
 TEST(ShiftJISStored, Code3GivesTheBytesAsTheyAre) {
@@ -192,7 +192,7 @@ TEST(ShiftJISStored, Code1ConvertsPlainTextToo) {
 }
 
 TEST(ShiftJISStored, EveryOtherCodeHandsOutPlainSingleBytesUnconverted) {
-  for (const std::int32_t encode : kEncodings) {
+  for (const std::int32_t encode : kStoredEncodings) {
     if (encode == kUtf16Code || encode == kAsItIsCode) continue;
     EXPECT_EQ(Stored("\x00\x48\x00\xE9"s, encode), "H\xE9") << encode;
   }

@@ -14,12 +14,12 @@ namespace zemhost {
 
 namespace {
 
-struct Arguments {
+struct CallArguments {
   std::string path;
   std::vector<std::string> lines;
 };
 
-int evaluateLines(const Arguments &arguments) {
+int evaluateLines(const CallArguments &arguments) {
   const Object object = openDatabase(arguments.path).object;
   int status = kSuccess;
   for (const std::string &line : arguments.lines) {
@@ -37,7 +37,7 @@ int evaluateLines(const Arguments &arguments) {
 }  // namespace
 
 void addCallCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<CallArguments>();
   CLI::App *const command =
       program.add_subcommand("call", "Do lines of host code with an object that has loaded the database");
   addPathArgument(*command, arguments->path);

@@ -11,7 +11,7 @@ namespace zemhost {
 
 namespace {
 
-struct Arguments {
+struct CheckArguments {
   std::string path;
   bool json = false;
 };
@@ -33,7 +33,7 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
   }
 }
 
-int check(const Arguments &arguments) {
+int check(const CheckArguments &arguments) {
   OpenDatabase database = loadDatabase(Host::load(), arguments.path);
   CheckReport report{database.location, database.compressed, accountOf(database), {}, {}, {}};
   report.findings = report.file.findings;
@@ -56,7 +56,7 @@ int check(const Arguments &arguments) {
 }  // namespace
 
 void addCheckCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<CheckArguments>();
   CLI::App *const command = program.add_subcommand(
       "check", "Account for every byte of a database, every entry and every song's file");
   addPathArgument(*command, arguments->path);

@@ -16,7 +16,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Arguments {
+struct CompareArguments {
   std::string a;
   std::string b;
   std::string by = "song";
@@ -72,7 +72,7 @@ class GroupTable {
 };
 
 void writeText(const Comparison &comparison, const MusicLibrary &a, const MusicLibrary &b,
-               const Arguments &arguments, Sameness by) {
+               const CompareArguments &arguments, Sameness by) {
   EncodedOutput out(arguments.encoding, a.host());
   const auto counted = [&](size_t count) {
     return countText(count, "different " + arguments.by, "different " + arguments.by + "s");
@@ -109,7 +109,7 @@ Json groupJson(Sameness by, const SongGroup &group) {
 }
 
 void writeJson(const Comparison &comparison, const MusicLibrary &a, const MusicLibrary &b,
-               const Arguments &arguments, Sameness by) {
+               const CompareArguments &arguments, Sameness by) {
   const auto library = [](const std::string &path, const MusicLibrary &which) {
     return Json{{"path", path}, {"songs", which.songCount()}};
   };
@@ -134,7 +134,7 @@ void writeJson(const Comparison &comparison, const MusicLibrary &a, const MusicL
   out.finish();
 }
 
-int compare(const Arguments &arguments) {
+int compare(const CompareArguments &arguments) {
   const Host host = Host::load();
   const MusicLibrary a(openDatabase(host, arguments.a));
   const MusicLibrary b(openDatabase(host, arguments.b));
@@ -151,7 +151,7 @@ int compare(const Arguments &arguments) {
 }  // namespace
 
 void addCompareCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<CompareArguments>();
   CLI::App *const command =
       program.add_subcommand("compare", "List what only one of two libraries has, and what both have");
   command->add_option("A", arguments->a, "A player or database, as PATH of the other commands")->required();

@@ -16,7 +16,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Arguments {
+struct DuplicatesArguments {
   std::string path;
   std::string encoding;
   bool anyAlbum = false;
@@ -24,7 +24,7 @@ struct Arguments {
 };
 
 void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library,
-               const Arguments &arguments) {
+               const DuplicatesArguments &arguments) {
   EncodedOutput out(arguments.encoding, library.host());
   using enum Column::Align;
   Table table({{"Group", Right, 0, 0},
@@ -56,8 +56,8 @@ void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library
   out.finish();
 }
 
-void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library, const Arguments &arguments,
-               Sameness by) {
+void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library,
+               const DuplicatesArguments &arguments, Sameness by) {
   Json json = {{"path", arguments.path}, {"songs", library.songCount()}, {"groups", Json::array()}};
   for (const SongGroup &group : groups) {
     Json texts = Json::object();
@@ -79,7 +79,7 @@ void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library
   out.finish();
 }
 
-int listDuplicates(const Arguments &arguments) {
+int listDuplicates(const DuplicatesArguments &arguments) {
   const MusicLibrary library(openDatabase(arguments.path));
   const Sameness by = arguments.anyAlbum ? Sameness::SongOfArtist : Sameness::Song;
   std::vector<SongGroup> groups = groupSongs(library, by);
@@ -95,7 +95,7 @@ int listDuplicates(const Arguments &arguments) {
 }  // namespace
 
 void addDuplicatesCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<DuplicatesArguments>();
   CLI::App *const command =
       program.add_subcommand("duplicates",
                              "List the songs that are there more than once: the same title, "

@@ -16,7 +16,7 @@ namespace zemhost {
 
 namespace {
 
-struct Arguments {
+struct ExportArguments {
   std::string path;
   std::string format;
   std::string output;
@@ -66,7 +66,7 @@ M3uPaths pathsNamed(const std::string &name) {
   return name == "relative" ? M3uPaths::Relative : M3uPaths::Host;
 }
 
-void writeM3u(const MusicLibrary &library, const Selection &selection, const Arguments &arguments) {
+void writeM3u(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
   EncodedOutput out(arguments.encoding, library.host(), arguments.output);
   std::filesystem::path folder = std::filesystem::current_path();
   if (!arguments.writesStandardOutput()) folder /= std::filesystem::path(arguments.output).parent_path();
@@ -82,7 +82,7 @@ void writeM3u(const MusicLibrary &library, const Selection &selection, const Arg
   }
 }
 
-std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const Arguments &arguments,
+std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const ExportArguments &arguments,
                                          const SongColumnList &columns) {
   if (arguments.format == "sqlite") return makeSqliteWriter(arguments.output, columns);
   auto out = std::make_unique<EncodedOutput>(arguments.encoding, library.host(), arguments.output);
@@ -98,7 +98,7 @@ void writePlaylist(ExportWriter &writer, const PlaylistColumns &columns, const M
   for (int32_t position = 0; position < count; ++position) writer.entry(columns.entryRow(playlist, position));
 }
 
-std::vector<std::string> fieldsOf(const Arguments &arguments) {
+std::vector<std::string> fieldsOf(const ExportArguments &arguments) {
   std::vector<std::string> fields = arguments.fields;
   if (fields.empty() || arguments.format != "sqlite") return fields;
   // The keys that entries refer to.
@@ -110,7 +110,7 @@ std::vector<std::string> fieldsOf(const Arguments &arguments) {
 
 // The songs, and behind them the playlists in the formats that have a place for those. These hold a song once
 // that stands in a playlist twice, as entries refer to it.
-void writeTables(const MusicLibrary &library, const Selection &selection, const Arguments &arguments) {
+void writeTables(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
   const bool holdsPlaylists = arguments.format == "json" || arguments.format == "sqlite";
   const SongColumns songs(library, fieldsOf(arguments));
   const auto writer = makeWriter(library, arguments, songs.columns());
@@ -133,7 +133,7 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
   writer->finish();
 }
 
-int exportLibrary(const Arguments &arguments) {
+int exportLibrary(const ExportArguments &arguments) {
   const MusicLibrary library(openDatabase(arguments.path));
   const Selection selection(library, arguments.playlist);
   if (arguments.format == "m3u8") {
@@ -145,7 +145,7 @@ int exportLibrary(const Arguments &arguments) {
 }
 
 // Options that do not go together.
-void checkArguments(const CLI::App &command, const Arguments &arguments) {
+void checkArguments(const CLI::App &command, const ExportArguments &arguments) {
   const bool list = arguments.format == "m3u8";
   if (list && !arguments.fields.empty())
     throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
@@ -160,7 +160,7 @@ void checkArguments(const CLI::App &command, const Arguments &arguments) {
 }  // namespace
 
 void addExportCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<ExportArguments>();
   CLI::App *const command =
       program.add_subcommand("export", "Write songs and playlists in a format that other programs read");
   addPathArgument(*command, arguments->path);

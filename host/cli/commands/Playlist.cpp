@@ -10,13 +10,13 @@ namespace zemhost {
 
 namespace {
 
-struct Arguments {
+struct PlaylistArguments {
   std::string path;
   std::string playlist;
   std::string encoding;
 };
 
-int listPlaylist(const Arguments &arguments) {
+int listPlaylist(const PlaylistArguments &arguments) {
   const MusicLibrary library(openDatabase(arguments.path));
   const int32_t playlist = choosePlaylist(library, arguments.playlist);
   EncodedOutput out(arguments.encoding, library.host());
@@ -37,7 +37,7 @@ int listPlaylist(const Arguments &arguments) {
 }  // namespace
 
 void addPlaylistCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<PlaylistArguments>();
   CLI::App *const command = program.add_subcommand("playlist", "List the songs of one playlist");
   addPathArgument(*command, arguments->path);
   command->add_option("PLAYLIST", arguments->playlist, "Its number, its name, or the beginning of its name")

@@ -17,7 +17,7 @@ namespace zemhost {
 
 namespace {
 
-struct Arguments {
+struct RescueArguments {
   std::string path;
   std::string destination;
   std::string pattern{kUsualPattern};
@@ -51,7 +51,7 @@ void writeSummary(const RescueResult &result, bool dryRun) {
   writeList(countText(result.problems.size(), "problem", "problems"), result.problems);
 }
 
-int rescueMusic(const Arguments &arguments) {
+int rescueMusic(const RescueArguments &arguments) {
   RescueRequest request{arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun};
   const MusicLibrary library(openDatabase(arguments.path));
   for (const std::string &wanted : arguments.playlists) {
@@ -67,7 +67,7 @@ int rescueMusic(const Arguments &arguments) {
 }  // namespace
 
 void addRescueCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<RescueArguments>();
   CLI::App *const command =
       program.add_subcommand("rescue", "Copy the music off a player under its real names, and its playlists");
   addPathArgument(*command, arguments->path);

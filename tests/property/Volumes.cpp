@@ -22,8 +22,9 @@ class Volumes {
         folders_[i].makeDirectory(std::filesystem::path("iPod_Control/Music") / folder);
       }
       folders_[i].makeFile("iPod_Control/Music/F00/A.mp3");
-      const std::string deep(62, 'd');
-      folders_[i].makeDirectory(deep + '/' + deep + '/' + deep);
+      std::filesystem::path deep;
+      for (int level = 0; level < 3; ++level) deep /= std::string(62, 'd');
+      folders_[i].makeDirectory(deep);
       if (CarbonMountVolume(kNames[i], folders_[i].path().c_str()) != noErr)
         throw std::runtime_error("no volume");
     }

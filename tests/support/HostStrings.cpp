@@ -16,7 +16,7 @@ std::u32string Characters(std::string_view bytes, uint32_t encoding) {
       c = c << 8 | byte(i + 1);
       used = 2;
       if (c >= 0xd800 && c < 0xdc00 && i + 3 < bytes.size()) {
-        const char32_t low = static_cast<char32_t>(byte(i + 2) << 8 | byte(i + 3));
+        const auto low = static_cast<char32_t>(byte(i + 2) << 8 | byte(i + 3));
         c = 0x10000 + ((c - 0xd800) << 10) + (low - 0xdc00);
         used = 4;
       }

@@ -181,7 +181,7 @@ void PrintTo(const Conversion &conversion, std::ostream *out) {
   *out << " to 0x" << std::hex << conversion.to << std::dec;
 }
 
-TestHost::TestHost(Setup setup)
+TestHost::TestHost(const Setup &setup)
     : version(setup.version), missing(setup.missing), dataOffset_(setup.dataOffset) {
   if (current != nullptr) throw std::logic_error("hosts live one at a time");
   current = this;

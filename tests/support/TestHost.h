@@ -63,7 +63,7 @@ class TestHost {
 
   // Loads the plug-in and calls its entry point. Throws std::runtime_error when there is no plug-in.
   TestHost() : TestHost(Setup{}) {}
-  explicit TestHost(Setup setup);
+  explicit TestHost(const Setup &setup);
   // Ends the objects that are left, and unloads the plug-in.
   ~TestHost();
   TestHost(const TestHost &) = delete;

@@ -7,9 +7,11 @@ import signal
 import subprocess
 import tempfile
 import termios
+import time
 import unittest
 
-import program
+from database_writer import library
+from program import run, start, wait_until
 
 PARTIAL = ".zemhost-rescue.part"
 CONTINUE = "run the same command again to go on where it ended"
@@ -17,6 +19,33 @@ CONTINUE = "run the same command again to go on where it ended"
 
 def files_below(folder):
     return {os.path.relpath(os.path.join(at, name), folder) for at, _, names in os.walk(folder) for name in names}
+
+
+class Player:
+    """A player with tiny songs, each with a content of its own, in albums of twelve."""
+
+    def __init__(self, folder, count, size=200):
+        self.root = os.path.join(folder, "player")
+        self.contents = {}  # by the name that a rescue gives the song
+        songs = []
+        for place in range(count):
+            path = f"F{place % 50:02}/S{place:05}.mp3"
+            content = f"song {place} ".encode() * (size // 10 + 1)
+            file = os.path.join(self.root, "iPod_Control", "Music", path)
+            if place < 50:
+                os.makedirs(os.path.dirname(file))
+            with open(file, "wb") as out:
+                out.write(content)
+            os.utime(file, (1_000_000_000 + place, 1_000_000_000 + place))
+            album = place // 12
+            songs.append({"title": f"Song {place}", "album": f"Album {album}", "artist": f"Artist {album % 97}",
+                          "path": ":iPod_Control:Music:" + path.replace("/", ":"), "size": len(content),
+                          "track": place % 12 + 1})
+            name = f"Artist {album % 97}/Album {album}/{place % 12 + 1:02} Song {place}.mp3"
+            self.contents[name] = (content, 1_000_000_000 + place)
+        os.makedirs(os.path.join(self.root, "iPod_Control", "iTunes"))
+        with open(os.path.join(self.root, "iPod_Control", "iTunes", "iTunesDB"), "wb") as out:
+            out.write(library(songs, [("Some", [0, count - 1])]))
 
 
 class InterruptedRescue(unittest.TestCase):
@@ -39,24 +68,24 @@ class InterruptedRescue(unittest.TestCase):
         return len(names)
 
     def rescue(self):
-        return program.run("rescue", self.player.root, self.destination)
+        return run("rescue", self.player.root, self.destination)
 
     def expect_complete(self, before):
-        status, out, err = self.rescue()
-        self.assertEqual((status, err), (0, ""))
+        ended = self.rescue()
+        self.assertEqual((ended.status, ended.message), (0, ""))
         total = len(self.player.contents)
         self.assertEqual(self.copied(), total)
         self.assertNotIn(PARTIAL, os.listdir(self.destination))
-        summary = out.splitlines()[total - before:]
+        summary = ended.text.splitlines()[total - before:]
         self.assertTrue(summary[0].startswith(f"{total - before} songs copied, "), summary)
         self.assertEqual(summary[1:], [f"{before} songs are there already", "1 playlist written"])
 
     def start_and_stop(self, after, **options):
         """A running rescue that stands still after it has copied some songs."""
-        process = program.start("rescue", self.player.root, self.destination, **options)
+        process = start("rescue", self.player.root, self.destination, **options)
         self.addCleanup(process.kill)
         self.addCleanup(lambda: [stream.close() for stream in (process.stdout, process.stderr) if stream])
-        program.wait_until(lambda: os.path.isdir(self.destination) and len(files_below(self.destination)) > after)
+        wait_until(lambda: os.path.isdir(self.destination) and len(files_below(self.destination)) > after)
         process.send_signal(signal.SIGSTOP)
         return process
 
@@ -66,12 +95,12 @@ class InterruptedRescue(unittest.TestCase):
         if os.geteuid() != 0 or subprocess.run(mount, stderr=subprocess.DEVNULL, check=False).returncode != 0:
             self.skipTest("no file system can be mounted here")
         self.addCleanup(subprocess.run, ["umount", self.destination], check=True)
-        self.player = program.Player(self.folder, 20_000)
-        status, _, err = self.rescue()
+        self.player = Player(self.folder, 20_000)
+        refused = self.rescue()
         before = self.copied()
-        self.assertEqual(status, 1)
-        self.assertRegex(err, rf"\Azemhost: {self.destination}: No space left on device; {before} of 20000 songs are "
-                              rf"there; {CONTINUE}\n\Z")
+        self.assertEqual(refused.status, 1)
+        self.assertRegex(refused.message, rf"\Azemhost: {self.destination}: No space left on device; "
+                                          rf"{before} of 20000 songs are there; {CONTINUE}\n\Z")
         self.assertTrue(0 < before < 20_000)
         self.assertNotIn(PARTIAL, os.listdir(self.destination))
         subprocess.run(["mount", "-o", "remount,size=300m", self.destination], check=True)
@@ -83,13 +112,14 @@ class InterruptedRescue(unittest.TestCase):
         if os.geteuid() != 0 or subprocess.run(mount, stderr=subprocess.DEVNULL, check=False).returncode != 0:
             self.skipTest("no file system can be mounted here")
         self.addCleanup(subprocess.run, ["umount", self.destination], check=True)
-        self.player = program.Player(self.folder, 60, size=5000)
-        status, _, err = self.rescue()
-        self.assertEqual(status, 1)
-        self.assertRegex(err.splitlines()[0], r": [0-9.]+ kB are still to be copied and only [0-9.]+ kB are free; ")
+        self.player = Player(self.folder, 60, size=5000)
+        refused = self.rescue()
+        self.assertEqual(refused.status, 1)
+        self.assertRegex(refused.message.splitlines()[0],
+                         r": [0-9.]+ kB are still to be copied and only [0-9.]+ kB are free; ")
 
     def test_a_killed_one_goes_on(self):
-        self.player = program.Player(self.folder, 3000)
+        self.player = Player(self.folder, 3000)
         process = self.start_and_stop(300)
         process.kill()
         process.wait()
@@ -99,7 +129,7 @@ class InterruptedRescue(unittest.TestCase):
 
     def test_signals_leave_nothing_half_and_say_how_to_go_on(self):
         for number, word in ((signal.SIGINT, "interrupted"), (signal.SIGTERM, "terminated")):
-            self.player = program.Player(tempfile.mkdtemp(dir=self.folder), 2000)
+            self.player = Player(tempfile.mkdtemp(dir=self.folder), 2000)
             self.destination = tempfile.mkdtemp(dir=self.folder)
             process = self.start_and_stop(100)
             process.send_signal(number)
@@ -110,7 +140,7 @@ class InterruptedRescue(unittest.TestCase):
             self.expect_complete(self.copied())
 
     def test_a_player_that_is_gone_is_said_to_be(self):
-        self.player = program.Player(self.folder, 2000)
+        self.player = Player(self.folder, 2000)
         process = self.start_and_stop(100)
         os.rename(self.player.root, self.player.root + " unplugged")
         process.send_signal(signal.SIGCONT)
@@ -123,22 +153,23 @@ class InterruptedRescue(unittest.TestCase):
         self.expect_complete(before)
 
     def test_only_one_at_a_time_writes_to_a_place(self):
-        self.player = program.Player(self.folder, 2000)
+        self.player = Player(self.folder, 2000)
         process = self.start_and_stop(100)
-        status, _, err = self.rescue()
-        self.assertEqual((status, err), (1, f"zemhost: {self.destination}: another rescue is writing here\n"))
+        refused = self.rescue()
+        self.assertEqual((refused.status, refused.message),
+                         (1, f"zemhost: {self.destination}: another rescue is writing here\n"))
         process.send_signal(signal.SIGCONT)
         process.communicate(timeout=60)
         self.assertEqual(process.returncode, 0)
         self.assertEqual(self.copied(), 2000)
 
     def test_a_terminal_shows_a_line_that_changes(self):
-        self.player = program.Player(self.folder, 2000)
+        self.player = Player(self.folder, 2000)
         ours, theirs = pty.openpty()
         termios.tcsetwinsize(theirs, (24, 100))
         process = self.start_and_stop(100, stdout=theirs)
         os.close(theirs)
-        program.time.sleep(0.7)  # a rate and a time left are told after half a second
+        time.sleep(0.7)  # a rate and a time left are told after half a second
         process.send_signal(signal.SIGCONT)
         shown = b""
         while True:
@@ -159,7 +190,7 @@ class InterruptedRescue(unittest.TestCase):
         self.assertGreater(len(lines[summary - 1]), 50)
 
     def test_an_interruption_ends_the_changing_line(self):
-        self.player = program.Player(self.folder, 2000)
+        self.player = Player(self.folder, 2000)
         ours, theirs = pty.openpty()
         process = self.start_and_stop(200, stdout=theirs)
         os.close(theirs)
@@ -171,4 +202,4 @@ class InterruptedRescue(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    program.main()
+    unittest.main()

@@ -8,7 +8,13 @@ import tempfile
 import unittest
 import zlib
 
-import program
+from database_writer import compressed
+from program import PLAYER, ZEMHOST, run, start, wait_until
+
+
+def database_of(player):
+    with open(os.path.join(player, "iPod_Control", "iTunes", "iTunesDB"), "rb") as file:
+        return file.read()
 
 
 class TestInAFolder(unittest.TestCase):
@@ -30,7 +36,7 @@ class TestInAFolder(unittest.TestCase):
 class Signals(TestInAFolder):
     def slow_database(self):
         """A compressed database that takes long to inflate."""
-        database = program.database_of(program.PLAYER)
+        database = database_of(PLAYER)
         header = int.from_bytes(database[4:8], "little")
         stream = zlib.compressobj(1)
         body = stream.compress(database[header:] + os.urandom(8 << 20))
@@ -38,8 +44,8 @@ class Signals(TestInAFolder):
         return self.write("iTunesCDB", database[:header] + body)
 
     def end_while_inflating(self, number):
-        process = program.start("songs", self.slow_database(), env=self.environment)
-        program.wait_until(lambda: os.listdir(self.temporary))
+        process = start("songs", self.slow_database(), env=self.environment)
+        wait_until(lambda: os.listdir(self.temporary))
         process.send_signal(number)
         out, err = process.communicate(timeout=20)
         self.assertEqual(process.returncode, -number)  # what a shell shows as 128 and the number
@@ -54,23 +60,23 @@ class Signals(TestInAFolder):
 
     def test_a_shell_sees_143(self):
         script = """"$0" songs "$1" & while [ -z "$(ls "$TMPDIR")" ]; do :; done; kill -TERM $!; wait $!"""
-        ended = subprocess.run(["sh", "-c", script, program.ZEMHOST, self.slow_database()], env=self.environment,
+        ended = subprocess.run(["sh", "-c", script, ZEMHOST, self.slow_database()], env=self.environment,
                                capture_output=True)
         self.assertEqual(ended.returncode, 143)
         self.assertTrue(ended.stderr.startswith(b"zemhost: terminated\n"), ended.stderr)
 
     def test_every_command_ends_quietly_when_its_reader_goes_away(self):
-        for arguments in (["songs", program.PLAYER], ["playlists", program.PLAYER], ["info", program.PLAYER],
-                          ["call", program.PLAYER, "GetTitle(0)"], ["class"], ["--help"]):
+        for arguments in (["songs", PLAYER], ["playlists", PLAYER], ["info", PLAYER],
+                          ["call", PLAYER, "GetTitle(0)"], ["class"], ["--help"]):
             read, write = os.pipe()
             os.close(read)
-            status, _, err = program.run(*arguments, stdout=write)
+            ended = run(*arguments, stdout=write)
             os.close(write)
-            self.assertEqual((status, err), (-signal.SIGPIPE, ""), arguments)
+            self.assertEqual((ended.status, ended.message), (-signal.SIGPIPE, ""), arguments)
 
     def test_an_ignored_signal_stays_ignored(self):
         read, write = os.pipe()
-        process = program.start("class", stdout=write, preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+        process = start("class", stdout=write, preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
         process.send_signal(signal.SIGHUP)
         os.close(write)
         with os.fdopen(read, "rb") as out:
@@ -81,25 +87,26 @@ class Signals(TestInAFolder):
 
 class CompressedDatabase(TestInAFolder):
     def test_one_of_another_writer_answers_as_the_plain_one(self):
-        plain = program.database_of(program.PLAYER)
-        expected = program.run("songs", self.write("plain", plain))
+        plain = database_of(PLAYER)
+        expected = run("songs", self.write("plain", plain)).text
         for level in range(10):
-            path = self.write("compressed", program.compressed(plain, level))
-            self.assertEqual(program.run("songs", path, env=self.environment), expected)
+            path = self.write("compressed", compressed(plain, level))
+            listed = run("songs", path, env=self.environment)
+            self.assertEqual((listed.status, listed.text, listed.message), (0, expected, ""))
 
     def test_memory_does_not_grow_with_what_it_inflates_to(self):
         def peak():
             return resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
 
-        plain = program.database_of(program.PLAYER)
-        program.run("songs", self.write("compressed", program.compressed(plain)), env=self.environment)
+        plain = database_of(PLAYER)
+        run("songs", self.write("compressed", compressed(plain)), env=self.environment)
         before = peak()
-        status, _, err = program.run("songs", self.write("bomb", plain[:0xf4] + zlib.compress(bytes(90 << 20), 1)),
-                                     env=self.environment)
-        self.assertEqual(status, 1)
-        self.assertIn("times its size", err)
+        bomb = self.write("bomb", plain[:0xf4] + zlib.compress(bytes(90 << 20), 1))
+        refused = run("songs", bomb, env=self.environment)
+        self.assertEqual(refused.status, 1)
+        self.assertIn("times its size", refused.message)
         self.assertLess(peak() - before, 8 << 10)  # kilobytes
 
 
 if __name__ == "__main__":
-    program.main()
+    unittest.main()

@@ -15,7 +15,7 @@ import time
 import unittest
 
 from database_writer import library
-from program import PLAYER, ZEMHOST, generated, run
+from program import PLAYER, generated, run, start
 
 FORMATS = ["csv", "json", "ndjson", "m3u8", "sqlite"]
 OLD = b"what was there before\n"
@@ -152,8 +152,7 @@ class Files(unittest.TestCase):
 
     def test_reader_that_has_enough_is_no_error(self):
         for form in FORMATS[:4]:
-            with subprocess.Popen([ZEMHOST, "export", self.library, *options(form)], stdout=subprocess.PIPE,
-                                  stderr=subprocess.PIPE) as process:
+            with start("export", self.library, *options(form)) as process:
                 self.assertEqual(len(process.stdout.read(100)), 100)
                 process.stdout.close()
                 self.assertEqual(process.stderr.read(), b"")
@@ -161,8 +160,7 @@ class Files(unittest.TestCase):
 
     def end_in_the_middle(self, form, number):
         """Ends an export once it has written some of its file; False when it was done before."""
-        with subprocess.Popen([ZEMHOST, "export", self.library, *options(form), "-o", self.out],
-                              stderr=subprocess.PIPE) as process:
+        with start("export", self.library, *options(form), "-o", self.out) as process:
             while process.poll() is None:
                 names = [name for name in os.listdir(self.folder) if name != "out"]
                 with contextlib.suppress(FileNotFoundError):
@@ -194,7 +192,7 @@ class Files(unittest.TestCase):
     @unittest.skipIf("SANITIZED" in os.environ, "the sanitizers need memory of their own")
     def test_large_library_needs_little_memory_of_its_own(self):
         def peak(*arguments):
-            process = subprocess.Popen([ZEMHOST, *arguments], stdout=subprocess.DEVNULL)
+            process = start(*arguments, stdout=subprocess.DEVNULL, stderr=None)
             _, status, usage = os.wait4(process.pid, 0)
             process.returncode = os.waitstatus_to_exitcode(status)
             self.assertEqual(process.returncode, 0)

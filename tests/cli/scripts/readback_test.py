@@ -12,8 +12,9 @@ import unittest
 
 import jsonschema
 
+from answers import FolderItem, answers
 from database_file import File
-from program import DESKTOP, PLAYER, SOURCE, FolderItem, answers, generated, real_files, run
+from program import DESKTOP, PLAYER, SOURCE, generated, real_files, run
 
 with open(os.path.join(SOURCE, "docs", "export-schema.json"), encoding="utf-8") as schema_file:
     SCHEMA = json.load(schema_file)

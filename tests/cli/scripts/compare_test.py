@@ -10,8 +10,9 @@ import time
 import unicodedata
 import unittest
 
+from answers import answers
 from database_writer import library
-from program import DESKTOP, PLAYER, answers, real_files, run
+from program import DESKTOP, PLAYER, real_files, run
 
 KINDS = {"song": ["title", "artist", "album"], "artist": ["artist"], "album": ["album", "artist"],
          "genre": ["genre"], "composer": ["composer"]}

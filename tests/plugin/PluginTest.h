@@ -29,7 +29,7 @@ inline const HostText kNullString{};
 // each Load of a player's own file asks for stays with the host.
 class PluginTest : public testing::Test {
  protected:
-  explicit PluginTest(TestHost::Setup setup = {}) : host_(std::make_unique<TestHost>(std::move(setup))) {
+  explicit PluginTest(const TestHost::Setup &setup = {}) : host_(std::make_unique<TestHost>(setup)) {
     EXPECT_EQ(CarbonMountVolume("iPod", folder_.path().c_str()), noErr);
   }
   ~PluginTest() override {

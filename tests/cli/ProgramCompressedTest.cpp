@@ -78,9 +78,8 @@ class CompressedDatabase : public testing::Test {
 };
 
 TEST_F(CompressedDatabase, OfAPlayerAnswersAsThePlainOne) {
-  const fs::path plain = kPlayer;
   const fs::path player = folder_.path() / "player";  // the same name, which is the volume's
-  fs::copy(plain, player, fs::copy_options::recursive);
+  fs::copy(kPlayer, player, fs::copy_options::recursive);
   fs::resize_file(player / "iPod_Control/iTunes/iTunesDB", 0);
   folder_.write("player/iPod_Control/iTunes/iTunesCDB", compressedForm(database_));
   const std::vector<std::vector<std::string>> commands = {
@@ -97,7 +96,7 @@ TEST_F(CompressedDatabase, OfAPlayerAnswersAsThePlainOne) {
     const Outcome outcome = run(with(player));
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out, runZemhost(with(plain)).out) << command.front();
+    EXPECT_EQ(outcome.out, runZemhost(with(kPlayer)).out) << command.front();
   }
 }
 
@@ -118,10 +117,9 @@ TEST_F(CompressedDatabase, OfAPlayerIsCheckedAndRescuedAsThePlainOne) {
 }
 
 TEST_F(CompressedDatabase, FoldersInCapitalsAreThePlayersToo) {
-  const fs::path plain = kPlayer;
   const fs::path player = folder_.path() / "player";
   fs::create_directories(player / "IPOD_CONTROL");
-  fs::copy(plain / "iPod_Control/Music", player / "IPOD_CONTROL/Music", fs::copy_options::recursive);
+  fs::copy(kPlayer / "iPod_Control/Music", player / "IPOD_CONTROL/Music", fs::copy_options::recursive);
   folder_.write("player/IPOD_CONTROL/ITUNES/ITUNESCDB", compressedForm(database_));
   const Outcome outcome = run({"call", player, "VolumeName", "GetFolderItem(0)"});
   EXPECT_THAT(outcome.out, StartsWith("\"player\""));

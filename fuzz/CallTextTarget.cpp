@@ -6,7 +6,7 @@
 
 #include "fuzz/Require.h"
 #include "fuzz/Target.h"
-#include "host/plugin/CallText.h"
+#include "host/basic/CallText.h"
 
 namespace {
 

@@ -20,7 +20,7 @@
 #include "tests/db/PlainRecords.h"
 #include "tests/db/Questions.h"
 #include "tests/model/Loader.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestHost.h"
 #include "unicode/ZemUnicode.h"
 
@@ -83,7 +83,7 @@ class Volume {
   Volume() {
     folder_.makeDirectory("iPod_Control/iTunes");
     folder_.makeDirectory("Databases");
-    folder_.makeFile("iPod_Control/Music/F00/A.mp3");
+    folder_.write("iPod_Control/Music/F00/A.mp3");
     Require(CarbonMountVolume("iPod", folder_.path().c_str()) == noErr, "no volume");
   }
 
@@ -102,7 +102,7 @@ class Volume {
   static constexpr const char *kOwn = "iPod_Control/iTunes/iTunesDB";
   static constexpr const char *kOther = "Databases/library.itdb";
 
-  TemporaryFolder folder_;
+  support::TemporaryFolder folder_;
   std::array<FSSpec, 2> specs_{};
 };
 

@@ -7,7 +7,7 @@
 
 #include "fuzz/Require.h"
 #include "fuzz/Target.h"
-#include "host/plugin/Declaration.h"
+#include "host/basic/Declaration.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "fuzz/Require.h"
 #include "fuzz/Target.h"
 #include "platform/carbon/CarbonFiles.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -38,10 +38,10 @@ class Volume {
     for (const char *file : {"iPod_Control/Music/F00/A.mp3", "iPod_Control/iTunes/iTunesDB", "a:b",
                              "caf\xC3\xA9", "CAF\xC3\x89/x", "\xE3\x81\x82/\xE3\x81\x84.m4a", "\xFF\xFE raw",
                              "d/d/d/d/d/d/file", ". .", "...", "e/.hidden"}) {
-      folder_.makeFile(file);
+      folder_.write(file);
     }
-    folder_.makeFile(std::string(63, 'n'));
-    folder_.makeFile(std::string(64, 'l'));
+    folder_.write(std::string(63, 'n'));
+    folder_.write(std::string(64, 'l'));
     fs::create_directory_symlink("iPod_Control", folder_.path() / "link");
     Require(CarbonMountVolume("iPod", folder_.path().c_str()) == noErr, "no volume");
     FSSpec root{};
@@ -121,7 +121,7 @@ class Volume {
     return all;
   }
 
-  TemporaryFolder folder_;
+  support::TemporaryFolder folder_;
   int16_t volume_ = 0;
   std::vector<int32_t> directories_;
   std::map<std::string, std::pair<time_t, long>> before_;

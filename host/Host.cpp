@@ -5,9 +5,9 @@
 #include <system_error>
 #include <utility>
 
-#include "host/plugin/ClassReader.h"
-#include "host/plugin/Library.h"
-#include "host/plugin/LoadedClass.h"
+#include "host/binding/ClassReader.h"
+#include "host/binding/LoadedClass.h"
+#include "host/binding/PluginFile.h"
 #include "host/runtime/HostObject.h"
 #include "host/runtime/Names.h"
 #include "host/runtime/Services.h"

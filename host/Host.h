@@ -20,8 +20,8 @@
 #include <vector>
 
 #include "host/Error.h"
-#include "host/plugin/ClassInfo.h"
-#include "host/plugin/Value.h"
+#include "host/binding/ClassInfo.h"
+#include "host/binding/Value.h"
 #include "host/runtime/Accounts.h"
 
 namespace zemhost {

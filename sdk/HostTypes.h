@@ -100,17 +100,6 @@ struct REALclassDefinition {
   intptr_t constantCount;
 };
 
-// The File Manager's records. `name` is a Pascal string: a length byte, then up to 63 bytes.
-struct FSSpec {
-  int16_t vRefNum;
-  int32_t parID;
-  uint8_t name[64];
-};
-
-struct FSRef {
-  uint8_t hidden[80];
-};
-
 // Answers a look-up name with a function, or null when the name is unknown.
 using REALresolver = void *(*)(const char *name);
 

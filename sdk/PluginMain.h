@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "platform/carbon/FileRecords.h"
 #include "sdk/HostTypes.h"
 
 // The plug-in's side of the host interface: the exported entry point and one wrapper for each host service.

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/carbon/FileRecords.h"
 #include "sdk/HostTypes.h"
 
 namespace zemhost {

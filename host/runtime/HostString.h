@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/runtime/TextEncoding.h"
+#include "host/text/TextEncoding.h"
 #include "sdk/HostTypes.h"
 
 namespace zemhost {

@@ -25,7 +25,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "sdk/HostTypes.h"
+#include "platform/carbon/FileRecords.h"
 
 #define CARBON_EXPORT __attribute__((visibility("default")))
 

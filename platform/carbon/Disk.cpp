@@ -39,10 +39,6 @@ struct CloseStream {
 
 }  // namespace
 
-Descriptor::~Descriptor() {
-  if (number_ >= 0) close(number_);
-}
-
 Descriptor openDirectory(const std::string &path) { return Descriptor(open(path.c_str(), kLookUpOnly)); }
 
 Descriptor openDirectory(const Descriptor &parent, const std::string &name) {

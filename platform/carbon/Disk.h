@@ -8,28 +8,10 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <utility>
+
+#include "platform/carbon/Descriptor.h"
 
 namespace carbon {
-
-// Owns one file descriptor, or none.
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(Descriptor &&other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  Descriptor &operator=(Descriptor &&other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
-  ~Descriptor();
-
-  explicit operator bool() const { return number_ >= 0; }
-  int number() const { return number_; }
-
- private:
-  int number_ = -1;
-};
 
 // What tells one directory from any other, also from a later one that took its name or its inode number.
 // Holds the inode and generation numbers where the file system keeps them, and always the time of birth if

@@ -33,7 +33,7 @@ class DirectoryIdentifier : public MountedVolume {
 };
 
 TEST_F(DirectoryIdentifier, IsTheSameForOneDirectoryHoweverOftenAndHoweverNamed) {
-  folder_.makeFile("Music/F00/file");
+  folder_.write("Music/F00/file");
   const int32_t id = specOf("iPod:Music:F00:file").parID;
   const int32_t parent = specOf("iPod:Music:F00").parID;
   for (int i = 0; i < 1000; ++i) {
@@ -49,7 +49,7 @@ TEST_F(DirectoryIdentifier, IsTheSameForOneDirectoryHoweverOftenAndHoweverNamed)
 }
 
 TEST_F(DirectoryIdentifier, FollowsARenamedDirectory) {
-  folder_.makeFile("before/file");
+  folder_.write("before/file");
   const FSSpec spec = specOf("iPod:before:file");
   fs::rename(at("before"), at("after"));
   EXPECT_EQ(posixPath(spec), at("after/file"));
@@ -59,7 +59,7 @@ TEST_F(DirectoryIdentifier, FollowsARenamedDirectory) {
 }
 
 TEST_F(DirectoryIdentifier, FollowsARenamedDirectoryFurtherUp) {
-  folder_.makeFile("one/two/three/file");
+  folder_.write("one/two/three/file");
   const FSSpec spec = specOf("iPod:one:two:three:file");
   fs::rename(at("one"), at("uno"));
   fs::rename(at("uno/two/three"), at("uno/two/tre"));
@@ -67,8 +67,8 @@ TEST_F(DirectoryIdentifier, FollowsARenamedDirectoryFurtherUp) {
 }
 
 TEST_F(DirectoryIdentifier, FollowsDirectoriesThatSwapNames) {
-  folder_.makeFile("a/from a");
-  folder_.makeFile("b/from b");
+  folder_.write("a/from a");
+  folder_.write("b/from b");
   const FSSpec fromA = specOf("iPod:a:from a");
   const FSSpec fromB = specOf("iPod:b:from b");
   fs::rename(at("a"), at("c"));
@@ -80,7 +80,7 @@ TEST_F(DirectoryIdentifier, FollowsDirectoriesThatSwapNames) {
 }
 
 TEST_F(DirectoryIdentifier, ReferenceFollowsARenamedDirectory) {
-  folder_.makeFile("before/file");
+  folder_.write("before/file");
   const FSSpec spec = specOf("iPod:before:file");
   FSRef ref;
   ASSERT_EQ(FSpMakeFSRef(&spec, &ref), noErr);
@@ -91,7 +91,7 @@ TEST_F(DirectoryIdentifier, ReferenceFollowsARenamedDirectory) {
 }
 
 TEST_F(DirectoryIdentifier, NamesNothingOnceTheDirectoryIsRemoved) {
-  folder_.makeFile("gone/file");
+  folder_.write("gone/file");
   const FSSpec spec = specOf("iPod:gone:file");
   FSRef ref;
   ASSERT_EQ(FSpMakeFSRef(&spec, &ref), noErr);
@@ -102,10 +102,10 @@ TEST_F(DirectoryIdentifier, NamesNothingOnceTheDirectoryIsRemoved) {
 }
 
 TEST_F(DirectoryIdentifier, NamesNothingOnceAFileTookTheDirectorysName) {
-  folder_.makeFile("name/file");
+  folder_.write("name/file");
   const FSSpec spec = specOf("iPod:name:file");
   fs::remove_all(at("name"));
-  folder_.makeFile("name");
+  folder_.write("name");
   expectGone(spec);
 }
 
@@ -124,11 +124,11 @@ TEST_F(DirectoryIdentifier, IsNotInheritedByALaterDirectory) {
 }
 
 TEST_F(DirectoryIdentifier, IsNotInheritedByALaterDirectoryOfTheSameName) {
-  folder_.makeFile("name/file");
+  folder_.write("name/file");
   const FSSpec before = specOf("iPod:name:file");
   fs::remove_all(at("name"));
   std::this_thread::sleep_for(std::chrono::milliseconds(20));  // file times have steps
-  folder_.makeFile("name/file");
+  folder_.write("name/file");
   expectGone(before);
   const FSSpec after = specOf("iPod:name:file");
   EXPECT_NE(after.parID, before.parID);
@@ -136,7 +136,7 @@ TEST_F(DirectoryIdentifier, IsNotInheritedByALaterDirectoryOfTheSameName) {
 }
 
 TEST_F(DirectoryIdentifier, NamesNothingWhileTheDirectoryIsMovedAway) {
-  folder_.makeFile("one/folder/file");
+  folder_.write("one/folder/file");
   folder_.makeDirectory("two");
   const FSSpec spec = specOf("iPod:one:folder:file");
   fs::rename(at("one/folder"), at("two/folder"));
@@ -147,7 +147,7 @@ TEST_F(DirectoryIdentifier, NamesNothingWhileTheDirectoryIsMovedAway) {
 }
 
 TEST_F(DirectoryIdentifier, RenamedToANameTooLongStillHoldsItsFiles) {
-  folder_.makeFile("short/file");
+  folder_.write("short/file");
   const FSSpec spec = specOf("iPod:short:file");
   const std::string tooLong(200, 'n');
   fs::rename(at("short"), at(tooLong));
@@ -168,7 +168,7 @@ TEST_F(DirectoryIdentifier, NeverGivenOutNamesNothing) {
 }
 
 TEST_F(DirectoryIdentifier, KeepsNoDirectoryOpen) {
-  folder_.makeFile("one/two/file");
+  folder_.write("one/two/file");
   const auto openFiles = [] {
     return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
   };

@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 #include "platform/carbon/Disk.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
 TEST(DirectoryIdentity, IsTheSameEachTimeAndDiffersBetweenDirectories) {
-  const TemporaryFolder folder;
+  const support::TemporaryFolder folder;
   folder.makeDirectory("one");
   folder.makeDirectory("two");
   const carbon::Descriptor parent = carbon::openDirectory(folder.path());
@@ -40,7 +40,7 @@ bool givesHandles(const carbon::Descriptor &directory) {
 
 // File times have steps, within which an inode number may be handed out more than once.
 TEST(DirectoryIdentity, DiffersForOneInodeNumberAndTimeOfBirth) {
-  const TemporaryFolder folder;
+  const support::TemporaryFolder folder;
   const carbon::Descriptor parent = carbon::openDirectory(folder.path());
   if (!givesHandles(parent)) GTEST_SKIP() << "the file system tells no generations";
   carbon::Identity before;

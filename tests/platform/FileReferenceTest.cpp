@@ -31,14 +31,14 @@ class OpeningFiles : public MountedVolume {
 };
 
 TEST_F(OpeningFiles, GivesTheBytesOfTheSpecifiedFile) {
-  folder_.makeFile("iTunesDB", std::string("mhbd\0\r\n\x1a", 8));
+  folder_.write("iTunesDB", std::string("mhbd\0\r\n\x1a", 8));
   const Stream stream(reference("iTunesDB").fopen("rb"));
   ASSERT_NE(stream, nullptr);
   EXPECT_EQ(contentOf(stream), std::string("mhbd\0\r\n\x1a", 8));
 }
 
 TEST_F(OpeningFiles, PassesTheModeThrough) {
-  folder_.makeFile("file", "old");
+  folder_.write("file", "old");
   {
     const Stream stream(reference("file").fopen("rb"));
     ASSERT_NE(stream, nullptr);
@@ -53,7 +53,7 @@ TEST_F(OpeningFiles, PassesTheModeThrough) {
 }
 
 TEST_F(OpeningFiles, NonAsciiNameReachesTheCLibraryAsUtf8) {
-  folder_.makeFile("音楽/日本語の曲 é 𝄞.mp3", "found");
+  folder_.write("音楽/日本語の曲 é 𝄞.mp3", "found");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:音楽:日本語の曲 é 𝄞.mp3", spec), noErr);
   const FileReference file(spec);
@@ -75,14 +75,14 @@ TEST_F(OpeningFiles, BadSpecificationGivesNoPathAndNoStream) {
 }
 
 TEST_F(OpeningFiles, FileRemovedAfterwardsGivesNoStream) {
-  const auto path = folder_.makeFile("file");
+  const auto path = folder_.write("file");
   const FileReference file = reference("file");
   std::filesystem::remove(path);
   EXPECT_EQ(file.fopen("rb"), nullptr);
 }
 
 TEST_F(OpeningFiles, FileInRemovedDirectoryGivesNoStream) {
-  folder_.makeFile("folder/file");
+  folder_.write("folder/file");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:folder:file", spec), noErr);
   const FileReference file(spec);
@@ -91,12 +91,12 @@ TEST_F(OpeningFiles, FileInRemovedDirectoryGivesNoStream) {
 }
 
 TEST_F(OpeningFiles, ModeThatTheCLibraryRefusesGivesNoStream) {
-  folder_.makeFile("file");
+  folder_.write("file");
   EXPECT_EQ(reference("file").fopen("?"), nullptr);
 }
 
 TEST_F(OpeningFiles, NameThatIsNotUtf8GivesNoStream) {
-  folder_.makeFile("caf\xE9");
+  folder_.write("caf\xE9");
   const auto path = reference("caf\xE9").GetPOSIXPathManually();
   ASSERT_NE(path, nullptr);
   EXPECT_STREQ(path->cString(kCFStringEncodingUTF8), "");

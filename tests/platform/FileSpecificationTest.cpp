@@ -27,7 +27,7 @@ class FileSpecification : public MountedVolume {
 };
 
 TEST_F(FileSpecification, FullPathNamesExistingFile) {
-  folder_.makeFile("iPod_Control/iTunes/iTunesDB");
+  folder_.write("iPod_Control/iTunes/iTunesDB");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:iPod_Control:iTunes:iTunesDB", spec), noErr);
   EXPECT_EQ(spec.vRefNum, volume_);
@@ -44,14 +44,14 @@ TEST_F(FileSpecification, MissingFileIsFilledInAndFoundOnceItIsThere) {
   EXPECT_EQ(nameOf(spec), "later");
   EXPECT_EQ(macPath(spec), "iPod:later");
   EXPECT_EQ(posixPath(spec), std::to_string(fnfErr));
-  folder_.makeFile("later");
+  folder_.write("later");
   EXPECT_EQ(posixPath(spec), at("later"));
 }
 
 TEST_F(FileSpecification, MissingParentIsDirectoryNotFound) { expectRefusal("iPod:absent:file", dirNFErr); }
 
 TEST_F(FileSpecification, FileOnTheWayIsDirectoryNotFound) {
-  folder_.makeFile("plain");
+  folder_.write("plain");
   expectRefusal("iPod:plain:file", dirNFErr);
 }
 
@@ -75,7 +75,7 @@ TEST_F(FileSpecification, NameOf63BytesIsGoodAnd64IsBad) {
 TEST_F(FileSpecification, FileOnDiskWithNameOver63BytesHasNoSpecification) {
   const std::string name(64, 'n');
   FSSpec spec = kUntouched;
-  EXPECT_EQ(CarbonSpecFromPath(folder_.makeFile(name).c_str(), &spec), bdNamErr);
+  EXPECT_EQ(CarbonSpecFromPath(folder_.write(name).c_str(), &spec), bdNamErr);
   EXPECT_TRUE(equal(spec, kUntouched));
 }
 
@@ -97,19 +97,19 @@ TEST_F(FileSpecification, DotsAreNoWayUpOutOfTheVolume) {
 }
 
 TEST_F(FileSpecification, NamesWithNulAreBad) {
-  folder_.makeFile("a");
+  folder_.write("a");
   expectRefusal(std::string_view("iPod:a\0b", 8), bdNamErr);
   EXPECT_EQ(posixPath(specification(volume_, 2, std::string_view("a\0b", 3))), std::to_string(bdNamErr));
 }
 
 TEST_F(FileSpecification, ColonInSpecificationNameIsNoWayIntoDirectories) {
-  folder_.makeFile("one/two");
+  folder_.write("one/two");
   EXPECT_EQ(posixPath(specification(volume_, 2, "one:two")), std::to_string(bdNamErr));
   EXPECT_EQ(posixPath(specification(volume_, 2, "..:one")), std::to_string(bdNamErr));
 }
 
 TEST_F(FileSpecification, SlashInMacNameIsColonOnDisk) {
-  folder_.makeFile("AC:DC/Best:Of");
+  folder_.write("AC:DC/Best:Of");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:AC/DC:Best/Of", spec), noErr);
   EXPECT_EQ(nameOf(spec), "Best/Of");
@@ -121,7 +121,7 @@ TEST_F(FileSpecification, SlashInMacNameIsColonOnDisk) {
 }
 
 TEST_F(FileSpecification, NamesMatchWithoutRegardToCaseAndGiveTheDisksSpelling) {
-  folder_.makeFile("iPod_Control/iTunes/iTunesDB");
+  folder_.write("iPod_Control/iTunes/iTunesDB");
   FSSpec spec;
   ASSERT_EQ(makeSpec("IPOD:ipod_control:ITUNES:itunesdb", spec), noErr);
   EXPECT_EQ(nameOf(spec), "iTunesDB");
@@ -130,14 +130,14 @@ TEST_F(FileSpecification, NamesMatchWithoutRegardToCaseAndGiveTheDisksSpelling) 
 }
 
 TEST_F(FileSpecification, CaseOfLettersBeyondAsciiIsDisregarded) {
-  folder_.makeFile("Études/Καλημέρα/Привет");
+  folder_.write("Études/Καλημέρα/Привет");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:éTUDES:ΚΑΛΗΜΈΡΑ:ПРИВЕТ", spec), noErr);
   EXPECT_EQ(posixPath(spec), at("Études/Καλημέρα/Привет"));
 }
 
 TEST_F(FileSpecification, ExactNameGoesBeforeOneOfOtherCase) {
-  for (const char *name : {"SONG", "Song", "song"}) folder_.makeFile(name);
+  for (const char *name : {"SONG", "Song", "song"}) folder_.write(name);
   for (const char *name : {"SONG", "Song", "song"}) {
     FSSpec spec;
     ASSERT_EQ(makeSpec(std::string("iPod:") + name, spec), noErr);
@@ -151,7 +151,7 @@ TEST_F(FileSpecification, ExactNameGoesBeforeOneOfOtherCase) {
 TEST_F(FileSpecification, ReferenceFindsFileThatAppearedInOtherCase) {
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:itunesdb", spec), fnfErr);
-  folder_.makeFile("iTunesDB");
+  folder_.write("iTunesDB");
   EXPECT_EQ(posixPath(spec), at("iTunesDB"));
 }
 
@@ -168,7 +168,7 @@ TEST_F(FileSpecification, VolumeRootHasParentOneAndVolumesName) {
 }
 
 TEST_F(FileSpecification, RootsParentHoldsTheVolumeOnly) {
-  folder_.makeFile("file");
+  folder_.write("file");
   FSSpec spec;
   ASSERT_EQ(makeSpec(volume_, 1, ":iPod:file", spec), noErr);
   EXPECT_EQ(posixPath(spec), at("file"));
@@ -179,7 +179,7 @@ TEST_F(FileSpecification, RootsParentHoldsTheVolumeOnly) {
 }
 
 TEST_F(FileSpecification, BootVolumeIsTheWholeMachine) {
-  folder_.makeFile("file");
+  folder_.write("file");
   std::string path = "System" + at("file");
   for (char &c : path)
     if (c == '/') c = ':';
@@ -200,8 +200,8 @@ TEST_F(FileSpecification, OneColonAtTheEndIsAllowed) {
 }
 
 TEST_F(FileSpecification, DoubleColonGoesUp) {
-  folder_.makeFile("one/two/file");
-  folder_.makeFile("one/file");
+  folder_.write("one/two/file");
+  folder_.write("one/file");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:one:two::file", spec), noErr);
   EXPECT_EQ(posixPath(spec), at("one/file"));
@@ -221,7 +221,7 @@ TEST_F(FileSpecification, DoubleColonGoesNoHigherThanTheRoot) {
 }
 
 TEST_F(FileSpecification, DirectoryIdentifierIsAStartForNamesAndPartialPaths) {
-  folder_.makeFile("Music/F00/A.mp3");
+  folder_.write("Music/F00/A.mp3");
   FSSpec song;
   ASSERT_EQ(makeSpec("iPod:Music:F00:A.mp3", song), noErr);
   for (const char *path : {"A.mp3", ":A.mp3", "a.MP3", "::F00:A.mp3"}) {
@@ -237,7 +237,7 @@ TEST_F(FileSpecification, DirectoryIdentifierIsAStartForNamesAndPartialPaths) {
 }
 
 TEST_F(FileSpecification, DirectoryZeroIsTheVolumesRoot) {
-  folder_.makeFile("file");
+  folder_.write("file");
   FSSpec spec;
   ASSERT_EQ(makeSpec(volume_, 0, "file", spec), noErr);
   EXPECT_EQ(posixPath(spec), at("file"));
@@ -251,14 +251,14 @@ TEST_F(FileSpecification, VolumeZeroIsTheBootVolume) {
 }
 
 TEST_F(FileSpecification, FullPathDisregardsTheStart) {
-  folder_.makeFile("one/file");
+  folder_.write("one/file");
   FSSpec spec;
   ASSERT_EQ(makeSpec(0, 2, "iPod:one:file", spec), noErr);
   EXPECT_EQ(posixPath(spec), at("one/file"));
 }
 
 TEST_F(FileSpecification, SymbolicLinksAreFollowed) {
-  folder_.makeFile("real/file");
+  folder_.write("real/file");
   fs::create_directory_symlink("real", at("link"));
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:link:file", spec), noErr);
@@ -276,7 +276,7 @@ TEST_F(FileSpecification, SymbolicLinkToNothingIsNoFile) {
 TEST_F(FileSpecification, SymbolicLinksInACircleEnd) {
   fs::create_directory_symlink(".", at("loop"));
   fs::create_symlink("self", at("self"));
-  folder_.makeFile("file");
+  folder_.write("file");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:loop:loop:loop:file", spec), noErr);
   EXPECT_TRUE(fs::equivalent(posixPath(spec), at("file")));
@@ -322,7 +322,7 @@ TEST_F(FileSpecification, NullPointersAreParameterErrors) {
 }
 
 TEST_F(FileSpecification, SpecificationMayBeFilledFromItsOwnName) {
-  folder_.makeFile("file");
+  folder_.write("file");
   FSSpec spec = specification(volume_, 2, "FILE");
   ASSERT_EQ(FSMakeFSSpec(spec.vRefNum, spec.parID, spec.name, &spec), noErr);
   EXPECT_EQ(nameOf(spec), "file");
@@ -338,7 +338,7 @@ TEST(FileReferenceRecord, GarbageNamesNothing) {
 }
 
 TEST_F(FileSpecification, FailedReferenceNamesNothing) {
-  folder_.makeFile("file");
+  folder_.write("file");
   FSSpec spec;
   ASSERT_EQ(makeSpec("iPod:file", spec), noErr);
   FSRef ref;
@@ -350,7 +350,7 @@ TEST_F(FileSpecification, FailedReferenceNamesNothing) {
 }
 
 TEST_F(FileSpecification, ReferenceToRemovedFileNamesNothing) {
-  const fs::path file = folder_.makeFile("file");
+  const fs::path file = folder_.write("file");
   FSSpec spec;
   FSRef ref;
   ASSERT_EQ(makeSpec("iPod:file", spec), noErr);
@@ -361,7 +361,7 @@ TEST_F(FileSpecification, ReferenceToRemovedFileNamesNothing) {
 }
 
 TEST_F(FileSpecification, PathAndTerminatorFitTheBufferToTheByte) {
-  const std::string expected = folder_.makeFile("file");
+  const std::string expected = folder_.write("file");
   FSSpec spec;
   FSRef ref;
   ASSERT_EQ(makeSpec("iPod:file", spec), noErr);

@@ -67,7 +67,7 @@ class LiteralPaths : public MountedVolume {
   LiteralPaths() {
     for (const char *name :
          {"Alpha/Beta/file", "Alpha/beta/File", "alpha/file", "x:y/z:", "Alpha/Beta/Gamma/f"})
-      folder_.makeFile(name);
+      folder_.write(name);
   }
 
   // Between 0 and 5 names with colons, now and then more of these than belong there.

@@ -121,7 +121,7 @@ class MemoryShortage : public MountedVolume {
 
 TEST_F(MemoryShortage, EndsEveryFileCallWithItsCodeAndTheNextOneWorks) {
   const std::string folder = "a folder whose name needs a block of its own";
-  const std::string file = folder_.makeFile(folder + "/AND A FILE WHOSE NAME NEEDS A BLOCK OF ITS OWN");
+  const std::string file = folder_.write(folder + "/AND A FILE WHOSE NAME NEEDS A BLOCK OF ITS OWN");
   FSSpec spec = {};
   const auto path = pascal("iPod:" + folder + ":and a file whose name needs a block of its own");
   EXPECT_EQ(untilGranted<OSErr>(memFullErr, [&] { return FSMakeFSSpec(0, 0, path.data(), &spec); }), noErr);
@@ -166,7 +166,7 @@ TEST_F(MemoryShortage, MakesNoStringAndLosesNone) {
 }
 
 TEST_F(MemoryShortage, OpensNoStreamAndLosesNothing) {
-  folder_.makeFile("a file whose name needs a block of its own");
+  folder_.write("a file whose name needs a block of its own");
   const FileReference file(specification(volume_, 2, "a file whose name needs a block of its own"));
   const long before = allocator::blocksInUse();
   auto *stream = untilGranted<std::FILE *>(nullptr, [&] { return file.fopen("rb"); });

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/carbon/CarbonFiles.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 inline std::vector<unsigned char> pascal(std::string_view text) {
   std::vector<unsigned char> bytes(text.size() + 1);
@@ -71,6 +71,6 @@ class MountedVolume : public testing::Test {
 
   std::string at(const std::filesystem::path &name) const { return folder_.path() / name; }
 
-  TemporaryFolder folder_;
+  support::TemporaryFolder folder_;
   int16_t volume_ = 0;
 };

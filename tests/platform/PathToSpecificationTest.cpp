@@ -25,7 +25,7 @@ class PathToSpecification : public MountedVolume {
 };
 
 TEST_F(PathToSpecification, NamesExistingAndMissingFiles) {
-  folder_.makeFile("Music/song");
+  folder_.write("Music/song");
   EXPECT_EQ(macPathFrom(at("Music/song"), noErr), "iPod:Music:song");
   EXPECT_EQ(macPathFrom(at("Music/later"), fnfErr), "iPod:Music:later");
   EXPECT_EQ(macPathFrom(at("Music"), noErr), "iPod:Music");
@@ -34,7 +34,7 @@ TEST_F(PathToSpecification, NamesExistingAndMissingFiles) {
 
 TEST_F(PathToSpecification, MissingParentIsDirectoryNotFound) {
   EXPECT_EQ(macPathFrom(at("absent/file"), dirNFErr), std::to_string(dirNFErr));
-  folder_.makeFile("plain");
+  folder_.write("plain");
   EXPECT_EQ(macPathFrom(at("plain/file"), dirNFErr), std::to_string(dirNFErr));
 }
 
@@ -43,7 +43,7 @@ TEST_F(PathToSpecification, EmptyPathIsABadName) {
 }
 
 TEST_F(PathToSpecification, TidiesSlashesAndDots) {
-  folder_.makeFile("one/two/file");
+  folder_.write("one/two/file");
   EXPECT_EQ(macPathFrom(at("one/./two//file"), noErr), "iPod:one:two:file");
   EXPECT_EQ(macPathFrom(at("one/two/../two/file"), noErr), "iPod:one:two:file");
   EXPECT_EQ(macPathFrom(at("one/two/"), noErr), "iPod:one:two");
@@ -54,28 +54,28 @@ TEST_F(PathToSpecification, TidiesSlashesAndDots) {
 }
 
 TEST_F(PathToSpecification, WayUpBehindALinkIsTheTargetsParent) {
-  folder_.makeFile("one/two/file");
-  folder_.makeFile("one/mark");
+  folder_.write("one/two/file");
+  folder_.write("one/mark");
   fs::create_directory_symlink("one/two", at("link"));
   EXPECT_EQ(macPathFrom(at("link/../mark"), noErr), "iPod:one:mark");
 }
 
 TEST_F(PathToSpecification, LinkIntoAVolumeLeadsToTheVolume) {
-  folder_.makeFile("iPod_Control/file");
-  const TemporaryFolder elsewhere;
+  folder_.write("iPod_Control/file");
+  const support::TemporaryFolder elsewhere;
   fs::create_directory_symlink(folder_.path(), elsewhere.path() / "player");
   EXPECT_EQ(macPathFrom(elsewhere.path() / "player/iPod_Control/file", noErr), "iPod:iPod_Control:file");
   EXPECT_EQ(macPathFrom(elsewhere.path() / "player", noErr), "iPod:");
 }
 
 TEST_F(PathToSpecification, LinkToAFileKeepsItsOwnName) {
-  folder_.makeFile("real");
+  folder_.write("real");
   fs::create_symlink("real", at("link"));
   EXPECT_EQ(macPathFrom(at("link"), noErr), "iPod:link");
 }
 
 TEST_F(PathToSpecification, RelativePathStartsAtTheWorkingDirectory) {
-  folder_.makeFile("Music/song");
+  folder_.write("Music/song");
   fs::current_path(at("Music"));
   EXPECT_EQ(macPathFrom("song", noErr), "iPod:Music:song");
   EXPECT_EQ(macPathFrom("../Music/song", noErr), "iPod:Music:song");
@@ -92,7 +92,7 @@ TEST_F(PathToSpecification, RelativePathInARemovedDirectoryIsDirectoryNotFound) 
 }
 
 TEST_F(PathToSpecification, NameThatIsNotUtf8IsTakenByItsBytes) {
-  const std::string latin1 = folder_.makeFile("caf\xE9");
+  const std::string latin1 = folder_.write("caf\xE9");
   FSSpec spec;
   ASSERT_EQ(CarbonSpecFromPath(latin1.c_str(), &spec), noErr);
   EXPECT_EQ(nameOf(spec), "caf\xE9");

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/carbon/FileManager.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -49,14 +49,14 @@ class VolumeLookUp : public testing::Test {
 
   std::string at(const fs::path &name) const { return machine_.path() / name; }
 
-  TemporaryFolder machine_;
+  support::TemporaryFolder machine_;
   FileManager manager_{machine_.path()};
 };
 
 TEST_F(VolumeLookUp, FindsDirectoriesUnderTheUsualPlaces) {
   for (const char *root :
        {"Volumes/MacPod", "media/ann/AnnsPod", "media/joe/JoesPod", "run/media/ann/RunPod", "mnt/MntPod"}) {
-    const std::string file = machine_.makeFile(fs::path(root) / "file");
+    const std::string file = machine_.write(fs::path(root) / "file");
     const std::string mac = fs::path(root).filename().string() + ":file";
     EXPECT_EQ(posixPath(mac), file);
     EXPECT_EQ(macPathOf(file), mac);
@@ -64,8 +64,8 @@ TEST_F(VolumeLookUp, FindsDirectoriesUnderTheUsualPlaces) {
 }
 
 TEST_F(VolumeLookUp, TakesOnlyDirectoriesThatAreExactlyThere) {
-  machine_.makeFile("media/ann/Pod/inner/file");
-  machine_.makeFile("mnt/plain");
+  machine_.write("media/ann/Pod/inner/file");
+  machine_.write("mnt/plain");
   EXPECT_EQ(posixPath("ann:"), std::to_string(nsvErr)) << "one level too high";
   EXPECT_EQ(posixPath("inner:"), std::to_string(nsvErr)) << "one level too low";
   EXPECT_EQ(posixPath("plain:"), std::to_string(nsvErr)) << "not a directory";
@@ -73,16 +73,16 @@ TEST_F(VolumeLookUp, TakesOnlyDirectoriesThatAreExactlyThere) {
 }
 
 TEST_F(VolumeLookUp, FileWithAVolumesNameDoesNotHideTheVolume) {
-  machine_.makeFile("media/ann/Pod");
-  machine_.makeFile("mnt/Pod/file");
-  machine_.makeFile("mnt/POD");
+  machine_.write("media/ann/Pod");
+  machine_.write("mnt/Pod/file");
+  machine_.write("mnt/POD");
   EXPECT_EQ(posixPath("Pod:file"), at("mnt/Pod/file"));
   EXPECT_EQ(posixPath("POD:file"), at("mnt/Pod/file"));
 }
 
 TEST_F(VolumeLookUp, SeesVolumesComeAndGo) {
   EXPECT_EQ(posixPath("Pod:"), std::to_string(nsvErr));
-  machine_.makeFile("mnt/Pod/file");
+  machine_.write("mnt/Pod/file");
   FSSpec spec;
   EXPECT_EQ(manager_.makeSpec(0, 0, "Pod:file", spec), noErr);
   EXPECT_EQ(posixPath("Pod:file"), at("mnt/Pod/file"));
@@ -97,21 +97,21 @@ TEST_F(VolumeLookUp, SeesVolumesComeAndGo) {
 }
 
 TEST_F(VolumeLookUp, FollowsAVolumesLink) {
-  machine_.makeFile("disk/file");
+  machine_.write("disk/file");
   machine_.makeDirectory("Volumes");
   fs::create_directory_symlink(at("disk"), at("Volumes/Linked"));
   EXPECT_TRUE(fs::equivalent(posixPath("Linked:file"), at("disk/file")));
 }
 
 TEST_F(VolumeLookUp, SlashAndColonChangePlacesInVolumeNames) {
-  machine_.makeFile("mnt/AC:DC/file");
+  machine_.write("mnt/AC:DC/file");
   EXPECT_EQ(posixPath("AC/DC:file"), at("mnt/AC:DC/file"));
   EXPECT_EQ(macPathOf(at("mnt/AC:DC/file")), "AC/DC:file");
 }
 
 TEST_F(VolumeLookUp, DisregardsCaseWhenNoNameMatchesExactly) {
-  machine_.makeFile("mnt/Pod/file");
-  machine_.makeFile("mnt/pod/file");
+  machine_.write("mnt/Pod/file");
+  machine_.write("mnt/pod/file");
   EXPECT_EQ(posixPath("Pod:file"), at("mnt/Pod/file"));
   EXPECT_EQ(posixPath("pod:file"), at("mnt/pod/file"));
   EXPECT_EQ(posixPath("POD:file"), at("mnt/Pod/file")) << "the first in byte order";
@@ -119,16 +119,16 @@ TEST_F(VolumeLookUp, DisregardsCaseWhenNoNameMatchesExactly) {
 }
 
 TEST_F(VolumeLookUp, ExactNameAnywhereGoesBeforeDeclaredNameInOtherCase) {
-  machine_.makeFile("mnt/pod/file");
-  machine_.makeFile("declared/file");
+  machine_.write("mnt/pod/file");
+  machine_.write("declared/file");
   ASSERT_EQ(mount("POD", at("declared")), noErr);
   EXPECT_EQ(posixPath("pod:file"), at("mnt/pod/file"));
   EXPECT_EQ(posixPath("Pod:file"), at("declared/file"));
 }
 
 TEST_F(VolumeLookUp, DeclaredVolumeGoesBeforeMountedAndBootOnes) {
-  machine_.makeFile("mnt/Pod/file");
-  machine_.makeFile("mnt/System/file");
+  machine_.write("mnt/Pod/file");
+  machine_.write("mnt/System/file");
   EXPECT_EQ(posixPath("System:file"), at("mnt/System/file"));
   ASSERT_EQ(mount("Pod", machine_.makeDirectory("one")), noErr);
   ASSERT_EQ(mount("System", machine_.makeDirectory("two")), noErr);
@@ -144,21 +144,21 @@ TEST_F(VolumeLookUp, DeclarationNeedsAGoodName) {
 
 TEST_F(VolumeLookUp, DeclarationNeedsADirectory) {
   EXPECT_EQ(mount("Pod", at("absent")), fnfErr);
-  EXPECT_EQ(mount("Pod", machine_.makeFile("plain")), fnfErr);
+  EXPECT_EQ(mount("Pod", machine_.write("plain")), fnfErr);
   EXPECT_EQ(mount("Pod", ""), fnfErr);
   EXPECT_EQ(posixPath("Pod:"), std::to_string(nsvErr));
 }
 
 TEST_F(VolumeLookUp, DeclarationFollowsLinksAndRelativeSteps) {
-  machine_.makeFile("disk/file");
+  machine_.write("disk/file");
   fs::create_directory_symlink("disk", at("link"));
   ASSERT_EQ(mount("Pod", at("link/../link/.")), noErr);
   EXPECT_EQ(posixPath("Pod:file"), at("disk/file"));
 }
 
 TEST_F(VolumeLookUp, SecondDeclarationReplacesTheFirst) {
-  machine_.makeFile("one/file");
-  machine_.makeFile("two/file");
+  machine_.write("one/file");
+  machine_.write("two/file");
   ASSERT_EQ(mount("Pod", at("one")), noErr);
   FSSpec first;
   ASSERT_EQ(manager_.makeSpec(0, 0, "Pod:file", first), noErr);
@@ -171,7 +171,7 @@ TEST_F(VolumeLookUp, SecondDeclarationReplacesTheFirst) {
 }
 
 TEST_F(VolumeLookUp, SameDeclarationAgainChangesNothing) {
-  machine_.makeFile("one/file");
+  machine_.write("one/file");
   ASSERT_EQ(mount("Pod", at("one")), noErr);
   FSSpec before;
   FSSpec after;
@@ -190,8 +190,8 @@ TEST_F(VolumeLookUp, ReplacingADeclaredSystemKeepsTheBootVolume) {
 }
 
 TEST_F(VolumeLookUp, PathBelongsToTheLongestMatchingRoot) {
-  machine_.makeFile("outer/inner/file");
-  machine_.makeFile("outer/inner2/file");
+  machine_.write("outer/inner/file");
+  machine_.write("outer/inner2/file");
   ASSERT_EQ(mount("Inner", at("outer/inner")), noErr);
   ASSERT_EQ(mount("Outer", at("outer")), noErr);
   EXPECT_EQ(macPathOf(at("outer/inner/file")), "Inner:file");
@@ -203,7 +203,7 @@ TEST_F(VolumeLookUp, PathBelongsToTheLongestMatchingRoot) {
 }
 
 TEST_F(VolumeLookUp, FirstDeclaredVolumeOfARootIsTheOneForItsPaths) {
-  machine_.makeFile("disk/file");
+  machine_.write("disk/file");
   ASSERT_EQ(mount("First", at("disk")), noErr);
   ASSERT_EQ(mount("Second", at("disk")), noErr);
   ASSERT_EQ(mount("Whole", "/"), noErr);
@@ -212,7 +212,7 @@ TEST_F(VolumeLookUp, FirstDeclaredVolumeOfARootIsTheOneForItsPaths) {
 }
 
 TEST_F(VolumeLookUp, IdentifiersBelongToOneVolume) {
-  machine_.makeFile("disk/folder/file");
+  machine_.write("disk/folder/file");
   ASSERT_EQ(mount("First", at("disk")), noErr);
   ASSERT_EQ(mount("Second", at("disk")), noErr);
   FSSpec first;

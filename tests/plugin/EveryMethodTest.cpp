@@ -277,7 +277,7 @@ INSTANTIATE_TEST_SUITE_P(Plugin, EveryMethod, BothVariants(), VariantName);
 
 TEST_P(EveryMethod, AnswersForTheSongsAndPlaylistsOfTheFile) {
   Model model = Model::Varied(GetParam());
-  (void)folder_.makeFile("iPod_Control/Music/F00/A.mp3");
+  (void)folder_.write("iPod_Control/Music/F00/A.mp3");
   object_ = Loaded(model.File());
   for (const int32_t zeroBase : {0, 1}) {
     model.zeroBase = zeroBase;

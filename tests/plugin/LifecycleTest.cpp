@@ -131,7 +131,7 @@ TEST_F(Lifecycle, LoadOfNilSetsErrorAndBlocksNothing) {
 TEST_F(Lifecycle, SecondLoadReturnsFalseAndLeavesEverythingAsTheFirstLeftIt) {
   const REALobject object = Loaded(SmallLibrary());
   const Seen before = See(object);
-  (void)folder_.makeFile("other", SmallLibrary(Variant::BigEndian));
+  (void)folder_.write("other", SmallLibrary(Variant::BigEndian));
   for (const REALfolderItem item : {Item(DatabasePath()), Item(folder_.path() / "other"), REALfolderItem()}) {
     EXPECT_EQ(Load(object, item), 0);
     EXPECT_EQ(See(object), before);
@@ -140,7 +140,7 @@ TEST_F(Lifecycle, SecondLoadReturnsFalseAndLeavesEverythingAsTheFirstLeftIt) {
 
 TEST_F(Lifecycle, SecondLoadReturnsFalseAfterAFailedOneToo) {
   Write("no database at all");
-  (void)folder_.makeFile("good", SmallLibrary());
+  (void)folder_.write("good", SmallLibrary());
   const REALobject rejected = Host().New();
   EXPECT_EQ(Load(rejected, Item(DatabasePath())), 0);
   const REALobject missing = Host().New();
@@ -237,7 +237,7 @@ TEST_F(Lifecycle, VolumeNameStaysEmptyInAHostWithoutPaths) {
 }
 
 TEST_F(Lifecycle, VolumeNameOfABigEndianFileIsTheFilesOwnName) {
-  const std::string path = folder_.makeFile("Library.itl", SmallLibrary(Variant::BigEndian));
+  const std::string path = folder_.write("Library.itl", SmallLibrary(Variant::BigEndian));
   const REALobject object = Host().New();
   EXPECT_EQ(Load(object, Item(path)), 1);
   EXPECT_EQ(Integer(object, "LibType"), 0);
@@ -365,7 +365,7 @@ TEST_F(Lifecycle, LoadKeepsNoReferenceToItsItem) {
 
 TEST_F(Lifecycle, FileWithAJapaneseNameLoads) {
   const std::string path =
-      folder_.makeFile("\xe9\x9f\xb3\xe6\xa5\xbd/\xe5\x9b\xb3\xe6\x9b\xb8", SmallLibrary(Variant::BigEndian));
+      folder_.write("\xe9\x9f\xb3\xe6\xa5\xbd/\xe5\x9b\xb3\xe6\x9b\xb8", SmallLibrary(Variant::BigEndian));
   const REALobject object = Host().New();
   EXPECT_EQ(Load(object, Item(path)), 1);
   EXPECT_EQ(VolumeName(object), Text("\xe5\x9b\xb3\xe6\x9b\xb8", kUntagged));

@@ -106,7 +106,7 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
 }
 
 TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValueAndKeepsNothing) {
-  (void)folder_.makeFile("iPod_Control/Music/F00/A.mp3");
+  (void)folder_.write("iPod_Control/Music/F00/A.mp3");
   const REALobject object = Loaded(Model::Varied(GetParam()).File());
   const REALstring text = Host().MakeString(std::string(2000, 't'));
   for (const std::string_view declaration : kDeclarations) {

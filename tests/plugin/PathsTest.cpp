@@ -110,7 +110,7 @@ TEST_F(Paths, AbsolutePathTouchesNoFile) {
 }
 
 TEST_F(Paths, FolderItemNamesTheSongsFile) {
-  (void)folder_.makeFile("iPod_Control/Music/A.mp3", "x");
+  (void)folder_.write("iPod_Control/Music/A.mp3", "x");
   const REALobject object = WithPath(u":iPod_Control:Music:A.mp3");
   EXPECT_EQ(PathOfFolderItem(object), Text("iPod:iPod_Control:Music:A.mp3"));
   EXPECT_EQ(Host().CallText(object, kAbsolutePath2, 0), Text("iPod:iPod_Control:Music:A.mp3"));
@@ -145,7 +145,7 @@ TEST_F(Paths, FolderItemOfASongWithoutAPathIsNil) {
 }
 
 // A path below the volume's root that makes iPod:... this long, with its folders on disk.
-std::u16string PathOfLength(const TemporaryFolder &folder, size_t total) {
+std::u16string PathOfLength(const support::TemporaryFolder &folder, size_t total) {
   std::string mac;
   std::string posix;
   size_t left = total - 4;  // "iPod"

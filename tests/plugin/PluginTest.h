@@ -8,7 +8,7 @@
 
 #include "platform/carbon/CarbonFiles.h"
 #include "samples/DatabaseWriter.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestHost.h"
 
 namespace plugin_test {
@@ -51,7 +51,7 @@ class PluginTest : public testing::Test {
   }
 
   // Writes the database to the player.
-  void Write(const std::string &bytes) { (void)folder_.makeFile("iPod_Control/iTunes/iTunesDB", bytes); }
+  void Write(const std::string &bytes) { (void)folder_.write("iPod_Control/iTunes/iTunesDB", bytes); }
 
   // Loads an item into an object.
   int32_t Load(REALobject object, REALfolderItem item) {
@@ -79,7 +79,7 @@ class PluginTest : public testing::Test {
 
   TestHost &Host() { return *host_; }
 
-  TemporaryFolder folder_;
+  support::TemporaryFolder folder_;
 
  private:
   // The path that the host was asked for last.

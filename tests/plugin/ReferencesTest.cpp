@@ -42,7 +42,7 @@ class References : public PluginTestOfEachVariant {
 INSTANTIATE_TEST_SUITE_P(Plugin, References, BothVariants(), VariantName);
 
 TEST_P(References, NoMethodLeaksOrReleasesTwice) {
-  (void)folder_.makeFile("iPod_Control/Music/F00/A.mp3");
+  (void)folder_.write("iPod_Control/Music/F00/A.mp3");
   const REALobject object = Loaded(Model::Varied(GetParam()).File());
   CallEveryMethod(object);
 }
@@ -74,7 +74,7 @@ TEST_P(References, NoMethodLeaksWhenTheHostFails) {
 TEST_P(References, NoMethodLeaksBeforeLoad) { CallEveryMethod(Host().New()); }
 
 TEST_P(References, ResultCarriesOneReference) {
-  (void)folder_.makeFile("iPod_Control/Music/F00/A.mp3");
+  (void)folder_.write("iPod_Control/Music/F00/A.mp3");
   const REALobject object = Loaded(Model::Varied(GetParam()).File());
   for (const char *declaration :
        {"GetTitle(index As Integer) As String", "GetPath(index As Integer) As String",
@@ -102,7 +102,7 @@ class ReferencesWithoutRelease : public References {};
 INSTANTIATE_TEST_SUITE_P(Plugin, ReferencesWithoutRelease, BothVariants(), VariantName);
 
 TEST_P(ReferencesWithoutRelease, EveryMethodAnswersTheSame) {
-  (void)folder_.makeFile("iPod_Control/Music/F00/A.mp3");
+  (void)folder_.write("iPod_Control/Music/F00/A.mp3");
   const REALobject object = Loaded(Model::Varied(GetParam()).File());
   const REALstring text = Host().MakeString(":iPod_Control:Music:F00:A.mp3");
   const auto answers = [&] {

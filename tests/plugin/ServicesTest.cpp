@@ -82,7 +82,7 @@ TEST_F(Services, GetStringEncodingIsLookedUpUntilFound) {
 
 TEST_F(Services, FolderItemFromFSSpecIsLookedUpUntilFound) {
   object_ = Loaded(Library());
-  (void)folder_.makeFile("iPod_Control/Music/A.mp3");
+  (void)folder_.write("iPod_Control/Music/A.mp3");
   ExpectLookedUpUntilFound("FolderItemFromFSSpec", [&] { return !Path2().isNull; });
 }
 
@@ -118,7 +118,7 @@ TEST_F(Services, UnlockStringIsLookedUpUntilFound) {
 
 TEST_F(Services, UnlockObjectIsLookedUpUntilFound) {
   object_ = Loaded(Library());
-  (void)folder_.makeFile("iPod_Control/Music/A.mp3");
+  (void)folder_.write("iPod_Control/Music/A.mp3");
   ExpectLookedUpUntilFound("RuntimeUnlockObject", [&] {
     const size_t live = Host().LiveItems();
     EXPECT_EQ(Path2(), Text("iPod:iPod_Control:Music:A.mp3"));

@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "tests/platform/MountedVolume.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace property {
 namespace {
@@ -21,7 +21,7 @@ class Volumes {
       for (const char *folder : {"F00", "F01", "F02", "F03"}) {
         folders_[i].makeDirectory(std::filesystem::path("iPod_Control/Music") / folder);
       }
-      folders_[i].makeFile("iPod_Control/Music/F00/A.mp3");
+      folders_[i].write("iPod_Control/Music/F00/A.mp3");
       std::filesystem::path deep;
       for (int level = 0; level < 3; ++level) deep /= std::string(62, 'd');
       folders_[i].makeDirectory(deep);
@@ -44,7 +44,7 @@ class Volumes {
   }
 
  private:
-  TemporaryFolder folders_[2];
+  support::TemporaryFolder folders_[2];
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "platform/carbon/FileRecords.h"
 #include "sdk/HostTypes.h"
 #include "tests/property/Case.h"
 

@@ -18,6 +18,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "platform/carbon/FileRecords.h"
 #include "sdk/HostTypes.h"
 #include "tests/support/HostStrings.h"
 

@@ -1,0 +1,20 @@
+#pragma once
+
+// Databases whose body is compressed: the usual first header, then one zlib stream that holds the chunks.
+
+#include <cstdint>
+#include <string>
+
+namespace player {
+
+// Writes the database that such a file holds to the descriptor `to`, an empty file: the header as it is but
+// for its total length, which becomes that of the whole, then the inflated body. Needs a few hundred
+// kilobytes of memory whatever the size. Returns the number of bytes that stand after the stream and belong
+// to nothing.
+//
+// Throws PlayerError, beginning with `name`, when the stream is damaged or ends early, when it inflates to 2
+// GiB or more, or to more than 64 MiB and a hundred times its own size, as no database does; and when
+// writing fails, naming `toName`.
+uint64_t inflateDatabase(int from, const std::string &name, int to, const std::string &toName);
+
+}  // namespace player

@@ -1,0 +1,30 @@
+#pragma once
+
+// From what a person names (a mounted player, its iPod_Control folder, a file) to the database file.
+
+#include <filesystem>
+#include <string>
+
+namespace player {
+
+struct DatabaseLocation {
+  std::filesystem::path file;
+  std::string name;  // of the file in messages: as the person wrote it, where they named the file
+  std::filesystem::path volumeRoot;  // of the player that holds the file; empty when it lies on none
+};
+
+// Finds the database of a player's root directory or of its iPod_Control folder, or takes a file as it is;
+// the player's own folder names match without regard to case. Of iTunesDB and iTunesCDB the larger is taken.
+// The two paths are absolute. Throws PlayerError, naming the path, when it does not exist, cannot be read, or
+// is a directory without a database.
+DatabaseLocation locateDatabase(const std::filesystem::path &path);
+
+// The folder with the songs of the player mounted at a directory, without symbolic links on its way; empty
+// when it has none.
+std::filesystem::path musicFolder(const std::filesystem::path &root);
+
+// The Mac name of a player mounted at a directory: the directory's own name with ':' as '/', shortened to
+// the 63 bytes a name can have. Empty for the root directory of the machine.
+std::string volumeName(const std::filesystem::path &root);
+
+}  // namespace player

@@ -1,0 +1,313 @@
+// `zemhost rescue` through the built program: what lies where afterwards, and that nothing else is touched.
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "samples/DatabaseWriter.h"
+#include "samples/SampleLibrary.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/zemhost/Program.h"
+
+namespace zemhost {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Key;
+using testing::Pair;
+using testing::SizeIs;
+
+std::string contentOf(const fs::path &file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+using Files = std::map<std::string, std::string>;
+
+// Every file below a folder with its content.
+Files filesBelow(const fs::path &folder) {
+  Files files;
+  if (!fs::exists(folder)) return files;
+  for (const auto &entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file())
+      files[entry.path().lexically_relative(folder).string()] = contentOf(entry.path());
+  }
+  return files;
+}
+
+class Rescue : public testing::Test {
+ protected:
+  Outcome run(const fs::path &from, const std::vector<std::string> &more = {}) const {
+    std::vector<std::string> arguments = {"rescue", from, destination_};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return runZemhost(arguments);
+  }
+
+  // A player whose songs are "title" and "artist" texts; the file of song i is F00/i.mp3 with its number in
+  // it.
+  fs::path makePlayer(const std::vector<std::pair<std::u16string, std::u16string>> &songs,
+                      std::vector<samples::Playlist> lists = {}) const {
+    std::vector<samples::Track> tracks;
+    for (size_t i = 0; i < songs.size(); ++i) {
+      const std::string name = std::to_string(i) + ".mp3";
+      const std::string content = "song " + std::to_string(i);
+      folder_.write("My iPod/iPod_Control/Music/F00/" + name, content);
+      samples::SongTexts texts;
+      texts.title = songs[i].first;
+      texts.artist = songs[i].second;
+      texts.path = u":iPod_Control:Music:F00:" + std::u16string(name.begin(), name.end());
+      samples::Track track;
+      track.id = static_cast<uint32_t>(52 + i);
+      track.filesize = static_cast<uint32_t>(content.size());
+      track.objects = samples::SongObjects(samples::Variant::LittleEndian, texts);
+      tracks.push_back(std::move(track));
+    }
+    samples::Playlist master;
+    master.name = u"Library";
+    lists.insert(lists.begin(), master);
+    folder_.write("My iPod/iPod_Control/iTunes/iTunesDB",
+                  samples::WriteLibrary(samples::OrdinaryLibrary(std::move(tracks), std::move(lists)),
+                                        samples::Variant::LittleEndian));
+    return folder_.path() / "My iPod";
+  }
+
+  support::TemporaryFolder folder_;
+  fs::path destination_ = folder_.path() / "music" / "of mine";
+};
+
+TEST_F(Rescue, SongsOfThePlayerGetTheirNamesAndKeepContentAndTimes) {
+  const Outcome outcome = run(kPlayer);
+  EXPECT_EQ(outcome.status, 3);  // one file is missing on the sample player
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_THAT(outcome.out, EndsWith("28 songs copied, 133.0 kB\n"
+                                    "6 playlists written\n"
+                                    "1 problem:\n"
+                                    "- song 24 \"Lost Reel\" by Idris Calloway: its file is missing: "
+                                    "player:iPod_Control:Music:F12:LOST.m4a\n"));
+  const Files files = filesBelow(destination_);
+  EXPECT_THAT(files, SizeIs(28 + 6));
+  const samples::SampleSong &song = samples::SampleSongs().at(6);
+  const std::string name = "月島ひかり/夜行列車/01 雨のプラットホーム.m4a";
+  EXPECT_THAT(files, Contains(Pair(name, samples::PlaceholderFile(song))));
+  EXPECT_EQ(fs::last_write_time(destination_ / name),
+            fs::last_write_time(kPlayer / "iPod_Control" / "Music" / song.file));
+  EXPECT_EQ(linesOf(outcome.out).front(), "Mira Solvang/Northern Ferries/01 Harbour Lights at Five.m4a");
+}
+
+TEST_F(Rescue, EverySongOfThePlayerIsThereByItsContent) {
+  run(kPlayer);
+  std::vector<std::string> wanted;
+  std::vector<std::string> copied;
+  for (const samples::SampleSong &song : samples::SampleSongs()) {
+    if (!song.missing) wanted.push_back(samples::PlaceholderFile(song));
+  }
+  for (const auto &[name, content] : filesBelow(destination_)) {
+    if (!name.ends_with(".m3u8")) copied.push_back(content);
+  }
+  EXPECT_THAT(copied, testing::UnorderedElementsAreArray(wanted));
+}
+
+TEST_F(Rescue, PlaylistsNameTheCopies) {
+  run(kPlayer);
+  EXPECT_THAT(contentOf(destination_ / "Café du matin.m3u8"),
+              testing::StartsWith("#EXTM3U\n# written by zemhost rescue\n#PLAYLIST:Café du matin\n"
+                                  "#EXTINF:199,Élodie Marchandeau - Café de l'Écluse\n"
+                                  "Élodie Marchandeau/À contre-jour/01 Café de l'Écluse.m4a\n"));
+  for (const auto &[name, content] : filesBelow(destination_)) {
+    if (!name.ends_with(".m3u8")) continue;
+    for (const std::string &line : linesOf(content)) {
+      EXPECT_TRUE(line.starts_with('#') || fs::exists(destination_ / line)) << name << ": " << line;
+    }
+  }
+}
+
+TEST_F(Rescue, SecondTimeCopiesNothingAndChangesNothing) {
+  run(kPlayer);
+  const Files before = filesBelow(destination_);
+  const Outcome again = run(kPlayer);
+  EXPECT_THAT(again.out,
+              testing::StartsWith("0 songs copied, 0 B\n28 songs are there already\n6 playlists written\n"));
+  EXPECT_EQ(filesBelow(destination_), before);
+}
+
+TEST_F(Rescue, CompleteCopyWithAnotherTimeIsKnownByItsContent) {
+  run(kPlayer);
+  for (const auto &entry : fs::recursive_directory_iterator(destination_)) {
+    if (entry.is_regular_file()) fs::last_write_time(entry.path(), fs::file_time_type::clock::now());
+  }
+  EXPECT_THAT(run(kPlayer).out, HasSubstr("\n28 songs are there already\n"));
+}
+
+TEST_F(Rescue, CopyOnAFileSystemThatKeepsTwoSecondsIsKnownByItsTime) {
+  const fs::path player = makePlayer({{u"One", u"A"}});
+  const fs::path source = player / "iPod_Control/Music/F00/0.mp3";
+  const fs::file_time_type even = std::chrono::floor<std::chrono::minutes>(fs::last_write_time(source));
+  fs::last_write_time(source, even + std::chrono::milliseconds(1234));
+  // Another content tells that the time was enough.
+  const fs::path copy = folder_.write("music/of mine/A/Unknown Album/One.mp3", "SONG 0");
+  fs::last_write_time(copy, even);
+  EXPECT_THAT(run(player).out, HasSubstr("1 song is there already\n"));
+  fs::last_write_time(copy, even + std::chrono::milliseconds(1235));
+  EXPECT_THAT(run(player).out, HasSubstr("1 song copied, "));
+}
+
+TEST_F(Rescue, OtherFileIsNeverReplaced) {
+  const fs::path player = makePlayer({{u"One", u"A"}, {u"Two", u"A"}}, {{.name = u"List"}});
+  const std::string other = folder_.write("music/of mine/A/Unknown Album/One.mp3", "SONG 0");
+  folder_.write("music/of mine/List.m3u8", "mine");
+  for (int round = 0; round < 2; ++round) {
+    const Outcome outcome = run(player);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, HasSubstr("\n2 names were taken by another file, so a number was added\n"));
+    const Files files = filesBelow(destination_);
+    EXPECT_THAT(files, SizeIs(5));
+    EXPECT_THAT(files, Contains(Pair("A/Unknown Album/One.mp3", "SONG 0")));
+    EXPECT_THAT(files, Contains(Pair("A/Unknown Album/One (2).mp3", "song 0")));
+    EXPECT_THAT(files, Contains(Pair("A/Unknown Album/Two.mp3", "song 1")));
+    EXPECT_THAT(files, Contains(Pair("List.m3u8", "mine")));
+    EXPECT_THAT(files, Contains(Key("List (2).m3u8")));
+  }
+}
+
+TEST_F(Rescue, NamesThatDifferInCaseOrCompositionAloneGetNumbers) {
+  const fs::path player =
+      makePlayer({{u"Home", u"A"}, {u"HOME", u"a"}, {u"hóme", u"A"}, {u"ho\u0301me", u"A"}, {u"home", u"A"}});
+  EXPECT_EQ(run(player).status, 0);
+  EXPECT_THAT(filesBelow(destination_), ElementsAre(Pair("A/Unknown Album/HOME (2).mp3", "song 1"),
+                                                    Pair("A/Unknown Album/Home.mp3", "song 0"),
+                                                    Pair("A/Unknown Album/home (3).mp3", "song 4"),
+                                                    Pair("A/Unknown Album/hóme (2).mp3", "song 3"),
+                                                    Pair("A/Unknown Album/hóme.mp3", "song 2")));
+}
+
+TEST_F(Rescue, TextsThatNoFileSystemTakesBecomeNames) {
+  const fs::path player =
+      makePlayer({{u"../../up", u"AC/DC"}, {u"a:b?", u"CON"}, {u"Wait...", u".hidden"}, {u"", u""}});
+  EXPECT_EQ(run(player).status, 0);
+  EXPECT_THAT(filesBelow(destination_),
+              ElementsAre(Pair("AC_DC/Unknown Album/_._.._up.mp3", "song 0"),
+                          Pair("CON_/Unknown Album/a_b_.mp3", "song 1"),
+                          Pair("Unknown Artist/Unknown Album/Unknown Title.mp3", "song 3"),
+                          Pair("_hidden/Unknown Album/Wait.mp3", "song 2")));
+}
+
+TEST_F(Rescue, ManySongsOfOneNameAreAllThere) {
+  const fs::path player =
+      makePlayer(std::vector<std::pair<std::u16string, std::u16string>>(300, {u"Same", u"A"}));
+  EXPECT_EQ(run(player).status, 0);
+  const Files files = filesBelow(destination_);
+  EXPECT_THAT(files, SizeIs(300));
+  EXPECT_THAT(files, Contains(Pair("A/Unknown Album/Same (300).mp3", "song 299")));
+}
+
+TEST_F(Rescue, PatternDecidesTheNames) {
+  EXPECT_EQ(run(kPlayer, {"--pattern", "{genre}/{year} {title}", "--playlist", "Podcasts"}).status, 0);
+  EXPECT_THAT(filesBelow(destination_), Contains(Key("Podcast/2006 Episode 12_ Tape Hiss.mp3")));
+}
+
+TEST_F(Rescue, PlaylistsChooseTheSongs) {
+  EXPECT_EQ(run(kPlayer, {"--playlist", "Podcasts", "--playlist", "1", "--playlist", "podcasts"}).status, 0);
+  const Files files = filesBelow(destination_);
+  EXPECT_THAT(files, SizeIs(2 + 5 + 2));  // one of the six entries of playlist 1 stands twice
+  EXPECT_THAT(files, Contains(Key("Podcasts.m3u8")));
+  EXPECT_THAT(files, Contains(Key("Night Drives.m3u8")));
+}
+
+TEST_F(Rescue, DryRunWritesNothing) {
+  const Outcome outcome = run(kPlayer, {"--dry-run", "--playlist", "Podcasts"});
+  EXPECT_EQ(outcome.status, 0);
+  const std::string source = (kPlayer / "iPod_Control/Music").string();
+  EXPECT_THAT(outcome.out, HasSubstr(" -> " + destination_.string() +
+                                     "/Attic Radio/Attic Radio Weekly/Episode 12_ Tape Hiss.mp3\n"));
+  EXPECT_THAT(outcome.out, testing::StartsWith(source));
+  EXPECT_THAT(outcome.out, EndsWith("2 songs to copy, 32.0 kB\n1 playlist to write\n"));
+  EXPECT_FALSE(fs::exists(folder_.path() / "music"));
+}
+
+TEST_F(Rescue, PlaceOnThePlayerIsRefused) {
+  const fs::path player = makePlayer({{u"One", u"A"}});
+  fs::create_directory_symlink(player, folder_.path() / "link");
+  const Files before = filesBelow(player);
+  for (const fs::path &place :
+       {player, player / "Notes" / "music", player / "x" / ".." / "y", folder_.path() / "link"}) {
+    const Outcome outcome = runZemhost({"rescue", player, place});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "zemhost: " + place.string() + ": this lies on the player, which is only read\n");
+  }
+  EXPECT_EQ(filesBelow(player), before);
+}
+
+TEST_F(Rescue, BareDatabaseIsRefused) {
+  const fs::path file = folder_.write("iTunesDB", samples::SamplePlayerDatabase());
+  const Outcome outcome = run(file);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "zemhost: " + file.string() +
+                             ": the database lies on no player, so the files of its songs cannot be found\n");
+}
+
+TEST_F(Rescue, PlaceThatIsAFileIsRefused) {
+  folder_.write("music/of mine", "x");
+  const Outcome outcome = run(kPlayer);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("Not a directory"));
+}
+
+TEST_F(Rescue, UnknownFieldIsToldBeforeAnythingIsDone) {
+  const Outcome outcome = run(kPlayer, {"--pattern", "{artist}/{disc}"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("there is no field {disc}; the fields are {title}, "));
+  EXPECT_FALSE(fs::exists(folder_.path() / "music"));
+}
+
+TEST_F(Rescue, SongsThatCannotBeCopiedAreNamedAndTheOthersAreThere) {
+  const fs::path player = makePlayer({{u"One", u"A"}, {u"Two", u"B"}, {u"Three", u"C"}},
+                                     {{.name = u"All", .entries = {{.ref = 52}, {.ref = 53}, {.ref = 54}}}});
+  folder_.write("music/of mine/B", "a file in place of a folder");
+  fs::remove(player / "iPod_Control/Music/F00/2.mp3");
+  const Outcome outcome = run(player);
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.out,
+              EndsWith("1 song copied, 6 B\n"
+                       "1 playlist written\n"
+                       "3 problems:\n"
+                       "- song 2 \"Three\" by C: its file is missing: My iPod:iPod_Control:Music:F00:2.mp3\n"
+                       "- song 1 \"Two\" by B: " +
+                       (player / "iPod_Control/Music/F00/1.mp3").string() +
+                       ": Not a directory\n"
+                       "- playlist 1 \"All\" lacks 2 songs\n"));
+  EXPECT_THAT(filesBelow(destination_),
+              ElementsAre(Key("A/Unknown Album/One.mp3"), Key("All.m3u8"), Key("B")));
+}
+
+TEST_F(Rescue, FileOfAnotherSizeThanTheDatabaseTellsIsNamed) {
+  const fs::path player = makePlayer({{u"One", u"A"}});
+  folder_.write("My iPod/iPod_Control/Music/F00/0.mp3", "cut");
+  const Outcome outcome = run(player);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out,
+              EndsWith("1 file has another size than the database tells, and is copied as it is:\n"
+                       "- song 0 \"One\" by A: 3 bytes, and 6 by the database: " +
+                       (player / "iPod_Control/Music/F00/0.mp3").string() + "\n"));
+}
+
+TEST_F(Rescue, PlayerItselfStaysAsItIs) {
+  const fs::path player = makePlayer({{u"One", u"A"}, {u"Two", u"A"}});
+  const Files before = filesBelow(player);
+  run(player);
+  EXPECT_EQ(filesBelow(player), before);
+}
+
+}  // namespace
+}  // namespace zemhost

@@ -1,0 +1,90 @@
+// Bold and colour: on a terminal, and only there.
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "tests/zemhost/Program.h"
+#include "zemhost/output/DisplayText.h"
+
+namespace zemhost {
+namespace {
+
+const std::string kOn = "\x1b[1m";
+const std::string kRed = "\x1b[1;31m";
+const std::string kOff = "\x1b[0m";
+
+RunOptions terminal(std::vector<std::pair<std::string, std::string>> environment) {
+  RunOptions options;
+  options.terminalWidth = 80;
+  options.errorsToTerminal = true;
+  options.environment = std::move(environment);
+  return options;
+}
+
+std::string withBoldHeading(const std::string &listing) {
+  const size_t end = listing.find('\n');
+  return kOn + listing.substr(0, end) + kOff + listing.substr(end);
+}
+
+TEST(ProgramStyles, HeadingsAreBoldOnATerminalAndNothingElseIs) {
+  for (const std::vector<std::string> &arguments :
+       {std::vector<std::string>{"songs", kPlayer}, {"playlists", kPlayer}, {"playlist", kPlayer, "2"}}) {
+    const std::string plain = runZemhost(arguments, terminal({})).out;
+    const Outcome styled = runZemhost(arguments, terminal({{"TERM", "xterm"}}));
+    EXPECT_EQ(styled.out, withBoldHeading(plain));
+    EXPECT_EQ(styled.status, 0);
+  }
+}
+
+TEST(ProgramStyles, EveryTableOfAReportHasABoldHeading) {
+  const std::string report = runZemhost({"check", kPlayer}, terminal({{"TERM", "xterm"}})).out;
+  for (const char *first : {"Chunk ", "Count "})
+    EXPECT_NE(report.find("\n" + kOn + first), std::string::npos) << first;
+}
+
+TEST(ProgramStyles, StylesTakeNoRoomFromALine) {
+  RunOptions options = terminal({{"TERM", "xterm"}});
+  options.terminalWidth = 60;
+  std::string heading = linesOf(runZemhost({"songs", kPlayer}, options).out).at(0);
+  ASSERT_EQ(heading.substr(0, kOn.size()), kOn);
+  ASSERT_EQ(heading.substr(heading.size() - kOff.size()), kOff);
+  heading = heading.substr(kOn.size(), heading.size() - kOn.size() - kOff.size());
+  EXPECT_LE(displayWidth(heading), 60U);
+  options.environment = {};
+  EXPECT_EQ(heading, linesOf(runZemhost({"songs", kPlayer}, options).out).at(0));
+}
+
+TEST(ProgramStyles, ErrorsBeginInColourOnATerminal) {
+  EXPECT_EQ(runZemhost({"songs", "/nowhere"}, terminal({{"TERM", "xterm"}}))
+                .err.find(kRed + "zemhost:" + kOff + " "),
+            0U);
+  EXPECT_EQ(runZemhost({"songs", "/nowhere"}, terminal({})).err.find("zemhost: "), 0U);
+}
+
+TEST(ProgramStyles, NoColorSwitchesThemOffWhateverItsValue) {
+  for (const char *value : {"1", "0", ""}) {
+    const auto options = terminal({{"TERM", "xterm"}, {"NO_COLOR", value}});
+    EXPECT_EQ(runZemhost({"songs", kPlayer}, options).out, runZemhost({"songs", kPlayer}, terminal({})).out);
+    EXPECT_EQ(runZemhost({"songs", "/nowhere"}, options).err.find("zemhost: "), 0U);
+  }
+}
+
+TEST(ProgramStyles, WhatGoesToNoTerminalIsPlain) {
+  RunOptions options;
+  options.environment = {{"TERM", "xterm"}};
+  for (const char *command : {"songs", "playlists", "info"})
+    EXPECT_EQ(runZemhost({command, kPlayer}, options).out.find('\x1b'), std::string::npos) << command;
+  EXPECT_EQ(runZemhost({"songs", "/nowhere"}, options).err.find("zemhost: "), 0U);
+
+  // Each of the two goes its own way.
+  RunOptions mixed = terminal({{"TERM", "xterm"}});
+  mixed.errorsToTerminal = false;
+  EXPECT_EQ(runZemhost({"songs", "/nowhere"}, mixed).err.find("zemhost: "), 0U);
+  mixed.terminalWidth.reset();
+  mixed.errorsToTerminal = true;
+  EXPECT_EQ(runZemhost({"songs", kPlayer}, mixed).out.find('\x1b'), std::string::npos);
+}
+
+}  // namespace
+}  // namespace zemhost

@@ -1,0 +1,141 @@
+#include "zemhost/check/CheckReport.h"
+
+#include <array>
+#include <nlohmann/json.hpp>
+
+#include "zemhost/commands/SongTable.h"
+#include "zemhost/output/DisplayText.h"
+#include "zemhost/output/Table.h"
+
+namespace zemhost {
+
+namespace {
+
+constexpr uint64_t kShownOfEachKind = 20;
+
+void line(std::ostream &out, const char *label, const std::string &text) {
+  out << label << safeText(text) << '\n';
+}
+
+std::string bytesText(const player::FileAccount &file) {
+  std::string text = countText(file.size, "byte", "bytes");
+  if (file.rawBytes > 0)
+    text += ", " + std::to_string(file.rawBytes) + " of them raw in data sets of types that hold no records";
+  if (file.unexplainedBytes == 0) return text + ", all accounted for";
+  return text + ", " + std::to_string(file.unexplainedBytes) + " of them in no chunk";
+}
+
+std::string filesText(const LibraryAccount &library) {
+  if (!library.filesLeftOut.empty()) return "not looked at: " + library.filesLeftOut;
+  return std::to_string(library.filesThere) + " of " +
+         countText(library.filesThere + library.filesMissing, "song has its file", "songs have theirs") +
+         ", " + countText(library.filesUnnamed, "file is", "files are") + " named by no song";
+}
+
+void writeChunks(const player::FileAccount &file, std::ostream &out) {
+  using enum Column::Align;
+  Table table({{"Chunk", Left, 0, 0}, {"Kind", Left, 0, 0}, {"Number", Right, 0, 0}, {"Bytes", Right, 0, 0}});
+  for (const player::ChunkCount &count : file.chunks) {
+    table.addRow({count.tag, count.meaning, std::to_string(count.chunks), std::to_string(count.bytes)});
+  }
+  table.show(out);
+}
+
+void writeCounts(const CheckReport &report, std::ostream &out) {
+  using enum Column::Align;
+  Table table(
+      {{"Count", Left, 0, 0}, {"Announced", Right, 0, 0}, {"Found", Right, 0, 0}, {"Read", Right, 0, 0}});
+  table.addRow({"data sets", std::to_string(report.file.declaredDataSets),
+                std::to_string(report.file.dataSets), std::string()});
+  for (const RecordCount &count : report.reconciliation.counts) {
+    table.addRow({count.what, std::to_string(count.declared), std::to_string(count.found),
+                  std::to_string(count.answered)});
+  }
+  table.show(out);
+}
+
+void writeFindings(const player::Findings &findings, std::ostream &out) {
+  if (findings.total() == 0) {
+    out << "Nothing is wrong\n";
+    return;
+  }
+  out << countText(findings.total(), "finding", "findings") << '\n';
+  std::array<uint64_t, player::kFindingKinds> shown{};
+  for (const player::Finding &finding : findings.kept()) {
+    if (++shown[static_cast<size_t>(finding.kind)] <= kShownOfEachKind) line(out, "- ", finding.text);
+  }
+  for (size_t i = 0; i < player::kFindingKinds; ++i) {
+    const auto kind = static_cast<player::FindingKind>(i);
+    if (findings.count(kind) <= kShownOfEachKind) continue;
+    out << "- and " << findings.count(kind) - kShownOfEachKind << " more of the kind "
+        << player::kindName(kind) << " (--json lists them)\n";
+  }
+}
+
+nlohmann::ordered_json countJson(uint64_t declared, uint64_t found) {
+  return {{"announced", declared}, {"found", found}};
+}
+
+nlohmann::ordered_json findingJson(const player::Finding &finding) {
+  nlohmann::ordered_json json = {{"kind", player::kindName(finding.kind)}, {"text", finding.text}};
+  if (finding.offset) json["offset"] = *finding.offset;
+  if (finding.size) json["size"] = *finding.size;
+  return json;
+}
+
+}  // namespace
+
+void writeText(const CheckReport &report, std::ostream &out) {
+  line(out, "Database  ", report.location.file.string() + (report.compressed ? " (compressed)" : ""));
+  line(out, "Variant   ", variantText(report.file.bigEndian));
+  line(out, "Version   ", report.file.version.empty() ? "not told" : report.file.version);
+  line(out, "Content   ", bytesText(report.file));
+  line(out, "Files     ", filesText(report.library));
+  out << '\n';
+  writeChunks(report.file, out);
+  out << '\n';
+  writeCounts(report, out);
+  out << '\n';
+  writeFindings(report.findings, out);
+}
+
+void writeJson(const CheckReport &report, std::ostream &out) {
+  using Json = nlohmann::ordered_json;
+  const player::FileAccount &file = report.file;
+  Json json = {
+      {"database", report.location.file.string()},
+      {"compressed", report.compressed},
+      {"variant", file.bigEndian ? "big-endian" : "little-endian"},
+      {"version", file.version},
+      {"bytes", {{"total", file.size}, {"raw", file.rawBytes}, {"unexplained", file.unexplainedBytes}}}};
+  for (const player::ChunkCount &count : file.chunks) {
+    json["chunks"].push_back(
+        {{"tag", count.tag}, {"kind", count.meaning}, {"number", count.chunks}, {"bytes", count.bytes}});
+  }
+  json["counts"]["data_sets"] = countJson(file.declaredDataSets, file.dataSets);
+  for (const RecordCount &count : report.reconciliation.counts) {
+    json["counts"][count.what] = countJson(count.declared, count.found);
+    json["counts"][count.what]["read"] = count.answered;
+  }
+  const LibraryAccount &library = report.library;
+  const bool looked = library.filesLeftOut.empty();
+  json["files"] = {{"checked", looked}};
+  if (looked) {
+    json["files"]["present"] = library.filesThere;
+    json["files"]["missing"] = library.filesMissing;
+    json["files"]["unnamed"] = library.filesUnnamed;
+  } else {
+    json["files"]["reason"] = library.filesLeftOut;
+  }
+  for (size_t i = 0; i < player::kFindingKinds; ++i) {
+    const auto kind = static_cast<player::FindingKind>(i);
+    json["finding_counts"][std::string(player::kindName(kind))] = report.findings.count(kind);
+  }
+  json["findings"] = Json::array();
+  for (const player::Finding &finding : report.findings.kept())
+    json["findings"].push_back(findingJson(finding));
+  // A name on a disk need not be valid text.
+  out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace zemhost

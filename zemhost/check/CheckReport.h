@@ -1,0 +1,30 @@
+#pragma once
+
+// The result of a check, for people and for programs.
+
+#include <ostream>
+#include <string>
+
+#include "player/ChunkWalk.h"
+#include "player/DatabaseLocation.h"
+#include "zemhost/check/LibraryCheck.h"
+#include "zemhost/library/Reconciliation.h"
+
+namespace zemhost {
+
+struct CheckReport {
+  player::DatabaseLocation location;
+  bool compressed = false;
+  player::FileAccount file;
+  Reconciliation reconciliation;
+  LibraryAccount library;
+  player::Findings findings;  // of all the above
+};
+
+// Tables of what was counted, then the findings, the first few of each kind.
+void writeText(const CheckReport &report, std::ostream &out);
+
+// One JSON object with the same and every finding that was kept.
+void writeJson(const CheckReport &report, std::ostream &out);
+
+}  // namespace zemhost

@@ -1,0 +1,129 @@
+#include "zemhost/check/LibraryCheck.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <unordered_set>
+#include <vector>
+
+#include "host/Error.h"
+#include "player/DatabaseLocation.h"
+
+namespace zemhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string quoted(const std::string &text) { return '"' + text + '"'; }
+
+class Check {
+ public:
+  Check(const MusicLibrary &library, player::Findings &findings) : library_(library), findings_(findings) {}
+
+  LibraryAccount run() {
+    const fs::path &root = library_.location().volumeRoot;
+    if (root.empty()) {
+      account_.filesLeftOut = "the database lies on no player";
+    } else if (library_.libType() == 0) {
+      account_.filesLeftOut = "a desktop library names files of another machine";
+    }
+    checkSongs();
+    checkPlaylists();
+    if (account_.filesLeftOut.empty()) checkMusicFolder(root);
+    return account_;
+  }
+
+ private:
+  void add(player::FindingKind kind, std::string text) { findings_.add(kind, std::move(text)); }
+
+  void checkSongs() {
+    const int32_t count = library_.songCount();
+    for (int32_t index = 0; index < count; ++index) {
+      const Song song = library_.song(index);
+      for (const std::string &field : library_.lossyTexts(index)) {
+        ++account_.lossyTexts;
+        add(player::FindingKind::LossyText,
+            songLabel(index, song) + ": the " + field + " holds characters that are not valid");
+      }
+      if (account_.filesLeftOut.empty()) checkFile(index, song);
+    }
+  }
+
+  void checkFile(int32_t index, const Song &song) {
+    const FolderItem item = library_.file(song.path);
+    const fs::path path = item.path();
+    std::error_code error;
+    if (fs::is_regular_file(path, error)) {
+      ++account_.filesThere;
+      named_.insert(path.string());
+      return;
+    }
+    ++account_.filesMissing;
+    add(player::FindingKind::MissingFile, missingFileText(index, song, item));
+  }
+
+  void checkPlaylists() {
+    const int32_t count = library_.playlistCount();
+    for (int32_t list = 0; list < count; ++list) {
+      size_t lost = 0;
+      const std::string name =
+          "playlist " + std::to_string(list) + " " + quoted(library_.playlistName(list, &lost));
+      if (lost > 0) {
+        ++account_.lossyTexts;
+        add(player::FindingKind::LossyText, name + ": the name holds characters that are not valid");
+      }
+      const int32_t entries = library_.entryCount(list);
+      for (int32_t position = 0; position < entries; ++position) {
+        const PlaylistEntry entry = library_.entry(list, position);
+        if (entry.song >= 0) continue;
+        ++account_.entriesWithoutSong;
+        add(player::FindingKind::EntryWithoutSong, name + ", entry " + std::to_string(position) +
+                                                       ": no song has the ID " +
+                                                       std::to_string(entry.trackID));
+      }
+    }
+  }
+
+  void checkMusicFolder(const fs::path &root) {
+    const fs::path folder = player::musicFolder(root);
+    if (folder.empty()) return;
+    std::vector<std::string> unnamed;
+    std::error_code error;
+    fs::recursive_directory_iterator entry(folder, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+      if (!entry->is_regular_file(error) || named_.contains(entry->path().string())) continue;
+      ++account_.filesUnnamed;
+      if (unnamed.size() < player::Findings::kKept) unnamed.push_back(entry->path().string());
+    }
+    if (error) throw HostError(folder.string() + ": " + error.message());
+    std::sort(unnamed.begin(), unnamed.end());
+    for (const std::string &file : unnamed)
+      add(player::FindingKind::UnnamedFile, "no song names the file " + file);
+  }
+
+  const MusicLibrary &library_;
+  player::Findings &findings_;
+  LibraryAccount account_;
+  std::unordered_set<std::string> named_;  // files that songs name, as the system calls them
+};
+
+}  // namespace
+
+std::string songLabel(int32_t index, const Song &song) {
+  std::string name = "song " + std::to_string(index) + " " + quoted(song.title);
+  if (!song.artist.empty()) name += " by " + song.artist;
+  return name;
+}
+
+std::string missingFileText(int32_t index, const Song &song, const FolderItem &item) {
+  const std::string label = songLabel(index, song);
+  if (song.path.empty()) return label + " names no file";
+  return label + ": its file is missing: " + (item ? item.macPath() : song.path);
+}
+
+LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings) {
+  return Check(library, findings).run();
+}
+
+}  // namespace zemhost

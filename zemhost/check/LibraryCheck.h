@@ -1,0 +1,33 @@
+#pragma once
+
+// What is wrong with a library as the class tells it, and with the files that its songs name.
+
+#include <cstdint>
+#include <string>
+
+#include "player/Findings.h"
+#include "zemhost/library/MusicLibrary.h"
+
+namespace zemhost {
+
+// How messages name a song: `song 24 "Lost Reel" by Idris Calloway`.
+std::string songLabel(int32_t index, const Song &song);
+
+// That a song's file, which this item stands for, is not there.
+std::string missingFileText(int32_t index, const Song &song, const FolderItem &item);
+
+struct LibraryAccount {
+  uint64_t lossyTexts = 0;
+  uint64_t entriesWithoutSong = 0;
+  std::string filesLeftOut;  // why no files were looked at; empty when they were
+  uint64_t filesThere = 0;   // of the songs
+  uint64_t filesMissing = 0;
+  uint64_t filesUnnamed = 0;  // in the music folder
+};
+
+// Looks at every song, its texts and its file, at every playlist entry, and at every file of the music
+// folder. The files are left out for a library that lies on no player. Adds what is wrong to `findings`.
+// Throws HostError, naming it, when the music folder cannot be read.
+LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings);
+
+}  // namespace zemhost

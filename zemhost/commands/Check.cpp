@@ -1,0 +1,71 @@
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "zemhost/ExitStatus.h"
+#include "zemhost/check/CheckReport.h"
+#include "zemhost/commands/Command.h"
+#include "zemhost/library/OpenDatabase.h"
+
+namespace zemhost {
+
+namespace {
+
+struct CheckArguments {
+  std::string path;
+  bool json = false;
+};
+
+void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &library,
+                    const player::FileAccount &file, player::Findings &findings) {
+  for (const RecordCount &count : reconciliation.counts) {
+    if (count.found == count.answered) continue;
+    findings.add(player::FindingKind::ClassDiffers, "the file holds " + std::to_string(count.found) + " " +
+                                                        count.what + ", and the class answers " +
+                                                        std::to_string(count.answered));
+  }
+  for (const int32_t list : reconciliation.differingLists) {
+    const auto place = static_cast<size_t>(list);
+    const uint32_t held = place < file.entriesOf.size() ? file.entriesOf[place] : 0;
+    findings.add(player::FindingKind::ClassDiffers,
+                 "playlist " + std::to_string(list) + " holds " + std::to_string(held) +
+                     " entries, and the class answers " + std::to_string(library.entryCount(list)));
+  }
+}
+
+int check(const CheckArguments &arguments) {
+  OpenDatabase database = loadDatabase(Host::load(), arguments.path);
+  CheckReport report{database.location, database.compressed, accountOf(database), {}, {}, {}};
+  report.findings = report.file.findings;
+  if (database.bytesAfterStream > 0) {
+    report.findings.add(
+        player::FindingKind::UnexplainedBytes,
+        std::to_string(database.bytesAfterStream) + " bytes stand after the compressed stream");
+  }
+  const MusicLibrary library(std::move(database));
+  report.reconciliation = reconcile(report.file, library.object());
+  addDifferences(report.reconciliation, library, report.file, report.findings);
+  report.library = checkLibrary(library, report.findings);
+  if (arguments.json) {
+    writeJson(report, std::cout);
+  } else {
+    writeText(report, std::cout);
+  }
+  return report.findings.total() == 0 ? kSuccess : kIncomplete;
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App &program, Action &action) {
+  const auto arguments = std::make_shared<CheckArguments>();
+  CLI::App *const command = program.add_subcommand(
+      "check", "Account for every byte of a database, every entry and every song's file");
+  addPathArgument(*command, arguments->path);
+  command->add_flag("--json", arguments->json, "Report as one JSON object");
+  command->footer(
+      "Ends with 0 when all is accounted for, with 3 when something is wrong, and with 1 when the "
+      "database cannot be read.");
+  command->callback([arguments, &action] { action = [arguments] { return check(*arguments); }; });
+}
+
+}  // namespace zemhost

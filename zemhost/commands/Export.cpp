@@ -1,0 +1,190 @@
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Error.h"
+#include "zemhost/ExitStatus.h"
+#include "zemhost/commands/Command.h"
+#include "zemhost/commands/SongTable.h"
+#include "zemhost/export/ExportWriter.h"
+#include "zemhost/export/M3uExport.h"
+#include "zemhost/library/PlaylistChoice.h"
+#include "zemhost/output/Messages.h"
+
+namespace zemhost {
+
+namespace {
+
+struct ExportArguments {
+  std::string path;
+  std::string format;
+  std::string output;
+  std::string playlist;
+  std::vector<std::string> fields;
+  std::string paths = "host";
+  std::string encoding;
+
+  bool writesStandardOutput() const { return output.empty() || output == "-"; }
+};
+
+// The songs that are asked for, and what to say of those that cannot be given.
+class Selection {
+ public:
+  Selection(const MusicLibrary &library, const std::string &wanted)
+      : library_(library), playlist_(wanted.empty() ? -1 : choosePlaylist(library, wanted)) {}
+
+  // The playlist's number; -1: the whole library.
+  int32_t playlist() const { return playlist_; }
+
+  // Hands on the index of each song: all in the order of the library, or the playlist's in its order.
+  template <typename Sink>
+  void eachSong(const Sink &sink) const {
+    const int32_t count = playlist_ < 0 ? library_.songCount() : library_.entryCount(playlist_);
+    uint64_t missing = 0;
+    for (int32_t i = 0; i < count; ++i) {
+      const int32_t song = playlist_ < 0 ? i : library_.entry(playlist_, i).song;
+      if (song < 0) {
+        ++missing;
+      } else {
+        sink(song);
+      }
+    }
+    if (missing != 0) {
+      printError(library_.location().name + ": the playlist has " + countText(missing, "entry", "entries") +
+                 " whose track ID no song carries");
+    }
+  }
+
+ private:
+  const MusicLibrary &library_;
+  int32_t playlist_;
+};
+
+M3uPaths pathsNamed(const std::string &name) {
+  if (name == "device") return M3uPaths::Device;
+  return name == "relative" ? M3uPaths::Relative : M3uPaths::Host;
+}
+
+void writeM3u(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
+  EncodedOutput out(arguments.encoding, library.host(), arguments.output);
+  std::filesystem::path folder = std::filesystem::current_path();
+  if (!arguments.writesStandardOutput()) folder /= std::filesystem::path(arguments.output).parent_path();
+  const M3uPaths paths = pathsNamed(arguments.paths);
+  M3uExport list(library, out, paths, folder);
+  selection.eachSong([&](int32_t song) { list.addSong(song); });
+  out.finish();
+  if (list.leftOut() != 0) {
+    printError(library.location().name + ": " + countText(list.leftOut(), "song", "songs") + " left out: " +
+               (paths == M3uPaths::Device
+                    ? "no path is known"
+                    : "the path names no place on this machine; --paths device lists what is known"));
+  }
+}
+
+std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const ExportArguments &arguments,
+                                         const SongColumnList &columns) {
+  if (arguments.format == "sqlite") return makeSqliteWriter(arguments.output, columns);
+  auto out = std::make_unique<EncodedOutput>(arguments.encoding, library.host(), arguments.output);
+  if (arguments.format == "csv") return makeCsvWriter(std::move(out), columns);
+  if (arguments.format == "json") return makeJsonWriter(std::move(out), columns);
+  return makeNdjsonWriter(std::move(out), columns);
+}
+
+void writePlaylist(ExportWriter &writer, const PlaylistColumns &columns, const MusicLibrary &library,
+                   int32_t playlist) {
+  writer.playlist(columns.row(playlist));
+  const int32_t count = library.entryCount(playlist);
+  for (int32_t position = 0; position < count; ++position) writer.entry(columns.entryRow(playlist, position));
+}
+
+std::vector<std::string> fieldsOf(const ExportArguments &arguments) {
+  std::vector<std::string> fields = arguments.fields;
+  if (fields.empty() || arguments.format != "sqlite") return fields;
+  // The keys that entries refer to.
+  for (const char *const key : {"track_id", "song_index"}) {
+    if (std::find(fields.begin(), fields.end(), key) == fields.end()) fields.insert(fields.begin(), key);
+  }
+  return fields;
+}
+
+// The songs, and behind them the playlists in the formats that have a place for those. These hold a song once
+// that stands in a playlist twice, as entries refer to it.
+void writeTables(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
+  const bool holdsPlaylists = arguments.format == "json" || arguments.format == "sqlite";
+  const SongColumns songs(library, fieldsOf(arguments));
+  const auto writer = makeWriter(library, arguments, songs.columns());
+  std::vector<bool> written(holdsPlaylists ? static_cast<size_t>(library.songCount()) : 0);
+  selection.eachSong([&](int32_t song) {
+    if (holdsPlaylists) {
+      if (written[static_cast<size_t>(song)]) return;
+      written[static_cast<size_t>(song)] = true;
+    }
+    writer->song(songs.row(song));
+  });
+  if (holdsPlaylists) {
+    const PlaylistColumns playlists(library);
+    const int32_t count = library.playlistCount();
+    for (int32_t number = 0; number < count; ++number) {
+      if (selection.playlist() < 0 || selection.playlist() == number)
+        writePlaylist(*writer, playlists, library, number);
+    }
+  }
+  writer->finish();
+}
+
+int exportLibrary(const ExportArguments &arguments) {
+  const MusicLibrary library(openDatabase(arguments.path));
+  const Selection selection(library, arguments.playlist);
+  if (arguments.format == "m3u8") {
+    writeM3u(library, selection, arguments);
+  } else {
+    writeTables(library, selection, arguments);
+  }
+  return kSuccess;
+}
+
+// Options that do not go together.
+void checkArguments(const CLI::App &command, const ExportArguments &arguments) {
+  const bool list = arguments.format == "m3u8";
+  if (list && !arguments.fields.empty())
+    throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
+  if (!list && command.count("--paths") != 0)
+    throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
+  if (!list && arguments.format != "csv" && !isUtf8Name(arguments.encoding))
+    throw CLI::ValidationError("--encoding", arguments.format + " is always UTF-8");
+  if (arguments.format == "sqlite" && arguments.writesStandardOutput())
+    throw CLI::ValidationError("--output", "sqlite needs a file to write");
+}
+
+}  // namespace
+
+void addExportCommand(CLI::App &program, Action &action) {
+  const auto arguments = std::make_shared<ExportArguments>();
+  CLI::App *const command =
+      program.add_subcommand("export", "Write songs and playlists in a format that other programs read");
+  addPathArgument(*command, arguments->path);
+  command->add_option("--format", arguments->format, "csv, json, ndjson, m3u8 or sqlite")
+      ->required()
+      ->check(CLI::IsMember({"csv", "json", "ndjson", "m3u8", "sqlite"}));
+  command->add_option("-o,--output", arguments->output, "The file to write; else standard output");
+  command->add_option("--playlist", arguments->playlist,
+                      "Only the songs of this playlist: its number, its name, or the beginning of its name");
+  command
+      ->add_option("--fields", arguments->fields,
+                   "The fields of a song, in order, with commas between; else all of them")
+      ->delimiter(',')
+      ->allow_extra_args(false);
+  command
+      ->add_option("--paths", arguments->paths,
+                   "Paths in m3u8: host (files on this machine), relative (from the list's folder) or device "
+                   "(as on the player) [host]")
+      ->check(CLI::IsMember({"host", "relative", "device"}));
+  addEncodingOption(*command, arguments->encoding);
+  command->callback([arguments, command, &action] {
+    checkArguments(*command, *arguments);
+    action = [arguments] { return exportLibrary(*arguments); };
+  });
+}
+
+}  // namespace zemhost

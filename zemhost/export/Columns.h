@@ -1,0 +1,72 @@
+#pragma once
+
+// The columns of an export: what each is called and holds, and its value for a song, playlist or entry, read
+// through the class's methods. Names and meanings are part of the interface; docs/export-schema.json says the
+// same for other programs.
+
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zemhost/library/MusicLibrary.h"
+
+namespace zemhost {
+
+using Json = nlohmann::ordered_json;
+
+enum class ColumnType {
+  Integer,
+  Boolean,
+  Text,  // UTF-8
+  Texts  // an object of texts, by number
+};
+
+struct ExportColumn {
+  std::string_view name;
+  ColumnType type;
+};
+
+// One value for each column: a number, a boolean, a text, an object, or null for what is not there.
+using Row = std::vector<Json>;
+
+class SongColumns {
+ public:
+  // These columns in this order; none: all of them. Throws HostError for a name that there is not, listing
+  // those that there are. The library's ResultEncode must stay as MusicLibrary sets it.
+  SongColumns(const MusicLibrary &library, const std::vector<std::string> &names);
+  ~SongColumns();
+
+  const std::vector<ExportColumn> &columns() const;
+  // The values of one song of the library.
+  Row row(int32_t index) const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+// The library's playlists, and the entries of each, likewise; always all columns.
+class PlaylistColumns {
+ public:
+  explicit PlaylistColumns(const MusicLibrary &library);
+  ~PlaylistColumns();
+
+  static const std::vector<ExportColumn> &columns();
+  static const std::vector<ExportColumn> &entryColumns();
+
+  Row row(int32_t playlist) const;
+  // An entry whose track ID no song carries has null for its song.
+  Row entryRow(int32_t playlist, int32_t position) const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+// The song's file on this machine, whether or not it is there; empty when the path names no place here.
+std::filesystem::path songFile(const MusicLibrary &library, const std::string &path);
+
+}  // namespace zemhost

@@ -1,0 +1,52 @@
+#pragma once
+
+// The formats of an export. A writer takes all songs, then each playlist followed by its entries.
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "zemhost/export/Columns.h"
+#include "zemhost/output/EncodedOutput.h"
+
+namespace zemhost {
+
+class ExportWriter {
+ public:
+  ExportWriter() = default;
+  ExportWriter(const ExportWriter &) = delete;
+  ExportWriter &operator=(const ExportWriter &) = delete;
+  virtual ~ExportWriter() = default;
+
+  // Each takes a row of the columns the writer was made for. Throws HostError, naming the output, when it
+  // cannot be written.
+  virtual void song(Row row) = 0;
+  // Formats that hold songs alone pass over these.
+  virtual void playlist(const Row & /*row*/) {}
+  virtual void entry(const Row & /*row*/) {}
+
+  // Completes the output; without it a file does not appear under its name.
+  virtual void finish() = 0;
+};
+
+using SongColumnList = std::vector<ExportColumn>;
+
+// CSV: a heading line, then a line a song; CRLF line ends, fields quoted where they must be. Null is an empty
+// field, an object its JSON.
+std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out,
+                                            const SongColumnList &columns);
+
+// One JSON object, its songs and playlists one a line.
+std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out,
+                                             const SongColumnList &columns);
+
+// One JSON object a line for each song.
+std::unique_ptr<ExportWriter> makeNdjsonWriter(std::unique_ptr<EncodedOutput> out,
+                                               const SongColumnList &columns);
+
+// A SQLite database with the tables songs, playlists and entries. The columns must hold
+// song_index and track_id, which entries refer to.
+std::unique_ptr<ExportWriter> makeSqliteWriter(const std::filesystem::path &target,
+                                               const SongColumnList &columns);
+
+}  // namespace zemhost

@@ -1,0 +1,42 @@
+#pragma once
+
+// A library or one of its playlists as an M3U8 list.
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "zemhost/library/MusicLibrary.h"
+#include "zemhost/output/EncodedOutput.h"
+
+namespace zemhost {
+
+enum class M3uPaths {
+  Host,      // files on this machine, absolute
+  Relative,  // the same, from the folder of the list
+  Device     // as on the player, with '/' between the parts
+};
+
+class M3uExport {
+ public:
+  // `folder` is where the list will lie; it matters to relative paths alone. Writes the heading.
+  M3uExport(const MusicLibrary &library, EncodedOutput &out, M3uPaths paths, std::filesystem::path folder);
+
+  // Adds a song. One whose path names no place on this machine is left out, and counted, unless the paths are
+  // the device's.
+  void addSong(int32_t index);
+
+  // The number of songs left out.
+  uint64_t leftOut() const { return leftOut_; }
+
+ private:
+  std::string pathOf(const Song &song) const;
+
+  const MusicLibrary &library_;
+  EncodedOutput &out_;
+  M3uPaths paths_;
+  std::filesystem::path folder_;
+  uint64_t leftOut_ = 0;
+};
+
+}  // namespace zemhost

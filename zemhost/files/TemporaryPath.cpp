@@ -1,0 +1,106 @@
+#include "zemhost/files/TemporaryPath.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "host/Error.h"
+
+namespace zemhost {
+
+namespace {
+
+// A signal handler may neither allocate nor lock, so the paths lie in fixed places.
+struct Slot {
+  std::atomic<bool> used{false};
+  std::array<char, PATH_MAX> path{};
+};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+std::array<Slot, 16> slots;
+
+void removeNamed(const char *path) noexcept {
+  const int before = errno;
+  if (unlink(path) != 0) rmdir(path);
+  errno = before;
+}
+
+// While one lives, no signal reaches the program.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsHeld(const SignalsHeld &) = delete;
+  SignalsHeld &operator=(const SignalsHeld &) = delete;
+  ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
+
+}  // namespace
+
+TemporaryPath::TemporaryPath(std::filesystem::path path) : path_(std::move(path)) {
+  // A signal may find the program in another directory than this one is relative to.
+  const std::string full = std::filesystem::absolute(path_).string();
+  if (full.size() >= PATH_MAX)
+    throw HostError(path_.string() + ": " + std::generic_category().message(ENAMETOOLONG));
+  for (size_t i = 0; i < slots.size(); ++i) {
+    if (slots[i].used) continue;
+    std::memcpy(slots[i].path.data(), full.c_str(), full.size() + 1);
+    slots[i].used = true;
+    slot_ = i;
+    return;
+  }
+  throw HostError(path_.string() + ": too many temporary files");
+}
+
+TemporaryPath::TemporaryPath(TemporaryPath &&other) noexcept
+    : path_(std::move(other.path_)), slot_(std::exchange(other.slot_, kNone)) {}
+
+TemporaryPath &TemporaryPath::operator=(TemporaryPath &&other) noexcept {
+  std::swap(path_, other.path_);
+  std::swap(slot_, other.slot_);
+  return *this;
+}
+
+void TemporaryPath::remove() noexcept {
+  if (slot_ != kNone) removeNamed(slots[slot_].path.data());
+  keep();
+}
+
+void TemporaryPath::keep() noexcept {
+  if (slot_ != kNone) slots[std::exchange(slot_, kNone)].used = false;
+}
+
+TemporaryPath makeTemporaryDirectory() {
+  const char *named = std::getenv("TMPDIR");
+  const std::filesystem::path place = named != nullptr && *named != '\0' ? named : "/tmp";
+  std::string name = (place / "zemhost-XXXXXX").string();
+  const SignalsHeld held;  // between its making and its being known it would stay behind
+  if (mkdtemp(name.data()) == nullptr) {
+    throw HostError(place.string() +
+                    ": no temporary directory can be made here: " + std::generic_category().message(errno));
+  }
+  return TemporaryPath(name);
+}
+
+void removeTemporaryPaths() noexcept {
+  for (size_t i = slots.size(); i-- > 0;) {
+    if (slots[i].used) removeNamed(slots[i].path.data());
+  }
+}
+
+}  // namespace zemhost

@@ -1,0 +1,107 @@
+#include "zemhost/library/OpenDatabase.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "player/FileProbe.h"
+#include "zemhost/library/InflatedCopy.h"
+#include "zemhost/library/Reconciliation.h"
+#include "zemhost/output/Messages.h"
+
+namespace zemhost {
+
+namespace {
+
+// The root of the machine is a volume without being declared.
+std::string nameOfVolume(const std::filesystem::path &root) {
+  const std::string name = player::volumeName(root);
+  return name.empty() ? "System" : name;
+}
+
+// A directory on the way may have a name that no file specification can hold; as a volume it is shortened.
+FolderItem itemOf(const std::filesystem::path &file) {
+  FolderItem item = FolderItem::fromPath(file);
+  if (item) return item;
+  mountVolume(nameOfVolume(file.parent_path()), file.parent_path());
+  return FolderItem::fromPath(file);
+}
+
+// As a shell reads it back.
+std::string shellWord(const std::string &text) {
+  constexpr std::string_view kPlain =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%";
+  if (!text.empty() && text.find_first_not_of(kPlain) == std::string::npos) return text;
+  std::string word = "'";
+  for (const char c : text) word += c == '\'' ? "'\\''" : std::string(1, c);
+  return word + "'";
+}
+
+void load(const Object &object, const std::string &name, const std::filesystem::path &file) {
+  const FolderItem item = itemOf(file);
+  if (!item) throw HostError(name + ": the file's name is longer than the 63 bytes that can be read");
+  if (!object.call("Load", {item}).boolean()) {
+    throw HostError(name + ": the plug-in could not load it (Error " +
+                    std::to_string(object.get("Error").integer()) + ")");
+  }
+}
+
+}  // namespace
+
+player::FileAccount accountOf(const OpenDatabase &database) {
+  try {
+    return player::walkChunks(database.content.number());
+  } catch (const std::system_error &error) {
+    throw HostError(database.location.name + ": " + error.code().message());
+  }
+}
+
+OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0};
+  const player::DatabaseLocation &location = database.location;
+  const player::FileProbe probe = player::probeFile(location.file);
+  if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
+
+  const bool onPlayer = !location.volumeRoot.empty();
+  const auto mount = [&](const std::filesystem::path &root) {
+    if (onPlayer) mountVolume(nameOfVolume(location.volumeRoot), root);
+  };
+  if (probe.content == player::FileContent::Compressed) {
+    InflatedCopy copy(location);
+    const player::FileProbe inflated = player::probeFile(copy.file());
+    if (inflated.content != player::FileContent::Database) {
+      throw HostError(location.name + ": what is compressed in it: " +
+                      (inflated.reason.empty() ? "a compressed database once more" : inflated.reason));
+    }
+    mount(copy.root());
+    load(database.object, location.name, copy.file());
+    database.compressed = true;
+    database.bytesAfterStream = copy.bytesLeft();
+    database.content = copy.takeContent();
+    mount(location.volumeRoot);
+  } else {
+    mount(location.volumeRoot);
+    load(database.object, location.name, location.file);
+    database.content = carbon::Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (database.content.number() < 0)
+      throw HostError(location.name + ": " + std::generic_category().message(errno));
+  }
+  return database;
+}
+
+OpenDatabase openDatabase(const std::filesystem::path &path) { return openDatabase(Host::load(), path); }
+
+OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database = loadDatabase(host, path);
+  const Reconciliation counts = reconcile(accountOf(database), database.object);
+  if (!counts.agrees()) {
+    printError(database.location.name + ": " + counts.summary() +
+               "; to see what is wrong run: zemhost check " + shellWord(path.string()));
+  }
+  return database;
+}
+
+}  // namespace zemhost

@@ -1,0 +1,167 @@
+#include "zemhost/library/SongGroups.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+#include "zemhost/output/DisplayText.h"
+
+namespace zemhost {
+
+namespace {
+
+Method textMethod(const MusicLibrary &library, const std::string &name) {
+  return library.object().method("Get" + name + "(index As Integer) As String");
+}
+
+Method compareMethod(const MusicLibrary &library, const std::string &name) {
+  return library.object().method("Compare" + name + "(IndexA As Integer, IndexB As Integer) As Boolean");
+}
+
+// The texts that tell the songs apart, and the class's method that has the last word.
+struct Criterion {
+  std::vector<Method> texts;
+  Method same;
+};
+
+Criterion criterionOf(const MusicLibrary &library, Sameness by) {
+  const auto of = [&](const std::vector<std::string> &names, const std::string &compare) {
+    Criterion criterion{{}, compareMethod(library, compare)};
+    for (const std::string &name : names) criterion.texts.push_back(textMethod(library, name));
+    return criterion;
+  };
+  switch (by) {
+    case Sameness::Song:
+      return of({"Title", "Artist", "Album"}, "Album");
+    case Sameness::SongOfArtist:
+      return of({"Title", "Artist"}, "Artist");
+    case Sameness::Artist:
+      return of({"Artist"}, "Artist");
+    case Sameness::Album:
+      return of({"Album", "Artist"}, "Album");
+    case Sameness::Genre:
+      return of({"Genre"}, "Genre");
+    case Sameness::Composer:
+      break;
+  }
+  return of({"Composer"}, "Composer");
+}
+
+bool isOfSongs(Sameness by) { return by == Sameness::Song || by == Sameness::SongOfArtist; }
+
+// The bytes of the texts, each behind its length, so that no two lists of texts give the same.
+std::string bytesOf(const std::vector<Method> &texts, int32_t song) {
+  std::string key;
+  for (const Method &text : texts) {
+    const Value value = text(song);
+    const std::string_view bytes = value.bytes();
+    key.append(std::to_string(bytes.size())).append(1, ':').append(bytes);
+  }
+  return key;
+}
+
+std::vector<std::string> textsOf(const MusicLibrary &library, Sameness by, int32_t index) {
+  const Song song = library.song(index);
+  std::vector<std::string> texts;
+  for (const std::string_view name : textNames(by)) {
+    if (name == "title") texts.push_back(song.title.empty() ? song.path : song.title);
+    if (name == "artist") texts.push_back(song.artist);
+    if (name == "album") texts.push_back(song.album);
+    if (name == "genre") texts.push_back(song.genre);
+    if (name == "composer") texts.push_back(song.composer);
+  }
+  for (std::string &text : texts) text = composedText(text);
+  return texts;
+}
+
+// The groups by their texts; those whose texts are the same become one.
+std::map<std::vector<std::string>, SongGroup> byTexts(std::vector<SongGroup> groups) {
+  std::map<std::vector<std::string>, SongGroup> merged;
+  for (SongGroup &group : groups) {
+    const auto [place, isNew] = merged.try_emplace(group.texts, group);
+    if (isNew) continue;
+    std::vector<int32_t> &songs = place->second.songs;
+    songs.insert(songs.end(), group.songs.begin(), group.songs.end());
+  }
+  for (auto &[texts, group] : merged) std::sort(group.songs.begin(), group.songs.end());
+  return merged;
+}
+
+}  // namespace
+
+const std::vector<std::string_view> &textNames(Sameness by) {
+  static const std::vector<std::string_view> kSong = {"title", "artist", "album"};
+  static const std::vector<std::string_view> kSongOfArtist = {"title", "artist"};
+  static const std::vector<std::string_view> kArtist = {"artist"};
+  static const std::vector<std::string_view> kAlbum = {"album", "artist"};
+  static const std::vector<std::string_view> kGenre = {"genre"};
+  static const std::vector<std::string_view> kComposer = {"composer"};
+  switch (by) {
+    case Sameness::Song:
+      return kSong;
+    case Sameness::SongOfArtist:
+      return kSongOfArtist;
+    case Sameness::Artist:
+      return kArtist;
+    case Sameness::Album:
+      return kAlbum;
+    case Sameness::Genre:
+      return kGenre;
+    case Sameness::Composer:
+      break;
+  }
+  return kComposer;
+}
+
+std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by) {
+  const Criterion criterion = criterionOf(library, by);
+  std::vector<SongGroup> groups;
+  std::unordered_map<std::string, size_t> places;  // of the group with these bytes
+  const int32_t count = library.songCount();
+  for (int32_t song = 0; song < count; ++song) {
+    const bool isAlone = isOfSongs(by) && criterion.texts.front()(song).bytes().empty();
+    std::optional<size_t> place;
+    if (!isAlone) {
+      const auto [found, isNew] = places.try_emplace(bytesOf(criterion.texts, song), groups.size());
+      // The class compares the same bytes, in one look at each; where it says otherwise, it is right.
+      if (!isNew && criterion.same(groups[found->second].songs.front(), song).boolean())
+        place = found->second;
+    }
+    if (place) {
+      groups[*place].songs.push_back(song);
+    } else {
+      groups.push_back({textsOf(library, by, song), {song}});
+    }
+  }
+  return groups;
+}
+
+Comparison compareLibraries(const MusicLibrary &a, const MusicLibrary &b, Sameness by) {
+  const auto groupsOfB = byTexts(groupSongs(b, by));
+  const auto groupsOfA = byTexts(groupSongs(a, by));
+  Comparison comparison;
+  for (const auto &[texts, group] : groupsOfA) {
+    const auto found = groupsOfB.find(texts);
+    if (found == groupsOfB.end()) {
+      comparison.onlyA.push_back(group);
+    } else {
+      comparison.both.push_back({group, found->second});
+    }
+  }
+  for (const auto &[texts, group] : groupsOfB) {
+    if (!groupsOfA.contains(texts)) comparison.onlyB.push_back(group);
+  }
+  const auto isBefore = [](const SongGroup &one, const SongGroup &other) {
+    return one.songs.front() < other.songs.front();
+  };
+  std::sort(comparison.onlyA.begin(), comparison.onlyA.end(), isBefore);
+  std::sort(comparison.onlyB.begin(), comparison.onlyB.end(), isBefore);
+  std::sort(
+      comparison.both.begin(), comparison.both.end(),
+      [&](const Comparison::Pair &one, const Comparison::Pair &other) { return isBefore(one.a, other.a); });
+  return comparison;
+}
+
+}  // namespace zemhost

@@ -1,0 +1,38 @@
+#pragma once
+
+// Where a command writes its text: a file or standard output, in the encoding that was asked for.
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "zemhost/files/OutputFile.h"
+#include "zemhost/output/Table.h"
+#include "zemhost/output/TextEncoder.h"
+
+namespace zemhost {
+
+class EncodedOutput {
+ public:
+  // To a file, "-" or nothing for standard output. Throws as TextEncoder and OutputFile do.
+  EncodedOutput(const std::string &encoding, const Host &host, const std::filesystem::path &target = {});
+
+  // A text of the library as it will be shown: see TextEncoder::fit.
+  std::string fit(std::string_view text) { return encoder_.fit(text); }
+  // The same as what a table does to its cells; it must not outlive this object.
+  Table::Fit fitCells();
+
+  // Writes UTF-8, whole characters each time. Throws HostError as OutputFile does.
+  void write(std::string_view text);
+  // A table, to the terminal's width when standard output is one.
+  void write(const Table &table);
+
+  // Writes the rest, brings a file under its name, and says on standard error what had no place.
+  void finish();
+
+ private:
+  TextEncoder encoder_;
+  OutputFile file_;
+};
+
+}  // namespace zemhost

@@ -1,0 +1,34 @@
+#include "zemhost/output/Terminal.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <string_view>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace zemhost {
+
+std::optional<size_t> terminalWidth() {
+  if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  constexpr size_t kUsual = 80;
+  const char *const columns = std::getenv("COLUMNS");
+  if (columns == nullptr) return kUsual;
+  const std::string_view text = columns;
+  size_t width = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), width);
+  return error == std::errc() && end == text.data() + text.size() && width > 0 ? width : kUsual;
+}
+
+bool showsStyles(int descriptor) {
+  const char *const kind = std::getenv("TERM");
+  return std::getenv("NO_COLOR") == nullptr && kind != nullptr && std::string_view(kind) != "dumb" &&
+         isatty(descriptor) != 0;
+}
+
+std::string bold(std::string_view text) { return "\x1b[1m" + std::string(text) + "\x1b[0m"; }
+
+std::string boldRed(std::string_view text) { return "\x1b[1;31m" + std::string(text) + "\x1b[0m"; }
+
+}  // namespace zemhost

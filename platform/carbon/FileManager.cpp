@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/carbon/MacNames.h"
 #include "platform/carbon/Names.h"
 
 namespace carbon {

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <iterator>
 
+#include "platform/carbon/MacNames.h"
+
 namespace carbon {
 namespace {
 
@@ -72,17 +74,6 @@ size_t sequenceLength(uint8_t lead) {
 bool isValidName(std::string_view macName) {
   if (macName.empty() || macName.size() > kLongestName || macName == "." || macName == "..") return false;
   return macName.find(':') == std::string_view::npos && macName.find('\0') == std::string_view::npos;
-}
-
-std::string exchanged(std::string name) {
-  for (char &c : name) {
-    if (c == '/') {
-      c = ':';
-    } else if (c == ':') {
-      c = '/';
-    }
-  }
-  return name;
 }
 
 std::u32string folded(std::string_view name) {

@@ -6,6 +6,7 @@
 
 #include "platform/carbon/Disk.h"
 #include "platform/carbon/Failure.h"
+#include "platform/carbon/MacNames.h"
 #include "platform/carbon/Names.h"
 
 namespace carbon {

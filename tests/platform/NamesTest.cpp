@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/carbon/MacNames.h"
 #include "platform/carbon/Names.h"
 
 namespace {

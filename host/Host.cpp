@@ -17,9 +17,8 @@ namespace zemhost {
 // Kept by the host and by every object. The session goes last, since a plug-in's own clean-up at closing may
 // still call services.
 struct Host::State {
-  explicit State(const Options &options)
-      : plugin(options.plugin), session(settings(options)), library(plugin) {
-    library.entryPoint()(ServiceSession::resolver());
+  explicit State(const Options &options) : plugin(options.plugin), session(settings(options)), file(plugin) {
+    file.entryPoint()(ServiceSession::resolver());
     session.rethrowFailure();
   }
 
@@ -34,7 +33,7 @@ struct Host::State {
   std::vector<MethodInfo> methods;
   std::vector<Invoker> invokers;  // beside methods
   ServiceSession session;
-  Library library;
+  PluginFile file;
 
  private:
   ServiceSession::Settings settings(const Options &options) {

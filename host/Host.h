@@ -22,7 +22,7 @@
 #include "host/Error.h"
 #include "host/binding/ClassInfo.h"
 #include "host/binding/Value.h"
-#include "host/runtime/Accounts.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 

@@ -18,9 +18,4 @@ inline uint32_t wordAt(std::string_view bytes, size_t offset, bool bigEndian) {
   return word;
 }
 
-// The word with its four bytes in the other order.
-constexpr uint32_t reversedWord(uint32_t word) {
-  return word >> 24 | (word >> 8 & 0xFF00) | (word << 8 & 0xFF0000) | word << 24;
-}
-
 }  // namespace player

@@ -21,13 +21,13 @@ void *open(const std::filesystem::path &file) {
 
 }  // namespace
 
-Library::Library(const std::filesystem::path &file)
+PluginFile::PluginFile(const std::filesystem::path &file)
     : handle_(open(file)), entryPoint_(reinterpret_cast<EntryPoint>(dlsym(handle_, "REALPluginMain"))) {
   if (entryPoint_ != nullptr) return;
   dlclose(handle_);
   throw HostError("cannot load the plug-in " + file.string() + ": it has no entry point REALPluginMain");
 }
 
-Library::~Library() { dlclose(handle_); }
+PluginFile::~PluginFile() { dlclose(handle_); }
 
 }  // namespace zemhost

@@ -8,15 +8,15 @@
 
 namespace zemhost {
 
-class Library {
+class PluginFile {
  public:
   using EntryPoint = void (*)(REALresolver);
 
   // Throws HostError naming the file and the reason when it cannot be opened or has no "REALPluginMain".
-  explicit Library(const std::filesystem::path &file);
-  Library(const Library &) = delete;
-  Library &operator=(const Library &) = delete;
-  ~Library();
+  explicit PluginFile(const std::filesystem::path &file);
+  PluginFile(const PluginFile &) = delete;
+  PluginFile &operator=(const PluginFile &) = delete;
+  ~PluginFile();
 
   EntryPoint entryPoint() const { return entryPoint_; }
 

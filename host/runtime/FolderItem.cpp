@@ -9,7 +9,7 @@
 
 #include "host/Error.h"
 #include "host/runtime/HostObject.h"
-#include "host/runtime/Ledger.h"
+#include "host/runtime/LiveHandles.h"
 #include "platform/carbon/CarbonFiles.h"
 
 struct REALfolderItemStruct : REALobjectStruct {
@@ -22,7 +22,7 @@ namespace {
 constexpr uint32_t kPathRoom = 16384;
 
 void destroyFolderItem(REALobject self) {
-  ledger::strike(self, &Accounts::folderItems);
+  removeHandle(self, &LiveHandles::folderItems);
   std::free(self);
 }
 
@@ -57,7 +57,7 @@ REALfolderItem newFolderItem(const FSSpec *spec) {
   void *block = std::malloc(sizeof(REALfolderItemStruct));
   if (block == nullptr) return nullptr;
   auto *item = new (block) REALfolderItemStruct{{1, destroyFolderItem}, *spec};
-  ledger::enter(static_cast<REALobject>(item), &Accounts::folderItems);
+  addHandle(static_cast<REALobject>(item), &LiveHandles::folderItems);
   return item;
 }
 

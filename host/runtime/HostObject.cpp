@@ -4,7 +4,7 @@
 #include <limits>
 #include <new>
 
-#include "host/runtime/Ledger.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 namespace {
@@ -17,7 +17,7 @@ struct alignas(std::max_align_t) ClassObject : REALobjectStruct {
 void destroyClassObject(REALobject self) {
   auto *object = static_cast<ClassObject *>(self);
   if (object->end != nullptr) object->end(self, object->context);
-  ledger::strike(self, &Accounts::objects);
+  removeHandle(self, &LiveHandles::objects);
   std::free(object);
 }
 
@@ -30,16 +30,16 @@ REALobject newObject(size_t dataSize, ObjectEnd end, void *context) {
   void *block = std::calloc(1, sizeof(ClassObject) + dataSize);
   if (block == nullptr) return nullptr;
   auto *object = new (block) ClassObject{{1, destroyClassObject}, end, context};
-  ledger::enter(static_cast<REALobject>(object), &Accounts::objects);
+  addHandle(static_cast<REALobject>(object), &LiveHandles::objects);
   return object;
 }
 
 void retainObject(REALobject object) {
-  if (object != nullptr && ledger::isLive(object)) ++object->references;
+  if (object != nullptr && isLiveHandle(object)) ++object->references;
 }
 
 void releaseObject(REALobject object) {
-  if (object == nullptr || !ledger::isLive(object)) return;
+  if (object == nullptr || !isLiveHandle(object)) return;
   if (object->references > 1) {
     --object->references;
   } else {

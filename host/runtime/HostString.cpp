@@ -6,7 +6,7 @@
 #include <limits>
 #include <new>
 
-#include "host/runtime/Ledger.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 namespace {
@@ -44,18 +44,18 @@ REALstring newString(std::string_view bytes, uint32_t encoding) {
   auto *block = new (room) StringBlock{&ring(), ring().next, {1, data, length + kAround, length, encoding}};
   block->next->previous = block;
   ring().next = block;
-  ledger::enter(&block->record, &Accounts::strings);
+  addHandle(&block->record, &LiveHandles::strings);
   return &block->record;
 }
 
 void retainString(REALstring string) {
-  if (string != nullptr && ledger::isLive(string)) ++string->mPrivateUsageCount;
+  if (string != nullptr && isLiveHandle(string)) ++string->mPrivateUsageCount;
 }
 
 void releaseString(REALstring string) {
-  if (string == nullptr || !ledger::isLive(string)) return;
+  if (string == nullptr || !isLiveHandle(string)) return;
   if (--string->mPrivateUsageCount > 0) return;
-  ledger::strike(string, &Accounts::strings);
+  removeHandle(string, &LiveHandles::strings);
   StringBlock *block = blockOf(string);
   block->previous->next = block->next;
   block->next->previous = block->previous;

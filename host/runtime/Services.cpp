@@ -9,7 +9,7 @@
 #include "host/runtime/FolderItem.h"
 #include "host/runtime/HostObject.h"
 #include "host/runtime/HostString.h"
-#include "host/runtime/Ledger.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 namespace {
@@ -52,15 +52,15 @@ struct ServiceCalls {
   }
 
   static uint32_t stringEncoding(REALstring string) {
-    return string != nullptr && ledger::isLive(string) ? string->mEncoding : 0;
+    return string != nullptr && isLiveHandle(string) ? string->mEncoding : 0;
   }
 
   static void setStringEncoding(REALstring string, uint32_t encoding) {
-    if (string != nullptr && ledger::isLive(string)) string->mEncoding = encoding;
+    if (string != nullptr && isLiveHandle(string)) string->mEncoding = encoding;
   }
 
   static REALstring convertString(REALstring string, uint32_t encoding) {
-    if (string == nullptr || !ledger::isLive(string)) return nullptr;
+    if (string == nullptr || !isLiveHandle(string)) return nullptr;
     if (string->mEncoding == encoding) {
       retainString(string);
       return string;
@@ -69,7 +69,7 @@ struct ServiceCalls {
       const std::string_view bytes(REALstringStruct::CString(string),
                                    static_cast<size_t>(REALstringStruct::Length(string)));
       const Conversion converted = convertText(bytes, string->mEncoding, encoding);
-      ledger::addReplacements(static_cast<int64_t>(converted.replacements));
+      addReplacements(static_cast<int64_t>(converted.replacements));
       return newString(converted.bytes, encoding);
     } catch (const std::bad_alloc &) {
       return nullptr;
@@ -77,13 +77,13 @@ struct ServiceCalls {
   }
 
   static int32_t specFromFolderItem(FSSpec *spec, REALfolderItem item) {
-    if (spec == nullptr || item == nullptr || !ledger::isLive(item)) return 0;
+    if (spec == nullptr || item == nullptr || !isLiveHandle(item)) return 0;
     *spec = FolderItem::share(item).spec();
     return 1;
   }
 
   static REALstring pathFromFolderItem(REALfolderItem item) {
-    if (item == nullptr || !ledger::isLive(item)) return nullptr;
+    if (item == nullptr || !isLiveHandle(item)) return nullptr;
     try {
       const std::string path = FolderItem::share(item).macPath();
       return path.empty() ? nullptr : newString(path, kUtf8);

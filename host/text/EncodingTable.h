@@ -8,7 +8,7 @@
 namespace zemhost {
 
 enum class Form : uint8_t {
-  Library,  // left to the C library
+  Iconv,  // left to the C library
   Utf8,
   Utf16,
   Utf32,
@@ -22,7 +22,7 @@ enum class ByteOrder : uint8_t {
 
 struct EncodingRow {
   uint32_t code;
-  Form form = Form::Library;
+  Form form = Form::Iconv;
   ByteOrder order = ByteOrder::HighFirst;
   const char *name;
   const char *iconvName = nullptr;  // of those left to the C library
@@ -85,7 +85,7 @@ constexpr EncodingRow kEncodings[] = {
 struct MappingDifference {
   uint32_t code;
   char32_t published;
-  char32_t libraryHas;
+  char32_t iconvHas;
 };
 
 constexpr MappingDifference kMappingDifferences[] = {

@@ -43,34 +43,34 @@ char32_t readCodePoint(std::string_view codePoints, size_t at) {
 
 }  // namespace
 
-LibraryCodec::Direction::~Direction() {
+IconvCodec::Direction::~Direction() {
   if (isOpen()) iconv_close(descriptor_);
 }
 
-bool LibraryCodec::Direction::isOpen() const {
+bool IconvCodec::Direction::isOpen() const {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): this is how iconv_open says that it failed
   return descriptor_ != reinterpret_cast<iconv_t>(-1);
 }
 
-void LibraryCodec::Direction::reset() { iconv(descriptor_, nullptr, nullptr, nullptr, nullptr); }
+void IconvCodec::Direction::reset() { iconv(descriptor_, nullptr, nullptr, nullptr, nullptr); }
 
-int LibraryCodec::Direction::append(std::string_view &in, std::string &out) {
+int IconvCodec::Direction::append(std::string_view &in, std::string &out) {
   return feed(in, out, in.size() * 4 + 16, [this](char **from, size_t *left, char **to, size_t *room) {
     return iconv(descriptor_, from, left, to, room);
   });
 }
 
-void LibraryCodec::Direction::finish(std::string &out) {
+void IconvCodec::Direction::finish(std::string &out) {
   std::string_view nothing;
   feed(nothing, out, 16, [this](char **, size_t *, char **to, size_t *room) {
     return iconv(descriptor_, nullptr, nullptr, to, room);
   });
 }
 
-LibraryCodec::LibraryCodec(const EncodingRow &row)
+IconvCodec::IconvCodec(const EncodingRow &row)
     : row_(row), decoder_(kCodePoints, row.iconvName), encoder_(row.iconvName, kCodePoints) {}
 
-std::u32string LibraryCodec::decode(std::string_view bytes, size_t &replacements) {
+std::u32string IconvCodec::decode(std::string_view bytes, size_t &replacements) {
   std::string raw;
   std::u32string text;
   decoder_.reset();
@@ -86,20 +86,20 @@ std::u32string LibraryCodec::decode(std::string_view bytes, size_t &replacements
   return text;
 }
 
-std::string LibraryCodec::encode(std::u32string text, size_t &replacements) {
+std::string IconvCodec::encode(std::u32string text, size_t &replacements) {
   if (!survives(text)) replacements += replaceForeign(text);
   return write(std::move(text));
 }
 
-char32_t LibraryCodec::published(char32_t c) const {
+char32_t IconvCodec::published(char32_t c) const {
   for (const MappingDifference &d : kMappingDifferences)
-    if (d.code == row_.code && d.libraryHas == c) return d.published;
+    if (d.code == row_.code && d.iconvHas == c) return d.published;
   return c;
 }
 
-std::string LibraryCodec::write(std::u32string text) {
+std::string IconvCodec::write(std::u32string text) {
   for (const MappingDifference &d : kMappingDifferences)
-    if (d.code == row_.code) std::replace(text.begin(), text.end(), d.published, d.libraryHas);
+    if (d.code == row_.code) std::replace(text.begin(), text.end(), d.published, d.iconvHas);
   std::string bytes;
   std::string_view rest = asBytes(text);
   encoder_.reset();
@@ -110,12 +110,12 @@ std::string LibraryCodec::write(std::u32string text) {
 
 // Whether the text reads back as it was. An iconv result alone does not say so: the C library drops some
 // characters and folds others without a word.
-bool LibraryCodec::survives(std::u32string_view text) {
+bool IconvCodec::survives(std::u32string_view text) {
   size_t replacements = 0;
   return decode(write(std::u32string(text)), replacements) == text;
 }
 
-size_t LibraryCodec::replaceForeign(std::u32string &text) {
+size_t IconvCodec::replaceForeign(std::u32string &text) {
   size_t count = 0;
   for (char32_t &c : text) {
     if (survives({&c, 1})) continue;

@@ -12,9 +12,9 @@
 namespace zemhost {
 
 // Both directions of one encoding. Keeps no state from one text to the next.
-class LibraryCodec {
+class IconvCodec {
  public:
-  explicit LibraryCodec(const EncodingRow &row);
+  explicit IconvCodec(const EncodingRow &row);
 
   // False when the C library does not have the encoding; nothing else may be called then.
   bool isOpen() const { return decoder_.isOpen() && encoder_.isOpen(); }

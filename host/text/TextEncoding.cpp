@@ -27,17 +27,17 @@ const EncodingRow *findRow(uint32_t code) {
 }
 
 // The codec of a row that is left to the C library, opened on first use.
-LibraryCodec &codecOf(const EncodingRow &row) {
-  static std::array<std::unique_ptr<LibraryCodec>, std::size(kEncodings)> opened;
-  std::unique_ptr<LibraryCodec> &codec = opened[static_cast<size_t>(&row - kEncodings)];
-  if (codec == nullptr) codec = std::make_unique<LibraryCodec>(row);
+IconvCodec &codecOf(const EncodingRow &row) {
+  static std::array<std::unique_ptr<IconvCodec>, std::size(kEncodings)> opened;
+  std::unique_ptr<IconvCodec> &codec = opened[static_cast<size_t>(&row - kEncodings)];
+  if (codec == nullptr) codec = std::make_unique<IconvCodec>(row);
   return *codec;
 }
 
 // The row of an encoding that can be used here; null for any other code.
 const EncodingRow *findUsableRow(uint32_t code) {
   const EncodingRow *row = findRow(code);
-  return row != nullptr && (row->form != Form::Library || codecOf(*row).isOpen()) ? row : nullptr;
+  return row != nullptr && (row->form != Form::Iconv || codecOf(*row).isOpen()) ? row : nullptr;
 }
 
 // Takes a byte-order mark off the bytes where one may stand; true when the high byte comes first.
@@ -77,7 +77,7 @@ size_t readText(const EncodingRow &row, std::string_view bytes, Sink sink) {
       return readAll(bytes, highFirst ? unicode::readUtf16<true> : unicode::readUtf16<false>, sink);
     case Form::Utf32:
       return readAll(bytes, highFirst ? unicode::readUtf32<true> : unicode::readUtf32<false>, sink);
-    case Form::Library:
+    case Form::Iconv:
       for (const char32_t c : codecOf(row).decode(bytes, replacements)) sink(c);
   }
   return replacements;
@@ -106,7 +106,7 @@ size_t writeText(const EncodingRow &row, std::string &out, Reader read) {
         if (escape(c)) unicode::appendUtf32(out, kByteOrderMark, highFirst);
         unicode::appendUtf32(out, c, highFirst);
       });
-    case Form::Library:
+    case Form::Iconv:
       replacements = read([&](char32_t c) { text += c; });
       out = codecOf(row).encode(std::move(text), replacements);
   }

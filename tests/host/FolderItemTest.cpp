@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "host/Error.h"
-#include "host/runtime/Accounts.h"
+#include "host/runtime/LiveHandles.h"
 #include "host/runtime/FolderItem.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -15,12 +15,12 @@ namespace {
 class FolderItemTest : public testing::Test {
  protected:
   void SetUp() override { mountVolume("Player", scratch_.path()); }
-  void TearDown() override { EXPECT_EQ(accounts().folderItems, before_); }
+  void TearDown() override { EXPECT_EQ(liveHandles().folderItems, before_); }
 
   support::TemporaryFolder scratch_;
 
  private:
-  int64_t before_ = accounts().folderItems;
+  int64_t before_ = liveHandles().folderItems;
 };
 
 TEST_F(FolderItemTest, PathOfAFileGoesThroughTheItemAndBack) {
@@ -113,17 +113,17 @@ TEST_F(FolderItemTest, SpecificationOfAnItemMakesTheSameItem) {
 }
 
 TEST_F(FolderItemTest, CopiesShareOneItemAndTheLastOneFreesIt) {
-  const int64_t before = accounts().folderItems;
+  const int64_t before = liveHandles().folderItems;
   FolderItem one = FolderItem::fromPath(scratch_.path() / "a.mp3");
   {
     FolderItem two;
     two = one;
     EXPECT_EQ(two.handle(), one.handle());
-    EXPECT_EQ(accounts().folderItems, before + 1);
+    EXPECT_EQ(liveHandles().folderItems, before + 1);
   }
   const FolderItem moved = std::move(one);
   EXPECT_TRUE(moved);
-  EXPECT_EQ(accounts().folderItems, before + 1);
+  EXPECT_EQ(liveHandles().folderItems, before + 1);
 }
 
 TEST_F(FolderItemTest, ItemOutlivesItsFile) {

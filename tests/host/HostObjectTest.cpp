@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 
-#include "host/runtime/Accounts.h"
+#include "host/runtime/LiveHandles.h"
 #include "host/runtime/HostObject.h"
 
 namespace zemhost {
@@ -32,17 +32,17 @@ TEST(HostObject, LastReferenceTellsTheOwnerWhileTheDataIsStillThere) {
     ++told->calls;
     told->data = *dataOf(object);
   };
-  const int64_t before = accounts().objects;
+  const int64_t before = liveHandles().objects;
   REALobject object = newObject(4, end, &seen);
   *dataOf(object) = 7;
-  EXPECT_EQ(accounts().objects, before + 1);
+  EXPECT_EQ(liveHandles().objects, before + 1);
   retainObject(object);
   releaseObject(object);
   EXPECT_EQ(seen.calls, 0);
   releaseObject(object);
   EXPECT_EQ(seen.calls, 1);
   EXPECT_EQ(seen.data, 7);
-  EXPECT_EQ(accounts().objects, before);
+  EXPECT_EQ(liveHandles().objects, before);
 }
 
 TEST(HostObject, MayBePassedAroundWhileItEnds) {
@@ -59,19 +59,19 @@ TEST(HostObject, MayBePassedAroundWhileItEnds) {
 TEST(HostObject, SizeThatNoMachineHasGivesNull) { EXPECT_EQ(newObject(SIZE_MAX, nullptr, nullptr), nullptr); }
 
 TEST(HostObject, NullIsLeftAlone) {
-  const int64_t before = accounts().objects;
+  const int64_t before = liveHandles().objects;
   retainObject(nullptr);
   releaseObject(nullptr);
-  EXPECT_EQ(accounts().objects, before);
+  EXPECT_EQ(liveHandles().objects, before);
 }
 
 TEST(HostObject, ReleasedTooOftenIsAMisuseWithChecksOn) {
   checkHandles(true);
-  const int64_t misuses = accounts().misuses;
+  const int64_t misuses = liveHandles().misuses;
   REALobject object = newObject(4, nullptr, nullptr);
   releaseObject(object);
   releaseObject(object);
-  EXPECT_EQ(accounts().misuses, misuses + 1);
+  EXPECT_EQ(liveHandles().misuses, misuses + 1);
   checkHandles(false);
 }
 

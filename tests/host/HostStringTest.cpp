@@ -2,7 +2,7 @@
 #include <string>
 #include <utility>
 
-#include "host/runtime/Accounts.h"
+#include "host/runtime/LiveHandles.h"
 #include "host/runtime/HostString.h"
 
 namespace zemhost {
@@ -12,12 +12,12 @@ using namespace std::string_view_literals;
 
 class HostStringTest : public testing::Test {
  protected:
-  void TearDown() override { EXPECT_EQ(accounts().strings, before_); }
+  void TearDown() override { EXPECT_EQ(liveHandles().strings, before_); }
 
-  int64_t live() const { return accounts().strings - before_; }
+  int64_t live() const { return liveHandles().strings - before_; }
 
  private:
-  int64_t before_ = accounts().strings;
+  int64_t before_ = liveHandles().strings;
 };
 
 TEST_F(HostStringTest, CarriesALengthByteTheCharactersAndATerminator) {
@@ -132,13 +132,13 @@ TEST_F(HostStringTest, NullHandlesAreLeftAlone) {
 
 TEST(HandleChecks, StringReleasedTooOftenIsAMisuseAndNothingElse) {
   checkHandles(true);
-  const int64_t misuses = accounts().misuses;
-  const int64_t strings = accounts().strings;
+  const int64_t misuses = liveHandles().misuses;
+  const int64_t strings = liveHandles().strings;
   REALstring string = newString("x", kUtf8);
   releaseString(string);
   releaseString(string);
-  EXPECT_EQ(accounts().misuses, misuses + 1);
-  EXPECT_EQ(accounts().strings, strings);
+  EXPECT_EQ(liveHandles().misuses, misuses + 1);
+  EXPECT_EQ(liveHandles().strings, strings);
   checkHandles(false);
 }
 

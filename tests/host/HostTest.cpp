@@ -39,9 +39,9 @@ class HostTest : public testing::Test {
   void TearDown() override {
     toy_.reset();
     host_.reset();
-    EXPECT_EQ(accounts().strings, before_.strings);
-    EXPECT_EQ(accounts().folderItems, before_.folderItems);
-    EXPECT_EQ(accounts().objects, before_.objects);
+    EXPECT_EQ(liveHandles().strings, before_.strings);
+    EXPECT_EQ(liveHandles().folderItems, before_.folderItems);
+    EXPECT_EQ(liveHandles().objects, before_.objects);
   }
 
   Object &toy() { return *toy_; }
@@ -49,7 +49,7 @@ class HostTest : public testing::Test {
     return errorOf([&] { toy().evaluate(line); });
   }
 
-  Accounts before_ = accounts();
+  LiveHandles before_ = liveHandles();
   std::optional<Host> host_;
   std::optional<Object> toy_;
 };
@@ -234,9 +234,9 @@ TEST_F(HostTest, UnknownDeclarationIsAnError) {
 TEST_F(HostTest, ManyCallsLeaveNothingBehind) {
   const Method echo = toy().method("Echo(s As String) As String");
   const HostString text = HostString::fromUtf8("x");
-  const int64_t before = accounts().strings;
+  const int64_t before = liveHandles().strings;
   for (int i = 0; i < 10000; ++i) ASSERT_EQ(echo(text).bytes(), "x");
-  EXPECT_EQ(accounts().strings, before);
+  EXPECT_EQ(liveHandles().strings, before);
 }
 
 TEST_F(HostTest, SecondHostAtATimeIsAnError) {

@@ -6,7 +6,7 @@
 
 #include "host/binding/ClassReader.h"
 #include "host/binding/Invoker.h"
-#include "host/runtime/Accounts.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 namespace {
@@ -90,14 +90,14 @@ TEST(Invoker, ArgumentsKeepTheirPlacesBeyondTheRegisters) {
 }
 
 TEST(Invoker, ReturnedStringHandsItsReferenceOver) {
-  const int64_t before = accounts().strings;
+  const int64_t before = liveHandles().strings;
   {
     const Value result = call("Give(n As Integer) As String", slot(give), {3});
     EXPECT_EQ(result.bytes(), "xxx");
     EXPECT_EQ(result.string().handle()->mPrivateUsageCount, 1);
-    EXPECT_EQ(accounts().strings, before + 1);
+    EXPECT_EQ(liveHandles().strings, before + 1);
   }
-  EXPECT_EQ(accounts().strings, before);
+  EXPECT_EQ(liveHandles().strings, before);
   EXPECT_TRUE(call("Give(n As Integer) As String", slot(give), {-1}).isNil());
 }
 

@@ -48,9 +48,9 @@ class RealPlugin : public testing::Test {
     for (const HostString &string : liveStrings()) left.push_back(string.text());
     left.erase(left.begin(), left.begin() + before_);
     EXPECT_EQ(left, paths_);
-    EXPECT_EQ(accounts().folderItems, 0);
-    EXPECT_EQ(accounts().objects, 0);
-    EXPECT_EQ(accounts().misuses, 0);
+    EXPECT_EQ(liveHandles().folderItems, 0);
+    EXPECT_EQ(liveHandles().objects, 0);
+    EXPECT_EQ(liveHandles().misuses, 0);
   }
 
   // The item goes only after the object: the plug-in keeps the pointer.
@@ -225,8 +225,8 @@ TEST_F(RealPlugin, EveryMethodAnswersAndLeavesNothingBehind) {
   for (const auto &database : {std::filesystem::path(), kPlayerDatabase, kDesktopLibrary}) {
     const Library library =
         database.empty() ? Library{FolderItem(), host.make("ZemiTunesDB")} : loaded(host, database);
-    const int64_t strings = accounts().strings;
-    const int64_t items = accounts().folderItems;
+    const int64_t strings = liveHandles().strings;
+    const int64_t items = liveHandles().folderItems;
     for (const uint32_t encoding : {kUtf8, kUtf16, kAscii, kShiftJis, 12345U}) {
       library.object.set("ResultEncode", encoding);
       for (const MethodInfo &info : library.object.classInfo().methods) {
@@ -236,8 +236,8 @@ TEST_F(RealPlugin, EveryMethodAnswersAndLeavesNothingBehind) {
           const Value result = method.call(argumentsFor(info.declaration, number));
           EXPECT_EQ(result.kind(), info.declaration.result) << info.text;
         }
-        EXPECT_EQ(accounts().strings, strings) << info.text;
-        EXPECT_EQ(accounts().folderItems, items) << info.text;
+        EXPECT_EQ(liveHandles().strings, strings) << info.text;
+        EXPECT_EQ(liveHandles().folderItems, items) << info.text;
       }
     }
   }
@@ -251,11 +251,11 @@ TEST_F(RealPlugin, RealLibraryIsReadWhole) {
   EXPECT_EQ(library.object.evaluate("CountSongs").integer(), 1181);
   EXPECT_EQ(library.object.evaluate("CountPlayLists").integer(), 8);
   const Method title = library.object.method("GetTitle(index As Integer) As String");
-  const int64_t replaced = accounts().replacements;
+  const int64_t replaced = liveHandles().replacements;
   int titles = 0;
   for (int32_t i = 0; i < 1181; ++i) titles += title(i).isNil() ? 0 : 1;
   EXPECT_EQ(titles, 1174);  // the other seven songs carry no title
-  EXPECT_EQ(accounts().replacements, replaced);
+  EXPECT_EQ(liveHandles().replacements, replaced);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/runtime/Accounts.h"
+#include "host/runtime/LiveHandles.h"
 #include "host/runtime/FolderItem.h"
 #include "host/runtime/HostObject.h"
 #include "host/runtime/HostString.h"
@@ -30,15 +30,15 @@ Function *service(const char *name) {
 class Services : public testing::Test {
  protected:
   void TearDown() override {
-    EXPECT_EQ(accounts().strings, before_.strings);
-    EXPECT_EQ(accounts().folderItems, before_.folderItems);
-    EXPECT_EQ(accounts().objects, before_.objects);
+    EXPECT_EQ(liveHandles().strings, before_.strings);
+    EXPECT_EQ(liveHandles().folderItems, before_.folderItems);
+    EXPECT_EQ(liveHandles().objects, before_.objects);
   }
 
   ServiceSession session_{{}};
 
  private:
-  Accounts before_ = accounts();
+  LiveHandles before_ = liveHandles();
 };
 
 TEST_F(Services, FirstResolverKnowsTheSecondOnly) {
@@ -140,10 +140,10 @@ TEST_F(Services, ConversionOfTheNullStringIsNull) {
 }
 
 TEST_F(Services, ReplacementsOfConversionsAreAccountedFor) {
-  const int64_t before = accounts().replacements;
+  const int64_t before = liveHandles().replacements;
   const HostString string = HostString::fromBytes("a\xE9\xEAz", kAscii);
   releaseString(service<REALstring(REALstring, uint32_t)>("REALConvertString")(string.handle(), kUtf8));
-  EXPECT_EQ(accounts().replacements, before + 2);
+  EXPECT_EQ(liveHandles().replacements, before + 2);
 }
 
 TEST_F(Services, FolderItemAndSpecificationGoBothWays) {

@@ -3,9 +3,10 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
-#include "zemhost/commands/SongTable.h"
+#include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Table.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 

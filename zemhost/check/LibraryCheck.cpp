@@ -8,14 +8,13 @@
 
 #include "host/Error.h"
 #include "player/DatabaseLocation.h"
+#include "zemhost/library/Phrases.h"
 
 namespace zemhost {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string quoted(const std::string &text) { return '"' + text + '"'; }
 
 class Check {
  public:
@@ -67,8 +66,7 @@ class Check {
     const int32_t count = library_.playlistCount();
     for (int32_t list = 0; list < count; ++list) {
       size_t lost = 0;
-      const std::string name =
-          "playlist " + std::to_string(list) + " " + quoted(library_.playlistName(list, &lost));
+      const std::string name = playlistLabel(list, library_.playlistName(list, &lost));
       if (lost > 0) {
         ++account_.lossyTexts;
         add(player::FindingKind::LossyText, name + ": the name holds characters that are not valid");
@@ -109,18 +107,6 @@ class Check {
 };
 
 }  // namespace
-
-std::string songLabel(int32_t index, const Song &song) {
-  std::string name = "song " + std::to_string(index) + " " + quoted(song.title);
-  if (!song.artist.empty()) name += " by " + song.artist;
-  return name;
-}
-
-std::string missingFileText(int32_t index, const Song &song, const FolderItem &item) {
-  const std::string label = songLabel(index, song);
-  if (song.path.empty()) return label + " names no file";
-  return label + ": its file is missing: " + (item ? item.macPath() : song.path);
-}
 
 LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings) {
   return Check(library, findings).run();

@@ -10,12 +10,6 @@
 
 namespace zemhost {
 
-// How messages name a song: `song 24 "Lost Reel" by Idris Calloway`.
-std::string songLabel(int32_t index, const Song &song);
-
-// That a song's file, which this item stands for, is not there.
-std::string missingFileText(int32_t index, const Song &song, const FolderItem &item);
-
 struct LibraryAccount {
   uint64_t lossyTexts = 0;
   uint64_t entriesWithoutSong = 0;

@@ -1,26 +1,18 @@
 #include <iostream>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "host/Error.h"
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
-#include "zemhost/library/OpenDatabase.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
 
 namespace zemhost {
 
-namespace {
-
-struct CallArguments {
-  std::string path;
-  std::vector<std::string> lines;
-};
-
-int evaluateLines(const CallArguments &arguments) {
-  const Object object = openDatabase(arguments.path).object;
+int callObject(const CallArguments &arguments) {
+  const Object object = openAndWarn(arguments.path).object;
   int status = kSuccess;
   for (const std::string &line : arguments.lines) {
     try {
@@ -32,20 +24,6 @@ int evaluateLines(const CallArguments &arguments) {
     }
   }
   return status;
-}
-
-}  // namespace
-
-void addCallCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<CallArguments>();
-  CLI::App *const command =
-      program.add_subcommand("call", "Do lines of host code with an object that has loaded the database");
-  addPathArgument(*command, arguments->path);
-  command
-      ->add_option("LINE", arguments->lines,
-                   "A method call, or a property to read or set: 'GetTitle(0)', 'ResultEncode = &h0100'")
-      ->required();
-  command->callback([arguments, &action] { action = [arguments] { return evaluateLines(*arguments); }; });
 }
 
 }  // namespace zemhost

@@ -1,20 +1,14 @@
 #include <iostream>
-#include <memory>
 #include <string>
 
 #include "zemhost/ExitStatus.h"
 #include "zemhost/check/CheckReport.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
 #include "zemhost/library/OpenDatabase.h"
 
 namespace zemhost {
 
 namespace {
-
-struct CheckArguments {
-  std::string path;
-  bool json = false;
-};
 
 void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &library,
                     const player::FileAccount &file, player::Findings &findings) {
@@ -33,7 +27,9 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
   }
 }
 
-int check(const CheckArguments &arguments) {
+}  // namespace
+
+int checkDatabase(const CheckArguments &arguments) {
   OpenDatabase database = loadDatabase(Host::load(), arguments.path);
   CheckReport report{database.location, database.compressed, accountOf(database), {}, {}, {}};
   report.findings = report.file.findings;
@@ -52,20 +48,6 @@ int check(const CheckArguments &arguments) {
     writeText(report, std::cout);
   }
   return report.findings.total() == 0 ? kSuccess : kIncomplete;
-}
-
-}  // namespace
-
-void addCheckCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<CheckArguments>();
-  CLI::App *const command = program.add_subcommand(
-      "check", "Account for every byte of a database, every entry and every song's file");
-  addPathArgument(*command, arguments->path);
-  command->add_flag("--json", arguments->json, "Report as one JSON object");
-  command->footer(
-      "Ends with 0 when all is accounted for, with 3 when something is wrong, and with 1 when the "
-      "database cannot be read.");
-  command->callback([arguments, &action] { action = [arguments] { return check(*arguments); }; });
 }
 
 }  // namespace zemhost

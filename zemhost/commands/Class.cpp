@@ -4,7 +4,7 @@
 
 #include "host/Host.h"
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
 #include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
@@ -31,7 +31,9 @@ void writeClass(const ClassInfo &info) {
   }
 }
 
-int showClasses() {
+}  // namespace
+
+int showClass(const ClassArguments & /*arguments*/) {
   const Host host = Host::load();
   bool first = true;
   for (const ClassInfo *info : host.classes()) {
@@ -40,14 +42,6 @@ int showClasses() {
     writeClass(*info);
   }
   return kSuccess;
-}
-
-}  // namespace
-
-void addClassCommand(CLI::App &program, Action &action) {
-  CLI::App *const command =
-      program.add_subcommand("class", "Show the class that the plug-in registers: properties and methods");
-  command->callback([&action] { action = showClasses; });
 }
 
 }  // namespace zemhost

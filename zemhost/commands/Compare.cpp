@@ -1,28 +1,21 @@
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/library/SongGroups.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct CompareArguments {
-  std::string a;
-  std::string b;
-  std::string by = "song";
-  std::string encoding;
-  bool json = false;
-};
 
 Sameness samenessNamed(const std::string &name) {
   if (name == "artist") return Sameness::Artist;
@@ -134,10 +127,12 @@ void writeJson(const Comparison &comparison, const MusicLibrary &a, const MusicL
   out.finish();
 }
 
+}  // namespace
+
 int compare(const CompareArguments &arguments) {
   const Host host = Host::load();
-  const MusicLibrary a(openDatabase(host, arguments.a));
-  const MusicLibrary b(openDatabase(host, arguments.b));
+  const MusicLibrary a(openAndWarn(host, arguments.a));
+  const MusicLibrary b(openAndWarn(host, arguments.b));
   const Sameness by = samenessNamed(arguments.by);
   const Comparison comparison = compareLibraries(a, b, by);
   if (arguments.json) {
@@ -146,24 +141,6 @@ int compare(const CompareArguments &arguments) {
     writeText(comparison, a, b, arguments, by);
   }
   return kSuccess;
-}
-
-}  // namespace
-
-void addCompareCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<CompareArguments>();
-  CLI::App *const command =
-      program.add_subcommand("compare", "List what only one of two libraries has, and what both have");
-  command->add_option("A", arguments->a, "A player or database, as PATH of the other commands")->required();
-  command->add_option("B", arguments->b, "Another one")->required();
-  command->add_option("--by", arguments->by, "What to compare [song: title, artist and album]")
-      ->check(CLI::IsMember({"song", "artist", "album", "genre", "composer"}));
-  command->add_flag("--json", arguments->json, "Write JSON for other programs");
-  addEncodingOption(*command, arguments->encoding);
-  command->callback([arguments, &action] {
-    checkJsonEncoding(arguments->json, arguments->encoding);
-    action = [arguments] { return compare(*arguments); };
-  });
 }
 
 }  // namespace zemhost

@@ -1,10 +1,10 @@
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/library/SongGroups.h"
 #include "zemhost/output/EncodedOutput.h"
@@ -15,13 +15,6 @@ namespace zemhost {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-struct DuplicatesArguments {
-  std::string path;
-  std::string encoding;
-  bool anyAlbum = false;
-  bool json = false;
-};
 
 void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library,
                const DuplicatesArguments &arguments) {
@@ -50,7 +43,8 @@ void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library
     out.write("No song is there twice.\n");
   } else {
     out.write(table);
-    out.write("\n" + countText(groups.size(), "song is", "songs are") + " there more than once; " +
+    out.write("\n");
+    out.write(countText(groups.size(), "song is", "songs are") + " there more than once; " +
               countText(spare.songs, "copy", "copies") + " too many, " + totalSizeText(spare.size) + "\n");
   }
   out.finish();
@@ -79,8 +73,10 @@ void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library
   out.finish();
 }
 
+}  // namespace
+
 int listDuplicates(const DuplicatesArguments &arguments) {
-  const MusicLibrary library(openDatabase(arguments.path));
+  const MusicLibrary library(openAndWarn(arguments.path));
   const Sameness by = arguments.anyAlbum ? Sameness::SongOfArtist : Sameness::Song;
   std::vector<SongGroup> groups = groupSongs(library, by);
   std::erase_if(groups, [](const SongGroup &group) { return group.songs.size() < 2; });
@@ -90,24 +86,6 @@ int listDuplicates(const DuplicatesArguments &arguments) {
     writeText(groups, library, arguments);
   }
   return kSuccess;
-}
-
-}  // namespace
-
-void addDuplicatesCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<DuplicatesArguments>();
-  CLI::App *const command =
-      program.add_subcommand("duplicates",
-                             "List the songs that are there more than once: the same title, "
-                             "artist and album");
-  addPathArgument(*command, arguments->path);
-  command->add_flag("--any-album", arguments->anyAlbum, "Songs on different albums may be the same too");
-  command->add_flag("--json", arguments->json, "Write JSON for other programs");
-  addEncodingOption(*command, arguments->encoding);
-  command->callback([arguments, &action] {
-    checkJsonEncoding(arguments->json, arguments->encoding);
-    action = [arguments] { return listDuplicates(*arguments); };
-  });
 }
 
 }  // namespace zemhost

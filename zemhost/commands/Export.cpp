@@ -5,28 +5,18 @@
 
 #include "host/Error.h"
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/export/ExportWriter.h"
 #include "zemhost/export/M3uExport.h"
 #include "zemhost/library/PlaylistChoice.h"
 #include "zemhost/output/Messages.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 
 namespace {
-
-struct ExportArguments {
-  std::string path;
-  std::string format;
-  std::string output;
-  std::string playlist;
-  std::vector<std::string> fields;
-  std::string paths = "host";
-  std::string encoding;
-
-  bool writesStandardOutput() const { return output.empty() || output == "-"; }
-};
 
 // The songs that are asked for, and what to say of those that cannot be given.
 class Selection {
@@ -133,8 +123,10 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
   writer->finish();
 }
 
+}  // namespace
+
 int exportLibrary(const ExportArguments &arguments) {
-  const MusicLibrary library(openDatabase(arguments.path));
+  const MusicLibrary library(openAndWarn(arguments.path));
   const Selection selection(library, arguments.playlist);
   if (arguments.format == "m3u8") {
     writeM3u(library, selection, arguments);
@@ -142,49 +134,6 @@ int exportLibrary(const ExportArguments &arguments) {
     writeTables(library, selection, arguments);
   }
   return kSuccess;
-}
-
-// Options that do not go together.
-void checkArguments(const CLI::App &command, const ExportArguments &arguments) {
-  const bool list = arguments.format == "m3u8";
-  if (list && !arguments.fields.empty())
-    throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
-  if (!list && command.count("--paths") != 0)
-    throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
-  if (!list && arguments.format != "csv" && !isUtf8Name(arguments.encoding))
-    throw CLI::ValidationError("--encoding", arguments.format + " is always UTF-8");
-  if (arguments.format == "sqlite" && arguments.writesStandardOutput())
-    throw CLI::ValidationError("--output", "sqlite needs a file to write");
-}
-
-}  // namespace
-
-void addExportCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<ExportArguments>();
-  CLI::App *const command =
-      program.add_subcommand("export", "Write songs and playlists in a format that other programs read");
-  addPathArgument(*command, arguments->path);
-  command->add_option("--format", arguments->format, "csv, json, ndjson, m3u8 or sqlite")
-      ->required()
-      ->check(CLI::IsMember({"csv", "json", "ndjson", "m3u8", "sqlite"}));
-  command->add_option("-o,--output", arguments->output, "The file to write; else standard output");
-  command->add_option("--playlist", arguments->playlist,
-                      "Only the songs of this playlist: its number, its name, or the beginning of its name");
-  command
-      ->add_option("--fields", arguments->fields,
-                   "The fields of a song, in order, with commas between; else all of them")
-      ->delimiter(',')
-      ->allow_extra_args(false);
-  command
-      ->add_option("--paths", arguments->paths,
-                   "Paths in m3u8: host (files on this machine), relative (from the list's folder) or device "
-                   "(as on the player) [host]")
-      ->check(CLI::IsMember({"host", "relative", "device"}));
-  addEncodingOption(*command, arguments->encoding);
-  command->callback([arguments, command, &action] {
-    checkArguments(*command, *arguments);
-    action = [arguments] { return exportLibrary(*arguments); };
-  });
 }
 
 }  // namespace zemhost

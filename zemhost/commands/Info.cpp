@@ -1,10 +1,10 @@
-#include <memory>
 #include <string>
 
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
-#include "zemhost/library/MusicLibrary.h"
+#include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
 #include "zemhost/output/Units.h"
@@ -19,14 +19,17 @@ std::string volumeText(const MusicLibrary &library) {
   return library.object().get("VolumeName").text();
 }
 
+}  // namespace
+
 int showInfo(const ListingArguments &arguments) {
-  const MusicLibrary library(openDatabase(arguments.path));
+  const MusicLibrary library(openAndWarn(arguments.path));
   Totals totals;
   const int32_t songs = library.songCount();
   for (int32_t index = 0; index < songs; ++index) totals.add(library.duration(index), library.size(index));
   const int32_t playlists = library.playlistCount();
-  int64_t entries = 0;
-  for (int32_t number = 0; number < playlists; ++number) entries += library.entryCount(number);
+  uint64_t entries = 0;
+  for (int32_t number = 0; number < playlists; ++number)
+    entries += static_cast<uint64_t>(library.entryCount(number));
 
   EncodedOutput out(arguments.encoding, library.host());
   const auto writeLine = [&out](const char *label, const std::string &text) {
@@ -36,21 +39,11 @@ int showInfo(const ListingArguments &arguments) {
   writeLine("Volume     ", volumeText(library));
   writeLine("Variant    ", variantText(library.libType() == 0));
   writeLine("Songs      ", std::to_string(songs));
-  writeLine("Playlists  ", std::to_string(playlists) + " with " + std::to_string(entries) +
-                               (entries == 1 ? " entry" : " entries"));
+  writeLine("Playlists  ", std::to_string(playlists) + " with " + countText(entries, "entry", "entries"));
   writeLine("Time       ", totalTimeText(totals.duration));
   writeLine("Size       ", totalSizeText(totals.size));
   out.finish();
   return kSuccess;
-}
-
-}  // namespace
-
-void addInfoCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<ListingArguments>();
-  CLI::App *const command = program.add_subcommand("info", "Sum up a player or database");
-  addListingArguments(*command, *arguments);
-  command->callback([arguments, &action] { action = [arguments] { return showInfo(*arguments); }; });
 }
 
 }  // namespace zemhost

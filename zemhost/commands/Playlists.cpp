@@ -1,8 +1,8 @@
-#include <memory>
 #include <string>
 
 #include "zemhost/ExitStatus.h"
-#include "zemhost/commands/Command.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/library/MusicLibrary.h"
 #include "zemhost/output/EncodedOutput.h"
 #include "zemhost/output/Table.h"
@@ -10,10 +10,8 @@
 
 namespace zemhost {
 
-namespace {
-
 int listPlaylists(const ListingArguments &arguments) {
-  const MusicLibrary library(openDatabase(arguments.path));
+  const MusicLibrary library(openAndWarn(arguments.path));
   EncodedOutput out(arguments.encoding, library.host());
   using enum Column::Align;
   Table table({{"#", Right, 0, 0},
@@ -34,15 +32,6 @@ int listPlaylists(const ListingArguments &arguments) {
   out.write(table);
   out.finish();
   return kSuccess;
-}
-
-}  // namespace
-
-void addPlaylistsCommand(CLI::App &program, Action &action) {
-  const auto arguments = std::make_shared<ListingArguments>();
-  CLI::App *const command = program.add_subcommand("playlists", "List the playlists of a player or database");
-  addListingArguments(*command, *arguments);
-  command->callback([arguments, &action] { action = [arguments] { return listPlaylists(*arguments); }; });
 }
 
 }  // namespace zemhost

@@ -54,12 +54,4 @@ void SongTable::finish() {
   out_.finish();
 }
 
-std::string variantText(bool bigEndian) {
-  return bigEndian ? "big-endian, a desktop program's library" : "little-endian, a player's database";
-}
-
-std::string countText(uint64_t count, const std::string &singular, const std::string &plural) {
-  return std::to_string(count) + " " + (count == 1 ? singular : plural);
-}
-
 }  // namespace zemhost

@@ -31,10 +31,4 @@ class SongTable {
   uint64_t missing_ = 0;
 };
 
-// What the byte order of a database says of its origin.
-std::string variantText(bool bigEndian);
-
-// "1181 songs", "1 song".
-std::string countText(uint64_t count, const std::string &singular, const std::string &plural);
-
 }  // namespace zemhost

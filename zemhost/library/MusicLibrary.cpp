@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "zemhost/library/ClassWords.h"
 #include "zemhost/library/StoredText.h"
-#include "zemhost/output/Units.h"
 
 namespace zemhost {
 

@@ -10,7 +10,6 @@
 #include "player/FileProbe.h"
 #include "zemhost/library/InflatedCopy.h"
 #include "zemhost/library/Reconciliation.h"
-#include "zemhost/output/Messages.h"
 
 namespace zemhost {
 
@@ -60,7 +59,7 @@ player::FileAccount accountOf(const OpenDatabase &database) {
 }
 
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0};
+  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}};
   const player::DatabaseLocation &location = database.location;
   const player::FileProbe probe = player::probeFile(location.file);
   if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
@@ -92,14 +91,12 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
   return database;
 }
 
-OpenDatabase openDatabase(const std::filesystem::path &path) { return openDatabase(Host::load(), path); }
-
 OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path) {
   OpenDatabase database = loadDatabase(host, path);
   const Reconciliation counts = reconcile(accountOf(database), database.object);
   if (!counts.agrees()) {
-    printError(database.location.name + ": " + counts.summary() +
-               "; to see what is wrong run: zemhost check " + shellWord(path.string()));
+    database.warning = database.location.name + ": " + counts.summary() +
+                       "; to see what is wrong run: zemhost check " + shellWord(path.string());
   }
   return database;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 
 #include "host/Host.h"
 #include "platform/carbon/Descriptor.h"
@@ -17,6 +18,7 @@ struct OpenDatabase {
   carbon::Descriptor content;  // what was loaded: the file, or the inflated form of a compressed one
   bool compressed;             // whether it is that
   uint64_t bytesAfterStream;   // bytes of a compressed file after its stream
+  std::string warning;         // one line; empty unless openDatabase() has something to say
 };
 
 // Finds the database that the path stands for, declares its player as a mounted volume, and loads it into a
@@ -24,10 +26,7 @@ struct OpenDatabase {
 // when this returns. Throws HostError, naming the file and what is wrong with it.
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path);
 
-// The same, with a line on standard error when the class does not answer with all that the file tells or
-// holds.
-OpenDatabase openDatabase(const std::filesystem::path &path);
-// The same with a host that is loaded already: a program has one, whatever number of databases it opens.
+// The same, with a warning when the class does not answer with all that the file announces or holds.
 OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path);
 
 // The account of the file that was loaded. Throws HostError, naming it, when it cannot be read any more.

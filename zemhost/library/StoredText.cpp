@@ -5,6 +5,7 @@
 
 #include "host/text/TextEncoding.h"
 #include "player/FileWord.h"
+#include "zemhost/library/ClassWords.h"
 
 namespace zemhost {
 
@@ -78,7 +79,7 @@ std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libT
     return utf16 ? toUtf8(bytes, kUtf16, lost) : byteText(bytes, code, lost);
   }
   // The code is the file's word with its bytes reversed, and every name has had its byte pairs swapped.
-  const uint32_t word = player::reversedWord(code);
+  const uint32_t word = reversedWord(code);
   if (word == kWordUtf16) return toUtf8(bytes, kUtf16, lost);
   std::string straight(bytes);
   for (size_t i = 0; i + 1 < straight.size(); i += 2) std::swap(straight[i], straight[i + 1]);

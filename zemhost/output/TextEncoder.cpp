@@ -11,6 +11,7 @@
 #include "host/text/TextEncoding.h"
 #include "host/text/UnicodeForms.h"
 #include "zemhost/output/ShiftJisTable.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 
@@ -117,9 +118,9 @@ class TextEncoder::ShiftJisCodec final : public Codec {
   ShiftJisTable table_;
 };
 
-class TextEncoder::IconvCodec final : public Codec {
+class TextEncoder::SystemCodec final : public Codec {
  public:
-  explicit IconvCodec(std::string name)
+  explicit SystemCodec(std::string name)
       : name_(std::move(name)),
         row_{.code = kNoCode, .name = name_.c_str(), .iconvName = name_.c_str()},
         codec_(row_) {}
@@ -148,7 +149,7 @@ class TextEncoder::IconvCodec final : public Codec {
 
   std::string name_;
   EncodingRow row_;
-  LibraryCodec codec_;
+  IconvCodec codec_;
 };
 
 std::unique_ptr<TextEncoder::Codec> TextEncoder::makeCodec(const std::string &name, const Host &host) {
@@ -157,7 +158,7 @@ std::unique_ptr<TextEncoder::Codec> TextEncoder::makeCodec(const std::string &na
     if (unicodeName.plain == plain) return std::make_unique<UnicodeCodec>(unicodeName);
   }
   if (plain == "shiftjis" || plain == "sjis") return std::make_unique<ShiftJisCodec>(host);
-  auto codec = isIconvName(name) ? std::make_unique<IconvCodec>(name) : nullptr;
+  auto codec = isIconvName(name) ? std::make_unique<SystemCodec>(name) : nullptr;
   if (codec == nullptr || !codec->isOpen()) {
     throw HostError("no encoding is named \"" + name +
                     "\"; there are UTF-8, UTF-16, UTF-16LE, UTF-16BE, Shift_JIS and those that \"iconv "
@@ -195,12 +196,9 @@ std::string TextEncoder::encode(std::string_view text) {
 
 std::optional<std::string> TextEncoder::lossReport() const {
   if (lostCharacters_ == 0) return std::nullopt;
-  const auto counted = [](uint64_t count, const char *what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-  };
-  return counted(lostCharacters_, "character") + " in " + counted(textsWithLoss_, "text") +
-         (lostCharacters_ == 1 ? " has" : " have") + " no place in " + name_ + " and " +
-         (lostCharacters_ == 1 ? "is" : "are") + " shown as '?'";
+  return countText(lostCharacters_, "character", "characters") + " in " +
+         countText(textsWithLoss_, "text", "texts") + (lostCharacters_ == 1 ? " has" : " have") +
+         " no place in " + name_ + " and " + (lostCharacters_ == 1 ? "is" : "are") + " shown as '?'";
 }
 
 }  // namespace zemhost

@@ -44,7 +44,7 @@ class TextEncoder {
   class Codec;
   class UnicodeCodec;
   class ShiftJisCodec;
-  class IconvCodec;
+  class SystemCodec;
 
   static std::unique_ptr<Codec> makeCodec(const std::string &name, const Host &host);
 

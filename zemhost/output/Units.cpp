@@ -5,8 +5,6 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "player/FileWord.h"
-
 namespace zemhost {
 
 namespace {
@@ -29,13 +27,6 @@ std::string clockText(uint64_t seconds) {
 }
 
 }  // namespace
-
-uint32_t rateWord(int32_t fromClass, int32_t libType) {
-  const auto word = static_cast<uint32_t>(fromClass);
-  return libType == 0 ? word : player::reversedWord(word);
-}
-
-uint32_t sampleRateHertz(uint32_t rateWord) { return (rateWord >> 16) + (rateWord >> 15 & 1); }
 
 std::string durationText(uint32_t milliseconds) {
   return milliseconds == 0 ? std::string() : clockText(milliseconds / 1000);
@@ -91,5 +82,9 @@ std::string dateText(uint32_t secondsSince1904) {
 }
 
 std::string numberText(uint32_t number) { return std::to_string(number); }
+
+std::string countText(uint64_t count, const std::string &singular, const std::string &plural) {
+  return std::to_string(count) + " " + (count == 1 ? singular : plural);
+}
 
 }  // namespace zemhost

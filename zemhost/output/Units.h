@@ -8,13 +8,6 @@
 
 namespace zemhost {
 
-// The value of a rate word as the class gives it: the four bytes of the file, first one highest. Those of a
-// little-endian file (LibType other than 0) come reversed, those of a big-endian one straight.
-uint32_t rateWord(int32_t fromClass, int32_t libType);
-
-// Hertz, rounded, of a sample rate word in 16.16 fixed point.
-uint32_t sampleRateHertz(uint32_t rateWord);
-
 // "3:05", "1:02:03": whole minutes and seconds of milliseconds, the rest cut off.
 std::string durationText(uint32_t milliseconds);
 
@@ -39,5 +32,8 @@ std::string dateText(uint32_t secondsSince1904);
 
 // The number in decimal.
 std::string numberText(uint32_t number);
+
+// "1181 songs", "1 song".
+std::string countText(uint64_t count, const std::string &singular, const std::string &plural);
 
 }  // namespace zemhost

@@ -14,10 +14,10 @@
 #include "host/Error.h"
 #include "platform/carbon/Descriptor.h"
 #include "player/FileBytes.h"
-#include "zemhost/check/LibraryCheck.h"
 #include "zemhost/files/OutputFile.h"
 #include "zemhost/files/Signals.h"
 #include "zemhost/files/TemporaryPath.h"
+#include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/M3u.h"
 #include "zemhost/output/Messages.h"
@@ -203,8 +203,7 @@ class Rescue {
         writePlaylist(list, name, file);
         ++result_.playlists;
       } catch (const HostError &failure) {
-        result_.problems.push_back("playlist " + std::to_string(list) + " \"" + name +
-                                   "\": " + failure.what());
+        result_.problems.push_back(playlistLabel(list, name) + ": " + failure.what());
       }
     }
   }
@@ -229,8 +228,7 @@ class Rescue {
     }
     out.finish();
     if (missing > 0) {
-      result_.problems.push_back("playlist " + std::to_string(list) + " \"" + name + "\" lacks " +
-                                 std::to_string(missing) + (missing == 1 ? " song" : " songs"));
+      result_.problems.push_back(playlistLabel(list, name) + " lacks " + countText(missing, "song", "songs"));
     }
   }
 

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <utility>
 
-#include "zemhost/check/LibraryCheck.h"
+#include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/rescue/SafeName.h"
 

@@ -1,0 +1,242 @@
+#include "zemhost/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "zemhost/ExitStatus.h"
+#include "zemhost/commands/Commands.h"
+#include "zemhost/output/Messages.h"
+#include "zemhost/output/TextEncoder.h"
+
+namespace zemhost {
+
+namespace {
+
+// What the command that was asked for does; returns the exit status.
+using Action = std::function<int()>;
+
+// A command, and the arguments that its options fill.
+template <typename Arguments>
+struct Command {
+  CLI::App *app;
+  std::shared_ptr<Arguments> arguments;
+
+  CLI::App *operator->() const { return app; }
+};
+
+// Throws CLI::ValidationError for options that do not go together.
+template <typename Arguments>
+using Check = void (*)(const CLI::App &command, const Arguments &arguments);
+
+// Adds a command. When the command line names it, its work is left in `action`, which must outlive the
+// parsing.
+template <typename Arguments>
+Command<Arguments> addCommand(CLI::App &program, Action &action, const char *name, const char *description,
+                              int (*run)(const Arguments &), Check<Arguments> check = nullptr) {
+  const Command<Arguments> command{program.add_subcommand(name, description), std::make_shared<Arguments>()};
+  command->callback([command, run, check, &action] {
+    if (check != nullptr) check(*command.app, *command.arguments);
+    action = [run, arguments = command.arguments] { return run(*arguments); };
+  });
+  return command;
+}
+
+// The argument PATH, which every command that reads a database takes.
+void addPath(CLI::App &command, std::string &path) {
+  command
+      .add_option("PATH", path,
+                  "A mounted player, its iPod_Control folder, or a database file; of a player's iTunesDB and "
+                  "iTunesCDB (compressed) the larger one is read")
+      ->required();
+}
+
+void addEncoding(CLI::App &command, std::string &encoding) {
+  command.add_option(
+      "--encoding", encoding,
+      "Write text in this encoding: UTF-8, UTF-16, Shift_JIS by the plug-in's table, or one that "
+      "iconv knows [UTF-8]");
+}
+
+void addJson(CLI::App &command, bool &json) {
+  command.add_flag("--json", json, "Write JSON for other programs");
+}
+
+template <typename Arguments>
+void checkJsonEncoding(const CLI::App & /*command*/, const Arguments &arguments) {
+  if (arguments.json && !isUtf8Name(arguments.encoding))
+    throw CLI::ValidationError("--encoding", "JSON is always UTF-8");
+}
+
+void addListing(CLI::App &program, Action &action, const char *name, const char *description,
+                int (*run)(const ListingArguments &)) {
+  const auto command = addCommand(program, action, name, description, run);
+  addPath(*command.app, command.arguments->path);
+  addEncoding(*command.app, command.arguments->encoding);
+}
+
+void addPlaylist(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "playlist", "List the songs of one playlist", listPlaylist);
+  addPath(*command.app, command.arguments->path);
+  command
+      ->add_option("PLAYLIST", command.arguments->playlist,
+                   "Its number, its name, or the beginning of its name")
+      ->required();
+  addEncoding(*command.app, command.arguments->encoding);
+}
+
+void addCheck(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "check",
+                 "Account for every byte of a database, every entry and every song's file", checkDatabase);
+  addPath(*command.app, command.arguments->path);
+  command->add_flag("--json", command.arguments->json, "Report as one JSON object");
+  command->footer(
+      "Ends with 0 when all is accounted for, with 3 when something is wrong, and with 1 when the "
+      "database cannot be read.");
+}
+
+void checkExport(const CLI::App &command, const ExportArguments &arguments) {
+  const bool list = arguments.format == "m3u8";
+  if (list && !arguments.fields.empty())
+    throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
+  if (!list && command.count("--paths") != 0)
+    throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
+  if (!list && arguments.format != "csv" && !isUtf8Name(arguments.encoding))
+    throw CLI::ValidationError("--encoding", arguments.format + " is always UTF-8");
+  if (arguments.format == "sqlite" && arguments.writesStandardOutput())
+    throw CLI::ValidationError("--output", "sqlite needs a file to write");
+}
+
+void addExport(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "export", "Write songs and playlists in a format that other programs read",
+                 exportLibrary, checkExport);
+  ExportArguments &arguments = *command.arguments;
+  addPath(*command.app, arguments.path);
+  command->add_option("--format", arguments.format, "csv, json, ndjson, m3u8 or sqlite")
+      ->required()
+      ->check(CLI::IsMember({"csv", "json", "ndjson", "m3u8", "sqlite"}));
+  command->add_option("-o,--output", arguments.output, "The file to write; else standard output");
+  command->add_option("--playlist", arguments.playlist,
+                      "Only the songs of this playlist: its number, its name, or the beginning of its name");
+  command
+      ->add_option("--fields", arguments.fields,
+                   "The fields of a song, in order, with commas between; else all of them")
+      ->delimiter(',')
+      ->allow_extra_args(false);
+  command
+      ->add_option("--paths", arguments.paths,
+                   "Paths in m3u8: host (files on this machine), relative (from the list's folder) or device "
+                   "(as on the player) [host]")
+      ->check(CLI::IsMember({"host", "relative", "device"}));
+  addEncoding(*command.app, arguments.encoding);
+}
+
+void addRescue(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "rescue",
+                 "Copy the music off a player under its real names, and its playlists", rescueMusic);
+  RescueArguments &arguments = *command.arguments;
+  addPath(*command.app, arguments.path);
+  command->add_option("DEST", arguments.destination, "The folder to copy to; it is made when it is missing")
+      ->required();
+  command->add_option("--pattern", arguments.pattern,
+                      "How files are called, " + arguments.pattern +
+                          " when not told: text, '/' between folders, and the fields " + patternFields() +
+                          "; numbers may have a width, as in {track:02}");
+  command
+      ->add_option("--playlist", arguments.playlists,
+                   "Only the songs of this playlist: its number, its name, or the beginning of its name; may "
+                   "be given again")
+      ->allow_extra_args(false);
+  command->add_flag("--dry-run", arguments.dryRun, "Tell what would be copied, and write nothing");
+  command->footer(
+      "Copies that are complete are left alone, and no other file is ever replaced, so the same command goes "
+      "on "
+      "after an interruption. Ends with 0 when all is copied, with 3 when some songs could not be, and with "
+      "1 "
+      "when it had to stop.");
+}
+
+void addCompare(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "compare", "List what only one of two libraries has, and what both have",
+                 compare, checkJsonEncoding<CompareArguments>);
+  CompareArguments &arguments = *command.arguments;
+  command->add_option("A", arguments.a, "A player or database, as PATH of the other commands")->required();
+  command->add_option("B", arguments.b, "Another one")->required();
+  command->add_option("--by", arguments.by, "What to compare [song: title, artist and album]")
+      ->check(CLI::IsMember({"song", "artist", "album", "genre", "composer"}));
+  addJson(*command.app, arguments.json);
+  addEncoding(*command.app, arguments.encoding);
+}
+
+void addDuplicates(CLI::App &program, Action &action) {
+  const auto command = addCommand(program, action, "duplicates",
+                                  "List the songs that are there more than once: the same title, "
+                                  "artist and album",
+                                  listDuplicates, checkJsonEncoding<DuplicatesArguments>);
+  DuplicatesArguments &arguments = *command.arguments;
+  addPath(*command.app, arguments.path);
+  command->add_flag("--any-album", arguments.anyAlbum, "Songs on different albums may be the same too");
+  addJson(*command.app, arguments.json);
+  addEncoding(*command.app, arguments.encoding);
+}
+
+void addCall(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "call", "Do lines of host code with an object that has loaded the database",
+                 callObject);
+  addPath(*command.app, command.arguments->path);
+  command
+      ->add_option("LINE", command.arguments->lines,
+                   "A method call, or a property to read or set: 'GetTitle(0)', 'ResultEncode = &h0100'")
+      ->required();
+}
+
+void addCommands(CLI::App &program, Action &action) {
+  addListing(program, action, "info", "Sum up a player or database", showInfo);
+  addListing(program, action, "songs", "List the songs of a player or database", listSongs);
+  addListing(program, action, "playlists", "List the playlists of a player or database", listPlaylists);
+  addPlaylist(program, action);
+  addCheck(program, action);
+  addExport(program, action);
+  addRescue(program, action);
+  addCompare(program, action);
+  addDuplicates(program, action);
+  addCall(program, action);
+  addCommand(program, action, "class", "Show the class that the plug-in registers: properties and methods",
+             showClass);
+}
+
+int wrongUsage(const std::string &message) {
+  printError(message);
+  std::cerr << "Run \"zemhost --help\" to see what can be asked.\n";
+  return kUsage;
+}
+
+}  // namespace
+
+int runCommandLine(int count, char **arguments) {
+  CLI::App program("Shows the music library of an iPod, read by the ZemiTunesDB plug-in.", "zemhost");
+  program.set_version_flag("--version", "zemhost " ZEM_VERSION);
+  program.require_subcommand(0, 1);  // none at all has a better message below
+  Action action;
+  addCommands(program, action);
+  try {
+    program.parse(count, arguments);
+  } catch (const CLI::ParseError &error) {
+    if (error.get_exit_code() == 0) {
+      program.exit(error);  // --help or --version
+      return kSuccess;
+    }
+    return wrongUsage(error.what());
+  }
+  return action ? action() : wrongUsage("a command is needed");
+}
+
+}  // namespace zemhost

@@ -1,0 +1,86 @@
+#pragma once
+
+// The commands of the program: what each takes, and the function that does it. Each lives in the file of its
+// name. It writes to standard output, or to the file that was asked for, and returns the exit status
+// (ExitStatus.h). Bad input throws HostError or PlayerError.
+
+#include <string>
+#include <vector>
+
+#include "zemhost/rescue/NamePattern.h"
+
+namespace zemhost {
+
+// `path` is a mounted player, its iPod_Control folder, or a database file throughout; `encoding` names the
+// encoding to write text in.
+
+struct ListingArguments {
+  std::string path;
+  std::string encoding = "UTF-8";
+};
+int showInfo(const ListingArguments &arguments);
+int listSongs(const ListingArguments &arguments);
+int listPlaylists(const ListingArguments &arguments);
+
+struct PlaylistArguments {
+  std::string path;
+  std::string playlist;  // its number, its name, or the beginning of its name
+  std::string encoding = "UTF-8";
+};
+int listPlaylist(const PlaylistArguments &arguments);
+
+struct CheckArguments {
+  std::string path;
+  bool json = false;
+};
+int checkDatabase(const CheckArguments &arguments);
+
+struct ExportArguments {
+  std::string path;
+  std::string format;               // csv, json, ndjson, m3u8 or sqlite
+  std::string output;               // a file; empty or "-": standard output
+  std::string playlist;             // empty: the whole library
+  std::vector<std::string> fields;  // of a song; none: all of them
+  std::string paths = "host";       // of an m3u8 list: host, relative or device
+  std::string encoding = "UTF-8";
+
+  bool writesStandardOutput() const { return output.empty() || output == "-"; }
+};
+int exportLibrary(const ExportArguments &arguments);
+
+struct RescueArguments {
+  std::string path;
+  std::string destination;
+  std::string pattern{kUsualPattern};
+  std::vector<std::string> playlists;  // none: the whole library
+  bool dryRun = false;
+};
+int rescueMusic(const RescueArguments &arguments);
+
+struct CompareArguments {
+  std::string a;
+  std::string b;
+  std::string by = "song";  // or artist, album, genre, composer
+  bool json = false;
+  std::string encoding = "UTF-8";
+};
+int compare(const CompareArguments &arguments);
+
+struct DuplicatesArguments {
+  std::string path;
+  bool anyAlbum = false;  // songs on different albums may be the same
+  bool json = false;
+  std::string encoding = "UTF-8";
+};
+int listDuplicates(const DuplicatesArguments &arguments);
+
+struct CallArguments {
+  std::string path;
+  std::vector<std::string> lines;  // of host code
+};
+int callObject(const CallArguments &arguments);
+
+struct ClassArguments {};
+int showClass(const ClassArguments &arguments);
+
+}  // namespace zemhost

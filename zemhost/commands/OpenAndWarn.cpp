@@ -1,0 +1,15 @@
+#include "zemhost/commands/OpenAndWarn.h"
+
+#include "zemhost/output/Messages.h"
+
+namespace zemhost {
+
+OpenDatabase openAndWarn(const std::filesystem::path &path) { return openAndWarn(Host::load(), path); }
+
+OpenDatabase openAndWarn(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database = openDatabase(host, path);
+  if (!database.warning.empty()) printError(database.warning);
+  return database;
+}
+
+}  // namespace zemhost

@@ -1,0 +1,32 @@
+#include "zemhost/library/Phrases.h"
+
+namespace zemhost {
+
+namespace {
+
+std::string numbered(const char *what, int32_t number, const std::string &name) {
+  return std::string(what) + " " + std::to_string(number) + " \"" + name + "\"";
+}
+
+}  // namespace
+
+std::string songLabel(int32_t index, const Song &song) {
+  const std::string label = numbered("song", index, song.title);
+  return song.artist.empty() ? label : label + " by " + song.artist;
+}
+
+std::string playlistLabel(int32_t number, const std::string &name) {
+  return numbered("playlist", number, name);
+}
+
+std::string missingFileText(int32_t index, const Song &song, const FolderItem &item) {
+  const std::string label = songLabel(index, song);
+  if (song.path.empty()) return label + " names no file";
+  return label + ": its file is missing: " + (item ? item.macPath() : song.path);
+}
+
+std::string variantText(bool bigEndian) {
+  return bigEndian ? "big-endian, a desktop program's library" : "little-endian, a player's database";
+}
+
+}  // namespace zemhost

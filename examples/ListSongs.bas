@@ -31,7 +31,7 @@ End Sub
 
 // One song in a line.
 Function Describe(db As ZemiTunesDB, song As Integer) As String
-  Dim added As New Date
+  Dim changed As New Date
   Dim seconds, kbits As Integer
 
   // Milliseconds.
@@ -43,15 +43,16 @@ Function Describe(db As ZemiTunesDB, song As Integer) As String
     kbits = Reversed(kbits)
   End If
 
-  // Seconds since 1904, as Date counts them; an Integer shows those after 1972 as negative.
-  added.TotalSeconds = db.GetDataAdded(song)
+  // When the file was last changed, whatever the method's name says. Seconds since 1904, as Date counts them; an Integer
+  // shows those after 1972 as negative.
+  changed.TotalSeconds = db.GetDataAdded(song)
   If db.GetDataAdded(song) < 0 Then
-    added.TotalSeconds = db.GetDataAdded(song) + 4294967296.0
+    changed.TotalSeconds = db.GetDataAdded(song) + 4294967296.0
   End If
 
   Return db.GetArtist(song) + " - " + db.GetTitle(song) + " (" + db.GetTrackTotalInfo(song) + "), " _
-    + Str(seconds \ 60) + ":" + Format(seconds Mod 60, "00") + ", " + Str(kbits) + " kbit/s, added " _
-    + added.SQLDate
+    + Str(seconds \ 60) + ":" + Format(seconds Mod 60, "00") + ", " + Str(kbits) + " kbit/s, changed " _
+    + changed.SQLDate
 End Function
 
 // A 32-bit number with its four bytes in the opposite order.

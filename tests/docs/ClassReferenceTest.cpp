@@ -141,7 +141,7 @@ class ClassReference : public testing::Test {
     return Answer(object_, method, place);
   }
 
-  // Everything that the object tells about its songs and entries.
+  // Everything that the object reports about its songs and entries.
   static std::vector<std::string> Snapshot(const zemhost::Object &object) {
     std::vector<std::string> all;
     for (const MethodInfo &method : object.classInfo().methods) {

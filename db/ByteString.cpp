@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <stdexcept>
+
+#include "db/LargePages.h"
 
 namespace {
 
@@ -11,20 +14,33 @@ constexpr size_t kMaxSize = INT32_MAX;
 
 }  // namespace
 
-void ByteString::Append(std::string_view bytes, Keep keep) {
-  if (bytes.empty()) return;
-  if (bytes.size() > kMaxSize - size_) throw std::length_error("ByteString");
-  if (size_ == 0 && keep == Keep::Borrow) {
-    Release();
-    far_ = bytes.data();
-    size_ = static_cast<uint32_t>(bytes.size());
-    room_ = kBorrowed;
+TextBlock *TextBlock::Make(size_t room) {
+  const size_t size = sizeof(TextBlock) + room;
+  return new (AllocateLarge(size)) TextBlock(size);
+}
+
+void TextBlock::Free() noexcept { FreeLarge(this, size_); }
+
+void ByteString::Append(const BlockText &text) {
+  const auto offset = static_cast<size_t>(text.bytes.data() - reinterpret_cast<const char *>(text.block));
+  if (size_ != 0 || text.bytes.empty() || text.bytes.size() > kMaxSize || offset >= kNear - kShared) {
+    Append(text.bytes);
     return;
   }
+  Release();
+  text.block->Use();
+  far_ = text.bytes.data();
+  size_ = static_cast<uint32_t>(text.bytes.size());
+  room_ = kShared + static_cast<uint32_t>(offset);
+}
+
+void ByteString::Append(std::string_view bytes) {
+  if (bytes.empty()) return;
+  if (bytes.size() > kMaxSize - size_) throw std::length_error("ByteString");
   const size_t size = size_ + bytes.size();
   if (room_ == kNear && size <= sizeof near_) {
     std::memcpy(near_ + size_, bytes.data(), bytes.size());
-  } else if (room_ != kNear && room_ >= size) {
+  } else if (room_ < kShared && room_ >= size) {
     std::memcpy(const_cast<char *>(far_) + size_, bytes.data(), bytes.size());
   } else {
     // A text that grows at all may be made of many objects, so its room doubles: appending stays linear.

@@ -7,16 +7,40 @@
 #include <string>
 #include <string_view>
 
-// The raw bytes of one stored text. A library holds about ten of them for each song, so most borrow their
-// bytes from the database's arena instead of owning a copy: loading then allocates nothing per text. A
-// copy of a ByteString always owns its bytes; only a move passes a borrowed range on.
+// A block of bytes that texts share, each its own piece. Whoever uses the block is counted, and it goes with
+// the last of them, so a text keeps its bytes wherever it is moved to and however long it lives.
+class TextBlock {
+ public:
+  // A new block with that much room, not initialised, in use by the caller. Throws std::bad_alloc.
+  static TextBlock *Make(size_t room);
+
+  void Use() noexcept { ++uses_; }
+  void Drop() noexcept {
+    if (--uses_ == 0) Free();
+  }
+  char *Bytes() noexcept { return reinterpret_cast<char *>(this + 1); }
+
+ private:
+  explicit TextBlock(size_t size) : size_(size) {}
+  void Free() noexcept;
+
+  size_t size_;  // of the block with this record
+  size_t uses_ = 1;
+};
+
+// Bytes that stand in a block.
+struct BlockText {
+  std::string_view bytes;
+  TextBlock *block = nullptr;
+};
+
+// The raw bytes of one stored text. A library holds about ten of them for each song, so most share a block of
+// the database's arena instead of having memory of their own: loading then allocates nothing per text. A move
+// passes the share on; a copy has memory of its own.
 class ByteString {
  public:
   // The longest text that needs no memory of its own.
   static constexpr size_t kNearRoom = 8;
-
-  // Whether bytes given to a ByteString are copied, or only pointed at because they outlive it.
-  enum class Keep { Copy, Borrow };
 
   ByteString() noexcept = default;
   ByteString(std::string_view bytes) { Append(bytes); }
@@ -38,10 +62,12 @@ class ByteString {
     return *this;
   }
 
-  // Adds bytes at the end. With Keep::Borrow an empty ByteString only points at them, and the caller keeps
-  // them alive and unchanged; otherwise they are copied. Throws std::bad_alloc or std::length_error and then
-  // leaves the text as it was. The bytes must not be part of this text.
-  void Append(std::string_view bytes, Keep keep = Keep::Copy);
+  // Adds a copy of the bytes at the end. Throws std::bad_alloc or std::length_error and then leaves the text
+  // as it was. The bytes must not be part of this text.
+  void Append(std::string_view bytes);
+
+  // The same; an empty text shares the block instead of copying. Nobody may change the bytes any more.
+  void Append(const BlockText &text);
 
   const char *data() const noexcept { return room_ == kNear ? near_ : far_; }
   size_t size() const noexcept { return size_; }
@@ -57,11 +83,19 @@ class ByteString {
   }
 
  private:
-  static constexpr uint32_t kNear = UINT32_MAX;  // value of room_: the bytes stand in near_
-  static constexpr uint32_t kBorrowed = 0;       // value of room_: the bytes at far_ belong to somebody else
+  // Values of room_ from here on: the bytes at far_ stand in a block, the rest of the value behind its begin.
+  static constexpr uint32_t kShared = 0x80000000;
+  static constexpr uint32_t kNear = UINT32_MAX;  // the greatest: the bytes stand in near_
 
+  TextBlock *Block() const noexcept {
+    return reinterpret_cast<TextBlock *>(const_cast<char *>(far_) - (room_ - kShared));
+  }
   void Release() noexcept {
-    if (room_ != kNear && room_ != kBorrowed) delete[] far_;
+    if (room_ < kShared) {
+      delete[] far_;
+    } else if (room_ != kNear) {
+      Block()->Drop();
+    }
   }
   void Take(ByteString &other) noexcept;
 
@@ -70,7 +104,7 @@ class ByteString {
     char near_[kNearRoom] = {};
   };
   uint32_t size_ = 0;
-  uint32_t room_ = kNear;
+  uint32_t room_ = kNear;  // of the memory at far_, when that is this text's own
 };
 
 // Room for one text that is made on the way out: on the stack for any usual length, on the heap beyond.

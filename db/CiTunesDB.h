@@ -17,8 +17,8 @@
 // The in-memory database of one iPod: songs and playlists in file order, and the queries over them. Indexes
 // are 0-based and signed; one that names nothing gives a neutral value. Texts that queries return are copies.
 //
-// The texts of the records point into an arena of the database's own: a record copied out has texts of its
-// own.
+// The texts of the records share the blocks of an arena. A record that is copied, moved or swapped out of the
+// database keeps its texts, whatever becomes of the database.
 class CiTunesDB {
  public:
   CiTunesDB() = default;

@@ -178,7 +178,7 @@ void CiTunesDB::SetSongsObjectIndex() {
   int32_t shared = 0;
 
   for (size_t i = 0; i < songs.size(); ++i) {
-    CSongList &song = songs.KeepingID(i);
+    CSongList &song = songs[i];
     if (i % kStretch == 0) {
       const size_t end = std::min(i + kStretch, songs.size());
       for (size_t k = i; k < end; ++k) {

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <exception>
+#include <optional>
+#include <utility>
 
 #include "db/CiTunesDB.h"
 
@@ -10,47 +12,82 @@ namespace {
 constexpr uint32_t kCopiesOfFile = 8;
 
 // Room for the records a list announces, but never for more than the rest of the file could hold, and never
-// in steps that would move the records over and over when a file repeats its lists.
-template <typename Table>
-void Reserve(Table &table, uint32_t announced, uint32_t restOfFile) {
+// in steps that would move the records over and over when a file repeats its lists. `open` is the record
+// being filled, or null, and moves with the others.
+template <typename Table, typename Record>
+void Reserve(Table &table, Record *&open, uint32_t announced, uint32_t restOfFile) {
   const size_t wanted = std::min(announced + 1, restOfFile / kChunkHeaderSize);
   if (wanted <= table.capacity()) return;
+  const ptrdiff_t position = open == nullptr ? 0 : open - &table[0];
   try {
     table.reserve(table.empty() ? wanted : std::max(wanted, 2 * table.size()));
   } catch (const std::exception &) {
     // The announced count is only a hint; the records that really come find their room one by one.
   }
+  if (open != nullptr) open = &table[static_cast<size_t>(position)];
 }
+
+// A table as it was before a load, which may add to the record that the load before it filled last, and then
+// adds records.
+template <typename Table, typename Record>
+class TableBefore {
+ public:
+  // A record that is not of the table any more is forgotten.
+  TableBefore(Table &table, Record *&open) : table_(table), open_(open), size_(table.size()) {
+    position_ = size_;
+    while (position_ > 0 && &table[position_ - 1] != open) --position_;
+    if (position_ == 0) {
+      open = nullptr;
+    } else {
+      record_.emplace(*open);
+    }
+  }
+
+  void Restore() {
+    while (table_.size() > size_) table_.pop_back();
+    open_ = nullptr;
+    if (!record_) return;
+    open_ = &table_[position_ - 1];
+    *open_ = std::move(*record_);
+  }
+
+ private:
+  Table &table_;
+  Record *&open_;
+  size_t size_;
+  size_t position_;  // of the open record, counted from 1; 0 for none
+  std::optional<Record> record_;
+};
 
 }  // namespace
 
 int32_t CiTunesDB::LoadiTunesDB(FILE *fp) noexcept {
   if (fp == nullptr) return 0;
-  const int32_t words[] = {libType, listType, infoType, odcount};
-  const size_t songCount = songs.size();
-  const size_t playListCount = plays.size();
   try {
     FileWindow file(fp);
     const uint8_t *header = file.At(0, kChunkHeaderSize);
     const int32_t variant = LibTypeOf(ChunkHeader(header, 0));
     if (variant < 0) return 0;
+    TableBefore songsBefore(songs, tarSong);
+    TableBefore playsBefore(plays, tarPlay);
+    const int32_t before[] = {libType, listType, infoType, odcount};
     libType = variant;
-    Walk(file, ChunkHeader(header, variant).jump);
-    file.ReadToEnd();
+    try {
+      Walk(file, ChunkHeader(header, variant).jump);
+      file.ReadToEnd();
+    } catch (const FileUnreadable &) {
+      // Found out on the way; what the file gave until then goes again.
+      songsBefore.Restore();
+      playsBefore.Restore();
+      libType = before[0];
+      listType = before[1];
+      infoType = before[2];
+      odcount = before[3];
+      return 0;
+    }
     SetSongsObjectIndex();
     songs.IndexIDs();
-  } catch (const FileUnreadable &) {
-    // Found out on the way; what the file gave until then goes again.
-    songs.Truncate(songCount);
-    plays.erase(plays.begin() + static_cast<ptrdiff_t>(playListCount), plays.end());
-    tarSong = nullptr;
-    tarPlay = nullptr;
-    libType = words[0];
-    listType = words[1];
-    infoType = words[2];
-    odcount = words[3];
-    return 0;
-  } catch (const std::exception &) {  // out of memory, or a text past every length
+  } catch (const std::exception &) {  // an unreadable file, out of memory, or a text past every length
     return 0;
   }
   return 1;
@@ -66,8 +103,7 @@ void CiTunesDB::Walk(FileWindow &file, uint32_t at) {
         listType = static_cast<int32_t>(fsbb.count);
         break;
       case ChunkKind::TrackList:
-        Reserve(songs, fsbb.myLen, file.Size() - at);
-        if (!songs.empty()) tarSong = &songs.KeepingID(songs.size() - 1);
+        Reserve(songs, tarSong, fsbb.myLen, file.Size() - at);
         break;
       case ChunkKind::Track:
         infoType = libType == 1 ? 1 : 5;
@@ -76,8 +112,7 @@ void CiTunesDB::Walk(FileWindow &file, uint32_t at) {
         break;
       case ChunkKind::PlayListList:
         if (listType != 2) break;
-        Reserve(plays, fsbb.myLen, file.Size() - at);
-        if (!plays.empty()) tarPlay = &plays.back();
+        Reserve(plays, tarPlay, fsbb.myLen, file.Size() - at);
         break;
       case ChunkKind::PlayList:
         infoType = libType == 1 ? 2 : 6;
@@ -92,7 +127,8 @@ void CiTunesDB::Walk(FileWindow &file, uint32_t at) {
         break;
       case ChunkKind::DataObject:
         odcount = static_cast<int32_t>(static_cast<uint32_t>(odcount) - 1);
-        ReadDataObject(file, at, fsbb);
+        // An object of no length ends the walk before it is looked at.
+        if (fsbb.myLen != 0) ReadDataObject(file, at, fsbb);
         advance = fsbb.myLen;
         break;
       case ChunkKind::Other:
@@ -112,8 +148,7 @@ void CiTunesDB::ReadTrack(FileWindow &file, uint32_t at) {
                                   {word(0x14), word(0x18), word(0x1c), word(0x20), word(0x24), word(0x28)}};
   const rateParam rate = {BigEndianWord(chunk + 0x38), BigEndianWord(chunk + 0x3c)};
 
-  tarSong = &songs.Append();
-  tarSong->id = static_cast<int32_t>(property.item_id);
+  tarSong = &songs.Append(static_cast<int32_t>(property.item_id));
   for (int i = 0; i < 4; ++i) tarSong->res[i] = static_cast<int32_t>(property.res[i]);
   tarSong->filesize = property.res[4];
   tarSong->duration = property.res[5];

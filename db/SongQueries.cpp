@@ -88,7 +88,7 @@ void CiTunesDB::SetSongsProp(int32_t index, int32_t num, uint32_t value) {
   if (!songs.Has(index)) return;
   const auto i = static_cast<size_t>(index);
   const auto word = static_cast<int32_t>(value);
-  CSongList &song = songs.KeepingID(i);
+  CSongList &song = songs[i];
   switch (num) {
     case -2:
       song.error = word;
@@ -153,7 +153,7 @@ songInfo CiTunesDB::SongsObjectInfo(int32_t index, int32_t num) const {
 
 void CiTunesDB::SetSongsObjectInfo(int32_t index, int32_t num, ByteString text, uint32_t encode) {
   if (!songs.Has(index)) return;
-  CSongList &song = songs.KeepingID(static_cast<size_t>(index));
+  CSongList &song = songs[static_cast<size_t>(index)];
   songInfo *cell = nullptr;
   if (num != kObjectPath) cell = NamedCell(song, num);
   if (cell == nullptr && num >= 0) {

@@ -17,7 +17,7 @@ void Store(ByteString &text, std::string_view bytes, uint32_t type, TextArena *a
   if (arena == nullptr || !text.empty() || bytes.size() <= ByteString::kNearRoom) {
     text.Append(bytes);
   } else {
-    text.Append(arena->Keep(bytes, type), ByteString::Keep::Borrow);
+    text.Append(arena->Keep(bytes, type));
   }
 }
 

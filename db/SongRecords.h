@@ -7,6 +7,7 @@
 #include "db/ByteString.h"
 #include "db/ChunkFormat.h"
 #include "db/TextArena.h"
+#include "db/TrackID.h"
 
 // One text cell: `idx` is the type number of the data object that filled it (little-endian files), -1 where
 // none did, -100 for the track/total text, or a group number; `enc` is the encoding code of `obj`'s raw
@@ -54,7 +55,7 @@ enum ObjectNumber : int32_t {
 class CSongList {
  public:
   int32_t error = 0;
-  int32_t id = 0;
+  TrackID id;
   int32_t res[4] = {};
   trackParam track;
   uint32_t duration = 0;    // milliseconds
@@ -112,8 +113,8 @@ class CSongList {
   // Files one data object of a track into the song. `fsbb` is the object's header in values, `objPtr` points
   // at offset 0x28 of the object, `_encode` is the word at 0x18 most significant byte first, `libType` the
   // variant. Returns 1 when something was stored, 0 otherwise. May swap the object's bytes in place (one byte
-  // past an odd text included); the caller has checked that the text or raw body is all there. With an arena,
-  // which must outlive the song, the text is kept there.
+  // past an odd text included); the caller has checked that the text or raw body is all there. With an arena
+  // the text is kept there.
   int32_t SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
                  TextArena *arena = nullptr);
 

@@ -3,6 +3,10 @@
 #include <new>
 
 void SongTable::IndexIDs() const {
+  if (changes_ != TrackID::Changes()) {
+    ForgetIDs();
+    changes_ = TrackID::Changes();
+  }
   if (indexed_ == 0 && !songs_.empty()) ids_.Reserve(songs_.size());
   for (; indexed_ < songs_.size(); ++indexed_) ids_.Add(songs_[indexed_].id, static_cast<int32_t>(indexed_));
 }
@@ -10,8 +14,8 @@ void SongTable::IndexIDs() const {
 void SongTable::SetID(size_t i, int32_t id) {
   const int32_t old = songs_[i].id;
   if (old == id) return;
-  songs_[i].id = id;
-  if (i >= indexed_) return;
+  songs_[i].id.SetUncounted(id);
+  if (i >= indexed_ || changes_ != TrackID::Changes()) return;
   try {
     const auto index = static_cast<int32_t>(i);
     if (ids_.Remove(old) != 0 && ids_.Find(old) == index) {

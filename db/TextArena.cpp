@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -11,16 +12,18 @@ constexpr size_t kLargestBlock = size_t{8} << 20;
 
 }  // namespace
 
-std::string_view TextArena::Keep(std::string_view bytes) {
-  if (bytes.size() > blockSize_ - used_) {
-    const size_t doubled = std::clamp(2 * blockSize_, kFirstBlock, kLargestBlock);
-    const size_t size = std::max(doubled, bytes.size());
-    blocks_.push_back(MakeLargeBuffer(size));
-    blockSize_ = size;
+BlockText TextArena::Keep(std::string_view bytes) {
+  if (blocks_.empty() || bytes.size() > blockRoom_ - used_) {
+    const size_t block = std::clamp(2 * (blockRoom_ + sizeof(TextBlock)), kFirstBlock, kLargestBlock);
+    const size_t room = std::max(block - sizeof(TextBlock), bytes.size());
+    BlockUse made(TextBlock::Make(room));
+    blocks_.push_back(std::move(made));
+    blockRoom_ = room;
     used_ = 0;
   }
-  auto *at = reinterpret_cast<char *>(blocks_.back().get()) + used_;
+  TextBlock *block = blocks_.back().get();
+  char *at = block->Bytes() + used_;
   std::memcpy(at, bytes.data(), bytes.size());
   used_ += bytes.size();
-  return {at, bytes.size()};
+  return {{at, bytes.size()}, block};
 }

@@ -95,7 +95,7 @@ void ZemRbiTunesDB_SetIntegerData(REALobject instance, int32_t selector, int32_t
                                   int32_t value) {
   CiTunesDB *db = Database(instance);
   if (db == nullptr || !db->songs.Has(index)) return;
-  CSongList &song = db->songs.KeepingID(static_cast<size_t>(index));
+  CSongList &song = db->songs[static_cast<size_t>(index)];
   const auto word = static_cast<uint32_t>(value);
   switch (selector) {
     case kProp:

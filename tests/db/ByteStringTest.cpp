@@ -10,10 +10,33 @@ namespace db_test {
 namespace {
 
 using namespace std::string_literals;
-using Keep = ByteString::Keep;
 
 // Longer than what fits inside the object itself.
 const std::string kLong = "a text that lives on the heap";
+
+// A block that holds the bytes behind a few others, in use until the end of the test.
+class Block {
+ public:
+  explicit Block(const std::string &bytes) : block_(TextBlock::Make(bytes.size() + 5)), size_(bytes.size()) {
+    bytes.copy(block_->Bytes() + 5, size_);
+  }
+  Block(const Block &) = delete;
+  Block &operator=(const Block &) = delete;
+  ~Block() { block_->Drop(); }
+
+  [[nodiscard]] BlockText Text() const { return Text(size_); }
+  [[nodiscard]] BlockText Text(size_t n) const { return {{block_->Bytes() + 5, n}, block_}; }
+
+ private:
+  TextBlock *block_;
+  size_t size_;
+};
+
+ByteString Sharing(const Block &block) {
+  ByteString text;
+  text.Append(block.Text());
+  return text;
+}
 
 TEST(ByteString, FreshOneIsEmpty) {
   const ByteString text{};
@@ -42,63 +65,74 @@ TEST(ByteString, OwnsACopyOfWhatItIsMadeFrom) {
   }
 }
 
-TEST(ByteString, BorrowedBytesAreReadWhereTheyStand) {
-  for (std::string source : {"abc"s, kLong}) {
-    ByteString text;
-    text.Append(source, Keep::Borrow);
-    EXPECT_EQ(text.data(), source.data());
-    source[0] = 'Z';
-    EXPECT_EQ(text.View(), source);
+TEST(ByteString, SharedBytesAreReadWhereTheyStand) {
+  for (const std::string &bytes : {"abc"s, kLong}) {
+    const Block block(bytes);
+    EXPECT_EQ(Sharing(block).data(), block.Text().bytes.data());
+    EXPECT_EQ(Sharing(block).View(), bytes);
   }
 }
 
-TEST(ByteString, CopyOfABorrowedTextOwnsItsBytes) {
-  std::string source = kLong;
-  ByteString text;
-  text.Append(source, Keep::Borrow);
+TEST(ByteString, CopyOfASharedTextOwnsItsBytes) {
+  const Block block(kLong);
+  const ByteString text = Sharing(block);
   const ByteString copy(text);
   ByteString assigned("old");
   assigned = text;
-  source.assign(source.size(), 'x');
   EXPECT_EQ(copy.View(), kLong);
   EXPECT_EQ(assigned.View(), kLong);
+  EXPECT_NE(copy.data(), text.data());
+  EXPECT_NE(assigned.data(), text.data());
 }
 
-TEST(ByteString, MoveOfABorrowedTextStillBorrows) {
-  const std::string source = kLong;
-  ByteString text;
-  text.Append(source, Keep::Borrow);
+TEST(ByteString, MoveOfASharedTextPassesTheShareOn) {
+  const Block block(kLong);
+  ByteString text = Sharing(block);
   const ByteString moved(std::move(text));
-  EXPECT_EQ(moved.data(), source.data());
+  EXPECT_EQ(moved.data(), block.Text().bytes.data());
+  ByteString assigned = Sharing(block);
+  assigned = Sharing(block);
+  EXPECT_EQ(assigned.data(), block.Text().bytes.data());
 }
 
-TEST(ByteString, AppendToABorrowedTextCopiesBothParts) {
-  const std::string source = "borrowed bytes";
-  ByteString text;
-  text.Append(source, Keep::Borrow);
-  text.Append("+", Keep::Borrow);
-  EXPECT_EQ(source, "borrowed bytes");
-  EXPECT_EQ(text.View(), "borrowed bytes+");
-  EXPECT_NE(text.data(), source.data());
+TEST(ByteString, SharedBytesLiveAsLongAsTheLastText) {
+  ByteString last;
+  {
+    std::vector<ByteString> texts;
+    const Block block(kLong);
+    for (int i = 0; i < 5; ++i) texts.push_back(Sharing(block));
+    last = std::move(texts[2]);
+  }
+  EXPECT_EQ(last.View(), kLong);
 }
 
-TEST(ByteString, AppendToAShortBorrowedTextLeavesTheSourceAlone) {
-  std::string source = "ab";
+TEST(ByteString, AppendToASharedTextCopiesBothParts) {
+  const Block block("shared bytes");
+  ByteString text = Sharing(block);
+  text.Append(Block("+").Text());
+  EXPECT_EQ(block.Text().bytes, "shared bytes");
+  EXPECT_EQ(text.View(), "shared bytes+");
+  EXPECT_NE(text.data(), block.Text().bytes.data());
+}
+
+TEST(ByteString, AppendToAShortSharedTextLeavesTheBlockAlone) {
+  const Block block("ab");
   ByteString text;
-  text.Append({source.data(), 1}, Keep::Borrow);
+  text.Append(block.Text(1));
   text.Append("X");
-  EXPECT_EQ(source, "ab");
+  EXPECT_EQ(block.Text().bytes, "ab");
   EXPECT_EQ(text.View(), "aX");
 }
 
 TEST(ByteString, AppendOfNothingChangesNothing) {
-  const std::string source = kLong;
+  const Block block(kLong);
   ByteString text;
-  text.Append("", Keep::Borrow);
-  EXPECT_TRUE(text.empty());
-  text.Append(source, Keep::Borrow);
   text.Append("");
-  EXPECT_EQ(text.data(), source.data());
+  text.Append(block.Text(0));
+  EXPECT_TRUE(text.empty());
+  text.Append(block.Text());
+  text.Append("");
+  EXPECT_EQ(text.data(), block.Text().bytes.data());
 }
 
 TEST(ByteString, SelfAssignmentKeepsTheText) {
@@ -132,29 +166,27 @@ TEST(ByteString, EqualityIsThatOfTheBytes) {
   EXPECT_FALSE(ByteString("ab") == ByteString("aB"));
   EXPECT_FALSE(ByteString("abc") == ByteString("abcd"));
   EXPECT_EQ(ByteString("a\0b"s), "a\0b"s);
-  std::string source = kLong;
-  ByteString borrowed;
-  borrowed.Append(source, Keep::Borrow);
-  EXPECT_EQ(borrowed, ByteString(kLong));
+  const Block block(kLong);
+  EXPECT_EQ(Sharing(block), ByteString(kLong));
 }
 
 TEST(ByteString, VectorOfTextsMayMoveThemAbout) {
-  std::string source = kLong;
+  const Block block(kLong);
   std::vector<ByteString> texts;
   for (size_t i = 0; i < 100; ++i) {
     texts.emplace_back(std::string(i, 'n'));
-    texts.emplace_back();
-    texts.back().Append(source, Keep::Borrow);
+    texts.push_back(Sharing(block));
   }
   for (size_t i = 0; i < 100; ++i) {
     EXPECT_EQ(texts[2 * i].View(), std::string(i, 'n'));
-    EXPECT_EQ(texts[2 * i + 1].data(), source.data());
+    EXPECT_EQ(texts[2 * i + 1].data(), block.Text().bytes.data());
   }
 }
 
 TEST(ByteString, RandomUseGivesWhatAStdStringGives) {
   samples::Random random(4);
   const std::string source(64, 's');
+  const Block block(source);
   for (int round = 0; round < 500; ++round) {
     ByteString text;
     std::string expected;
@@ -162,7 +194,7 @@ TEST(ByteString, RandomUseGivesWhatAStdStringGives) {
       const std::string piece(random.Below(12), static_cast<char>('a' + random.Below(26)));
       switch (random.Below(5)) {
         case 0:
-          text.Append(std::string_view(source).substr(0, piece.size()), Keep::Borrow);
+          text.Append(block.Text(piece.size()));
           expected += source.substr(0, piece.size());
           break;
         case 1: {

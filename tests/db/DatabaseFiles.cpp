@@ -1,5 +1,6 @@
 #include "tests/db/DatabaseFiles.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,23 @@ std::string HighByteFirst(const std::u16string &text) {
     bytes += static_cast<char>(unit & 0xff);
   }
   return bytes;
+}
+
+ssize_t FailingFile::Read(void *cookie, char *buffer, size_t n) {
+  auto *file = static_cast<FailingFile *>(cookie);
+  if (file->at >= file->failsAt) return -1;
+  n = std::min(n, file->failsAt - file->at);
+  file->bytes.copy(buffer, n, file->at);
+  file->at += n;
+  return static_cast<ssize_t>(n);
+}
+
+int FailingFile::Seek(void *cookie, off64_t *offset, int whence) {
+  auto *file = static_cast<FailingFile *>(cookie);
+  const size_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file->at : file->bytes.size();
+  file->at = base + static_cast<size_t>(*offset);
+  *offset = static_cast<off64_t>(file->at);
+  return 0;
 }
 
 std::string SmallLibrary(Variant variant) {

@@ -29,6 +29,17 @@ class MemoryFile {
   OwnedFile file_;
 };
 
+// A stream that has all the bytes by its size and fails to deliver them from `failsAt` on.
+struct FailingFile {
+  std::string bytes;
+  size_t failsAt;
+  size_t at = 0;
+
+  static ssize_t Read(void *cookie, char *buffer, size_t n);
+  static int Seek(void *cookie, off64_t *offset, int whence);
+  OwnedFile Open() { return OwnedFile(fopencookie(this, "rb", {Read, nullptr, Seek, nullptr})); }
+};
+
 inline int32_t Load(CiTunesDB &database, const std::string &bytes) {
   return database.LoadiTunesDB(MemoryFile(bytes).Stream());
 }

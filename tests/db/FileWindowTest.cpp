@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,14 +9,10 @@
 #include "db/FileWindow.h"
 #include "db/TextArena.h"
 #include "samples/GeneratedLibrary.h"
+#include "tests/db/DatabaseFiles.h"
 
 namespace db_test {
 namespace {
-
-struct Closer {
-  void operator()(FILE *file) const { std::fclose(file); }
-};
-using Stream = std::unique_ptr<FILE, Closer>;
 
 // A file of `size` bytes that differ from their neighbours far and near.
 std::string Bytes(size_t size) {
@@ -26,8 +21,8 @@ std::string Bytes(size_t size) {
   return bytes;
 }
 
-Stream StreamOf(const std::string &bytes) {
-  Stream stream(std::tmpfile());
+OwnedFile StreamOf(const std::string &bytes) {
+  OwnedFile stream(std::tmpfile());
   EXPECT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), stream.get()), bytes.size());
   return stream;
 }
@@ -38,7 +33,7 @@ std::string Shown(FileWindow &window, uint32_t at, size_t n) {
 }
 
 TEST(FileWindow, HoldsARangeThatLiesInsideTheFile) {
-  const Stream stream = StreamOf(Bytes(19));
+  const OwnedFile stream = StreamOf(Bytes(19));
   const FileWindow window(stream.get());
   EXPECT_EQ(window.Size(), 19U);
   EXPECT_TRUE(window.Holds(0, 19));
@@ -51,7 +46,7 @@ TEST(FileWindow, HoldsARangeThatLiesInsideTheFile) {
 }
 
 TEST(FileWindow, BytesPastTheEndReadZero) {
-  const Stream stream = StreamOf(std::string(19, 'x'));
+  const OwnedFile stream = StreamOf(std::string(19, 'x'));
   FileWindow window(stream.get());
   EXPECT_EQ(Shown(window, 0, 19 + FileWindow::kSpare),
             std::string(19, 'x') + std::string(FileWindow::kSpare, '\0'));
@@ -60,7 +55,7 @@ TEST(FileWindow, BytesPastTheEndReadZero) {
 
 TEST(FileWindow, ShowsEveryStretchOfAFileMuchLargerThanItself) {
   const std::string bytes = Bytes(3000000);
-  const Stream stream = StreamOf(bytes);
+  const OwnedFile stream = StreamOf(bytes);
   FileWindow window(stream.get());
   samples::Random random(7);
   for (uint32_t at = 0; at < bytes.size();) {
@@ -74,7 +69,7 @@ TEST(FileWindow, ShowsEveryStretchOfAFileMuchLargerThanItself) {
 
 TEST(FileWindow, KeepsWhatIsWrittenUntilALaterPlaceIsAskedFor) {
   const std::string bytes = Bytes(1000000);
-  const Stream stream = StreamOf(bytes);
+  const OwnedFile stream = StreamOf(bytes);
   FileWindow window(stream.get());
   for (uint32_t at = 0; at + 1001 < bytes.size(); at += 1000) {
     uint8_t *chunk = window.At(at, 1001);
@@ -86,36 +81,10 @@ TEST(FileWindow, KeepsWhatIsWrittenUntilALaterPlaceIsAskedFor) {
 }
 
 TEST(FileWindow, StreamShorterThanAChunkHeaderIsRefused) {
-  const Stream stream = StreamOf(Bytes(15));
+  const OwnedFile stream = StreamOf(Bytes(15));
   EXPECT_THAT([&] { FileWindow window(stream.get()); },
               testing::ThrowsMessage<FileUnreadable>("the file cannot be read"));
 }
-
-// A stream that reports `size` bytes and fails to deliver them from `failsAt` on.
-struct FailingFile {
-  std::string bytes;
-  size_t failsAt;
-  size_t at = 0;
-
-  static ssize_t Read(void *cookie, char *buffer, size_t n) {
-    auto *file = static_cast<FailingFile *>(cookie);
-    if (file->at >= file->failsAt) return -1;
-    n = std::min(n, file->failsAt - file->at);
-    file->bytes.copy(buffer, n, file->at);
-    file->at += n;
-    return static_cast<ssize_t>(n);
-  }
-
-  static int Seek(void *cookie, off64_t *offset, int whence) {
-    auto *file = static_cast<FailingFile *>(cookie);
-    const size_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file->at : file->bytes.size();
-    file->at = base + static_cast<size_t>(*offset);
-    *offset = static_cast<off64_t>(file->at);
-    return 0;
-  }
-
-  Stream Open() { return Stream(fopencookie(this, "rb", {Read, nullptr, Seek, nullptr})); }
-};
 
 TEST(Loader, FileThatCannotBeReadToItsEndChangesNothing) {
   const samples::GeneratedLibrary library{.seed = 3, .songs = 1500, .playlists = 3, .entries = 40};
@@ -123,7 +92,7 @@ TEST(Loader, FileThatCannotBeReadToItsEndChangesNothing) {
   for (const size_t failsAt : {size_t{10}, file.bytes.size() / 2, file.bytes.size() - 1}) {
     file.failsAt = failsAt;
     CiTunesDB db;
-    const Stream stream = file.Open();
+    const OwnedFile stream = file.Open();
     EXPECT_EQ(db.LoadiTunesDB(stream.get()), 0) << failsAt;
     EXPECT_TRUE(db.songs.empty());
     EXPECT_TRUE(db.plays.empty());
@@ -133,7 +102,7 @@ TEST(Loader, FileThatCannotBeReadToItsEndChangesNothing) {
   }
   file.failsAt = file.bytes.size();
   CiTunesDB db;
-  const Stream stream = file.Open();
+  const OwnedFile stream = file.Open();
   EXPECT_EQ(db.LoadiTunesDB(stream.get()), 1);
   EXPECT_EQ(db.songs.size(), 1500U);
 }
@@ -144,7 +113,7 @@ TEST(Loader, EndOfAFileIsReadEvenWhenTheWalkStopsBefore) {
   file.bytes.replace(4, 4, std::string(4, '\0'));  // an advance of 0
   file.failsAt = file.bytes.size() - 1;
   CiTunesDB db;
-  const Stream stream = file.Open();
+  const OwnedFile stream = file.Open();
   EXPECT_EQ(db.LoadiTunesDB(stream.get()), 0);
 }
 
@@ -154,7 +123,7 @@ TEST(TextArena, KeepsEveryTextWhereItIs) {
   std::vector<std::pair<std::string, std::string_view>> texts;
   for (int i = 0; i < 20000; ++i) {
     const std::string text = Bytes(random.OneIn(500) ? random.Below(200000) : random.Below(60));
-    texts.emplace_back(text, arena.Keep(text));
+    texts.emplace_back(text, arena.Keep(text).bytes);
   }
   for (const auto &[text, kept] : texts) ASSERT_EQ(kept, text);
 }

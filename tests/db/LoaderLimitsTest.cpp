@@ -167,6 +167,24 @@ TEST_P(Cursor, EndsAtAnObjectOfTotalLengthZero) {
   EXPECT_TRUE(std::as_const(database).songs[0].album.obj.empty());
 }
 
+TEST_P(Cursor, EndsAtAnObjectOfTotalLengthZeroBeforeItsBodyIsStored) {
+  // By its negative header length the raw body would have 20 bytes.
+  samples::DataObject object = samples::RawObject(1, std::string(20, 'x'));
+  object.headerLength = 0xffffffec;
+  object.totalLength = 0;
+  for (const uint32_t type : {1U, 2U, 50U}) {
+    object.type = type;
+    ChunkWriter out = File();
+    out.Begin(Kind::Track, 0xd4);
+    AppendObject(out, object);
+    CiTunesDB database;
+    ASSERT_EQ(Load(database, out.Bytes()), 1);
+    EXPECT_TRUE(database.songs[0].title.obj.empty());
+    EXPECT_TRUE(database.songs[0].unknown.empty());
+    EXPECT_EQ(database.odcount, -1) << "it counts even so";
+  }
+}
+
 TEST_P(Cursor, EndsAtANegativeAdvanceOrOnePastTheEnd) {
   for (const uint32_t jump : {0x80000000U, 0xfffffff0U, 0xffffffffU, 0x7fffffffU, 0x10000U}) {
     ChunkWriter out = File();

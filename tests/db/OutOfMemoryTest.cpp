@@ -112,7 +112,7 @@ TEST(SongTableOutOfMemory, IDsThatTheIndexHasNoRoomForAreFoundOnceThereIsSome) {
   SongTable songs;
   // Room for the first song's ID is enough for those that have the same.
   for (int32_t i = 0; i < kSongs; ++i) {
-    songs.Append().id = 5;
+    songs.Append(5);
     songs.IndexIDs();
   }
   support::GrantAllocations(0);

@@ -14,6 +14,7 @@ model::Cell PlainCell(const songInfo &cell) { return {cell.idx, cell.enc, std::s
 
 model::Song Plain(const CSongList &song) {
   model::Song plain;
+  plain.error = song.error;
   plain.id = song.id;
   std::copy(std::begin(song.res), std::end(song.res), plain.res);
   plain.number = song.track.num;
@@ -32,6 +33,7 @@ model::Song Plain(const CSongList &song) {
   plain.artist = PlainCell(song.artist);
   plain.genre = PlainCell(song.genre);
   plain.filetype = PlainCell(song.filetype);
+  plain.comment = PlainCell(song.comment);
   plain.composer = PlainCell(song.composer);
   for (const songInfo &other : song.unknown) plain.unknown.push_back(PlainCell(other));
   return plain;
@@ -40,9 +42,16 @@ model::Song Plain(const CSongList &song) {
 model::Database Plain(const CiTunesDB &database) {
   model::Database plain;
   plain.libType = database.libType;
+  plain.useSJIS = database.useSJIS ? 1 : 0;
+  plain.volumeName = database.vln.View();
+  plain.listType = database.listType;
+  plain.infoType = database.infoType;
+  plain.odcount = database.odcount;
+  if (database.tarSong != nullptr) plain.tarSong = database.tarSong - &database.songs[0];
+  if (database.tarPlay != nullptr) plain.tarPlay = database.tarPlay - &database.plays[0];
   for (const CSongList &song : database.songs) plain.songs.push_back(Plain(song));
   for (const CPlayList &list : database.plays) {
-    model::Playlist playlist{list.listType, list.listTypeII, PlainCell(list.name), {}};
+    model::Playlist playlist{list.error, list.listType, list.listTypeII, PlainCell(list.name), {}};
     for (const refidx &entry : list.refnum) {
       playlist.entries.push_back({entry.ref, entry.idx, entry.ply, entry.flg});
     }
@@ -77,7 +86,9 @@ void DescribeSong(std::ostream &out, const model::Song &song) {
 
 std::string Describe(const model::Database &database) {
   std::ostringstream out;
-  out << "variant " << database.libType << '\n';
+  out << "variant " << database.libType << ", list type " << database.listType << ", record type "
+      << database.infoType << ", objects to come " << database.odcount << ", song " << database.tarSong
+      << ", playlist " << database.tarPlay << '\n';
   for (const model::Song &song : database.songs) DescribeSong(out, song);
   for (const model::Playlist &list : database.plays) {
     out << "playlist " << list.listType << ' ' << list.listTypeII;

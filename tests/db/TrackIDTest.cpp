@@ -97,18 +97,81 @@ TEST(FindRefIdx, SeesAnIDSetInTheRecord) {
   EXPECT_EQ(database.FindRefIdx(1001), 0);
 }
 
+TEST(FindRefIdx, SeesAnIDSetThroughARecordThatWasKept) {
+  CiTunesDB database;
+  ASSERT_EQ(Load(database, SmallLibrary(samples::Variant::LittleEndian)), 1);
+  CSongList &kept = database.songs[1];
+  const auto last = database.songs.end() - 1;
+  EXPECT_EQ(database.FindRefIdx(53), 1);
+  kept.id = 60;
+  EXPECT_EQ(database.FindRefIdx(60), 1);
+  EXPECT_EQ(database.FindRefIdx(53), 2);
+  last->id = 61;
+  EXPECT_EQ(database.FindRefIdx(61), 2);
+  EXPECT_EQ(database.FindRefIdx(53), 0);
+  database.tarSong->id = 62;
+  EXPECT_EQ(database.FindRefIdx(62), 2);
+  EXPECT_EQ(database.FindRefIdx(61), 0);
+  CSongList &first = *database.songs.begin();
+  EXPECT_EQ(database.FindRefIdx(62), 2);
+  std::swap(first, kept);
+  EXPECT_EQ(database.FindRefIdx(52), 1);
+  EXPECT_EQ(database.FindRefIdx(60), 0);
+  std::swap(first.id, last->id);
+  EXPECT_EQ(database.FindRefIdx(60), 2);
+  CSongList other;
+  other.id = 63;
+  *last = other;
+  EXPECT_EQ(database.FindRefIdx(63), 2);
+  EXPECT_EQ(database.FindRefIdx(60), 0);
+}
+
+TEST(FindRefIdx, SeesAnIDSetThroughItsPropAfterOneInAKeptRecord) {
+  CiTunesDB database;
+  for (const int32_t id : {10, 11, 12, 12}) AddSong(database, id);
+  CSongList &last = database.songs[3];
+  EXPECT_EQ(database.FindRefIdx(12), 2);
+  last.id = 20;
+  database.SetSongsProp(2, -1, 21);  // of the two songs that had the ID none is left
+  EXPECT_EQ(database.FindRefIdx(12), 0);
+  EXPECT_EQ(database.FindRefIdx(20), 3);
+  EXPECT_EQ(database.FindRefIdx(21), 2);
+}
+
+TEST(FindRefIdx, OfEachDatabaseSeesItsOwnChanges) {
+  CiTunesDB one;
+  CiTunesDB two;
+  for (int32_t i = 0; i < 4; ++i) {
+    AddSong(one, 10 + i);
+    AddSong(two, 20 + i);
+  }
+  CSongList &ofOne = one.songs[2];
+  CSongList &ofTwo = two.songs[3];
+  EXPECT_EQ(one.FindRefIdx(12), 2);
+  EXPECT_EQ(two.FindRefIdx(23), 3);
+  ofOne.id = 30;
+  ofTwo.id = 31;
+  EXPECT_EQ(one.FindRefIdx(30), 2);
+  EXPECT_EQ(one.FindRefIdx(31), 0);
+  EXPECT_EQ(two.FindRefIdx(31), 3);
+  EXPECT_EQ(two.FindRefIdx(22), 2);
+}
+
 TEST(FindRefIdx, IsAWalkOverTheSongsWhateverHappens) {
   Random random(41);
   for (int round = 0; round < 60; ++round) {
     CiTunesDB database;
+    database.songs.reserve(400);  // so that records that are kept stay where they are
+    std::vector<CSongList *> kept;
     const uint32_t ids = 1 + random.Below(round % 3 == 0 ? 8 : 400);
     const auto anyID = [&] { return static_cast<int32_t>(random.Below(ids)) - 3; };
     for (int step = 0; step < 400; ++step) {
       const size_t count = database.songs.size();
-      switch (random.Below(6)) {
+      switch (random.Below(7)) {
         case 0:
         case 1:
           AddSong(database, anyID());
+          kept.push_back(&database.songs.back());
           break;
         case 2:
           database.SetSongsProp(static_cast<int32_t>(random.Below(static_cast<uint32_t>(count + 1))), -1,
@@ -118,7 +181,13 @@ TEST(FindRefIdx, IsAWalkOverTheSongsWhateverHappens) {
           if (count > 0) database.songs[random.Below(static_cast<uint32_t>(count))].id = anyID();
           break;
         case 4:
-          if (count > 0 && random.OneIn(4)) database.songs.pop_back();
+          if (count > 0 && random.OneIn(4)) {
+            database.songs.pop_back();
+            kept.pop_back();
+          }
+          break;
+        case 5:
+          if (count > 0) kept[random.Below(static_cast<uint32_t>(count))]->id = anyID();
           break;
         default:
           break;

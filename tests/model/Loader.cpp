@@ -80,28 +80,34 @@ class Walk {
     return chunk.code == code || (chunk.code == bigCode && chunk.pad == bigPad);
   }
 
+  Playlist &OpenPlaylist() { return database_.plays[static_cast<size_t>(database_.tarPlay)]; }
+
   // Takes in one chunk and returns how far to go on.
   uint32_t ReadChunk(int64_t at) {
     const Header chunk = {Bytes(at, 2), Bytes(at + 2, 2), Word(at + 4), Word(at + 8), Word(at + 12)};
     if (Is(chunk, "sd", "sm", "hd")) {
-      listType_ = chunk.count;
+      database_.listType = static_cast<int32_t>(chunk.count);
     } else if (Is(chunk, "lt", "lm", "ht") || Is(chunk, "lp", "lm", "hp")) {
       // Only announces how many tracks or playlists follow.
     } else if (Is(chunk, "it", "im", "ht")) {
+      database_.infoType = Little() ? 1 : 5;
+      database_.odcount = static_cast<int32_t>(chunk.myLen);
       ReadTrack(at);
     } else if (Is(chunk, "yp", "im", "hp")) {
-      ReadPlaylist(at, chunk);
+      database_.infoType = Little() ? 2 : 6;
+      if (database_.listType == 2) ReadPlaylist(at, chunk);
     } else if (Is(chunk, "ip", "tm", "hp")) {
-      ReadEntry(at);
+      database_.infoType = Little() ? 3 : 7;
+      if (database_.listType == 2) ReadEntry(at, chunk);
     } else if (Is(chunk, "od", "hm", "ho")) {
-      ReadObject(at, chunk);
+      database_.odcount = static_cast<int32_t>(int64_t{database_.odcount} - 1);
+      if (chunk.myLen != 0) ReadObject(at, chunk);
       return chunk.myLen;
     }
     return chunk.jump;
   }
 
   void ReadTrack(int64_t at) {
-    filling_ = Filling::Track;
     Song song;
     song.id = static_cast<int32_t>(Word(at + 0x10));
     song.res[0] = static_cast<int32_t>(Word(at + 0x14));
@@ -119,6 +125,7 @@ class Walk {
     song.mediaType = Word(at + 0xd0);
     song.trackInfo.text += TrackText(song.number, song.total);
     database_.songs.push_back(song);
+    database_.tarSong = static_cast<int64_t>(database_.songs.size()) - 1;
   }
 
   static std::string TrackText(uint32_t number, uint32_t total) {
@@ -138,32 +145,33 @@ class Walk {
   }
 
   void ReadPlaylist(int64_t at, const Header &chunk) {
-    filling_ = Filling::Playlist;
-    if (listType_ != 2) return;
+    database_.odcount = static_cast<int32_t>(chunk.myLen);
     Playlist playlist;
     playlist.listType = static_cast<int32_t>(chunk.count);
     playlist.listTypeII = Byte(at + 0x2c);
     database_.plays.push_back(playlist);
+    database_.tarPlay = static_cast<int64_t>(database_.plays.size()) - 1;
   }
 
-  void ReadEntry(int64_t at) {
-    filling_ = Filling::Entry;
-    if (listType_ != 2 || database_.plays.empty()) return;
+  void ReadEntry(int64_t at, const Header &chunk) {
+    database_.odcount = static_cast<int32_t>(chunk.myLen);
+    if (database_.tarPlay < 0) return;
     Entry entry;
     entry.ref = static_cast<int32_t>(Word(at + 0x18));
     entry.idx = FindRefIdx(database_.songs, entry.ref);
     entry.ply = static_cast<int32_t>(Word(at + 0x10));
-    database_.plays.back().entries.push_back(entry);
+    OpenPlaylist().entries.push_back(entry);
   }
 
   void ReadObject(int64_t at, const Header &chunk) {
     if (chunk.myLen > size_ - at) return;
     if (Word(at + 0x14) != 0) return;
     const uint32_t encodingWord = PlainWord(at + 0x18);
-    if (filling_ == Filling::Track) {
+    const int32_t kind = database_.infoType;
+    if ((kind == 1 || kind == 5) && database_.tarSong >= 0) {
       FileTrackObject(at, chunk, encodingWord);
-    } else if (filling_ == Filling::Playlist && listType_ == 2 && !database_.plays.empty()) {
-      FilePlaylistObject(at, chunk, encodingWord, database_.plays.back().name);
+    } else if ((kind == 2 || kind == 6) && database_.listType == 2 && database_.tarPlay >= 0) {
+      FilePlaylistObject(at, chunk, encodingWord, OpenPlaylist().name);
     }
   }
 
@@ -180,7 +188,7 @@ class Walk {
       if (reaching_ > 8 * size_) return;
     }
     if (length == 0) return;
-    Song &song = database_.songs.back();
+    Song &song = database_.songs[static_cast<size_t>(database_.tarSong)];
     if (Little()) {
       if (isText) SwapPairs(start, length);
       FileLittleObject(song, chunk.count, stored, Bytes(start, length));
@@ -245,13 +253,9 @@ class Walk {
     name.enc = encodingWord;
   }
 
-  enum class Filling { Nothing, Track, Playlist, Entry };
-
   Database &database_;
   std::string image_;
   int64_t size_;
-  uint32_t listType_ = 0;
-  Filling filling_ = Filling::Nothing;
   int64_t reaching_ = 0;
 };
 

@@ -104,6 +104,20 @@ TEST(ModelLoader, FilesLittleEndianObjectsByType) {
               testing::ElementsAre(model::Cell{8, kLittleText, "\0d"s}, model::Cell{100, 0, "raw"}));
 }
 
+TEST(ModelLoader, EndsAtAnObjectOfTotalLengthZeroBeforeItsBodyIsStored) {
+  DataObject object = samples::RawObject(1, std::string(20, 'x'));
+  object.headerLength = 0xffffffec;
+  object.totalLength = 0;
+  for (const uint32_t type : {1U, 2U, 50U}) {
+    object.type = type;
+    for (const Variant variant : {Variant::LittleEndian, Variant::BigEndian}) {
+      const model::Song song = OnlySong(OneTrack(variant, {object}));
+      EXPECT_EQ(song.title.text, "");
+      EXPECT_THAT(song.unknown, testing::IsEmpty());
+    }
+  }
+}
+
 TEST(ModelLoader, FilesBigEndianObjectsByTypeAndDropsOthers) {
   const model::Song song = OnlySong(OneTrack(
       Variant::BigEndian, {samples::TextObject(2, u"ab"), samples::TextObject(8, u"d"),

@@ -36,6 +36,7 @@ struct Song {
   Cell artist = {-1, 0, ""};
   Cell genre = {-1, 0, ""};
   Cell filetype{};
+  Cell comment{};
   Cell composer = {-1, 0, ""};
   std::vector<Cell> unknown{};
 
@@ -52,6 +53,7 @@ struct Entry {
 };
 
 struct Playlist {
+  int32_t error = 0;
   int32_t listType = 0;
   int32_t listTypeII = 0;
   Cell name = {-1, 0, ""};
@@ -66,6 +68,13 @@ struct Database {
   std::vector<Song> songs{};
   std::vector<Playlist> plays{};
   std::string volumeName{};
+
+  // Where the walk over the last file stood at its end; the next one goes on from there.
+  int32_t listType = 0;
+  int32_t infoType = 0;
+  int32_t odcount = 0;
+  int64_t tarSong = -1;  // positions, -1 for none
+  int64_t tarPlay = -1;
 
   friend bool operator==(const Database &, const Database &) = default;
 };

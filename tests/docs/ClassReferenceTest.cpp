@@ -9,8 +9,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <map>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -25,7 +27,9 @@ namespace docs_test {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::Not;
+using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 using zemhost::FolderItem;
 using zemhost::Kind;
@@ -308,6 +312,50 @@ TEST_F(ClassReference, StatesThatComparisonsTakeSongZeroForAnEntryThatIsNotThere
     EXPECT_EQ(Answer(method, {kPlaylists, kEntryOfSongOne, kEntryOfSongZero}), "True");
     EXPECT_EQ(Answer(method, {0, kEntryOfSongOne, kEntryOfSongZero}), "False");
   }
+}
+
+TEST_F(ClassReference, StatesTheWordsOfGetProp) {
+  const std::map<int32_t, const char *> methods = {
+      {-1, "GetID"},      {3, "GetDataAdded"}, {4, "GetNumOfTrack"}, {5, "GetTotalTrack"},
+      {6, "GetDuration"}, {7, "GetFileSize"},  {8, "GetBitrate"},    {9, "GetSamplerate"},
+  };
+  std::set<int32_t> stated;
+  for (const Cells &row : RowsOf(Document(), "num", "word")) {
+    if (row[0] == "any other") continue;
+    std::istringstream numbers(row[0]);
+    for (std::string number; std::getline(numbers, number, ',');) stated.insert(std::stoi(number));
+  }
+  EXPECT_THAT(stated, ElementsAre(-2, -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9));
+  for (const auto &[number, method] : methods)
+    EXPECT_EQ(object_.call("GetProp", {1, number}).integer(), object_.call(method, {1}).integer()) << method;
+  EXPECT_EQ(object_.call("GetProp", {1, 0}).integer(), 1);
+  EXPECT_EQ(object_.call("GetProp", {1, 1}).integer(), 2);
+  EXPECT_EQ(object_.call("GetProp", {1, 2}).integer(), 0x10000);
+  for (const int32_t number : {-2, -3, 10, kLeast, kLargest})
+    EXPECT_EQ(object_.call("GetProp", {1, number}).integer(), 0) << number;
+}
+
+TEST_F(ClassReference, StatesTheCodesOfStoredTexts) {
+  std::set<std::string> stated;
+  for (const Cells &row : RowsOf(Document(), "code", "text")) stated.insert(row[0]);
+  const FolderItem file = FolderItem::fromPath(support::SamplesFolder() / "big-endian.library");
+  const zemhost::Object desktop = host_.make("ZemiTunesDB");
+  ASSERT_TRUE(desktop.call("Load", {file}).boolean());
+
+  std::set<std::string> found;
+  const auto meet = [&found](const zemhost::Object &library) {
+    for (int32_t song = 0; song < library.call("CountSongs").integer(); ++song)
+      found.insert(std::to_string(library.call("GetTitleEncode", {song}).integer()));
+    for (int32_t list = 0; list < library.call("CountPlayLists").integer(); ++list)
+      found.insert(std::to_string(library.call("GetPlayListEncode", {list}).integer()));
+  };
+  meet(object_);
+  meet(desktop);
+  EXPECT_THAT(found, UnorderedElementsAre("16777216", "1", "0", "3"));
+  object_.call("SetTitle", {0, "new"});
+  EXPECT_EQ(object_.call("GetTitleEncode", {0}).integer(), 0x08000100);
+  found.insert("the encoding number of a string");
+  EXPECT_EQ(stated, found);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
+#include <system_error>
 
 namespace zemhost {
 
@@ -8,6 +10,9 @@ namespace zemhost {
 class HostError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
+  // "FILE: No such file or directory": the name, and the system's words for the error number.
+  HostError(const std::string &name, int error)
+      : std::runtime_error(name + ": " + std::generic_category().message(error)) {}
 };
 
 }  // namespace zemhost

@@ -94,7 +94,8 @@ class Host {
  public:
   struct Options {
     std::filesystem::path plugin;  // empty: the one of defaultPlugin()
-    double version = 5.9;          // what the host claims to be; below 5.9 reads three-word method entries
+    double version =
+        kFirstVersionWithFourWords;    // what the host claims to be; below it reads three-word method entries
     std::vector<std::string> leftOut;  // services that this host does not offer, by look-up name
   };
 

@@ -50,7 +50,7 @@ class Inflater {
     try {
       writeAll(to_, bytes);
     } catch (const std::system_error &error) {
-      throw PlayerError(toName_ + ": " + error.code().message());
+      throw PlayerError(toName_, error.code().value());
     }
     written_ += bytes.size();
   }
@@ -116,7 +116,7 @@ class Inflater {
     }
     constexpr off_t kTotalLength = 8;
     if (pwrite(to_, word.data(), word.size(), kTotalLength) != static_cast<ssize_t>(word.size()))
-      throw PlayerError(toName_ + ": " + std::generic_category().message(errno));
+      throw PlayerError(toName_, errno);
   }
 
   int from_;
@@ -137,7 +137,7 @@ uint64_t inflateDatabase(int from, const std::string &name, int to, const std::s
   try {
     return Inflater(from, name, to, toName).run();
   } catch (const std::system_error &error) {
-    throw PlayerError(name + ": " + error.code().message());
+    throw PlayerError(name, error.code().value());
   }
 }
 

@@ -1,11 +1,12 @@
 #include "player/DatabaseLocation.h"
 
-#include <algorithm>
+#include <cerrno>
 #include <optional>
-#include <string_view>
+#include <strings.h>
 #include <system_error>
 
 #include "player/Error.h"
+#include "player/PlayerFolders.h"
 
 namespace player {
 
@@ -13,36 +14,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kControlFolder = "iPod_Control";
-constexpr std::string_view kDatabaseFolder = "iTunes";
-constexpr std::string_view kMusicFolder = "Music";
-constexpr std::string_view kDatabaseFile = "iTunesDB";
-constexpr std::string_view kCompressedFile = "iTunesCDB";
-
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool isNamed(const fs::path &path, std::string_view name) {
-  const std::string last = path.filename().string();
-  return std::equal(last.begin(), last.end(), name.begin(), name.end(),
-                    [](char a, char b) { return lowered(a) == lowered(b); });
-}
-
-[[noreturn]] void fail(const fs::path &path, const std::error_code &error) {
-  throw PlayerError(path.string() + ": " + error.message());
+bool isNamed(const fs::path &path, const char *name) {
+  return strcasecmp(path.filename().c_str(), name) == 0;
 }
 
 // What a directory calls `name`: exactly so, else without regard to case, else nothing.
-std::optional<fs::path> childNamed(const fs::path &directory, std::string_view name) {
+std::optional<fs::path> childNamed(const fs::path &directory, const char *name) {
   std::error_code error;
   const fs::path exact = directory / name;
   if (fs::exists(fs::symlink_status(exact, error))) return exact;
   std::optional<fs::path> found;
   fs::directory_iterator entry(directory, error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    // The least of several, so that the answer does not depend on the order of the directory.
+    // Of several the first by name, so that the answer does not depend on the order of the directory.
     if (isNamed(entry->path(), name) && (!found || entry->path() < *found)) found = entry->path();
   }
-  if (error) fail(directory, error);
+  if (error) throw PlayerError(directory.string(), error.value());
   return found;
 }
 
@@ -56,11 +43,13 @@ uintmax_t sizeOf(const fs::path &file) {
 fs::path databaseIn(const fs::path &control, const fs::path &named) {
   const std::optional<fs::path> folder = childNamed(control, kDatabaseFolder);
   if (!folder)
-    throw PlayerError(named.string() + ": no database here: " + control.string() + " has no iTunes folder");
+    throw PlayerError(named.string() + ": no database here: " + control.string() + " has no " +
+                      kDatabaseFolder + " folder");
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
   const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
   if (!file && !compressed)
-    throw PlayerError(named.string() + ": no database here: " + folder->string() + " has no iTunesDB");
+    throw PlayerError(named.string() + ": no database here: " + folder->string() + " has no " +
+                      kDatabaseFile);
   // Players with a compressed database keep an empty or tiny file, or none, under the usual name. Of two
   // with the same songs the compressed one would be the smaller.
   if (compressed && (!file || sizeOf(*file) == 0 || sizeOf(*file) < sizeOf(*compressed))) return *compressed;
@@ -78,7 +67,7 @@ fs::path volumeRootOf(const fs::path &file) {
 fs::path normalised(const fs::path &path) {
   std::error_code error;
   const fs::path absolute = fs::absolute(path, error);
-  if (error) fail(path, error);
+  if (error) throw PlayerError(path.string(), error.value());
   const fs::path plain = absolute.lexically_normal();
   return plain.has_filename() ? plain : plain.parent_path();  // "player/" is "player"
 }
@@ -88,15 +77,14 @@ fs::path normalised(const fs::path &path) {
 DatabaseLocation locateDatabase(const fs::path &path) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) {
-    fail(path, error ? error : std::make_error_code(std::errc::no_such_file_or_directory));
-  }
+  if (!fs::exists(status)) throw PlayerError(path.string(), error ? error.value() : ENOENT);
   const fs::path absolute = normalised(path);
   if (!fs::is_directory(status)) return {absolute, path.string(), volumeRootOf(absolute)};
   const std::optional<fs::path> control =
       isNamed(absolute, kControlFolder) ? absolute : childNamed(absolute, kControlFolder);
   if (!control)
-    throw PlayerError(path.string() + ": no database here: the directory has no iPod_Control folder");
+    throw PlayerError(path.string() + ": no database here: the directory has no " + kControlFolder +
+                      " folder");
   const fs::path file = databaseIn(*control, path);
   return {file, file.string(), control->parent_path()};
 }
@@ -106,16 +94,6 @@ fs::path musicFolder(const fs::path &root) {
   const std::optional<fs::path> music = control ? childNamed(*control, kMusicFolder) : std::nullopt;
   std::error_code error;
   return music && fs::is_directory(*music, error) ? fs::canonical(*music, error) : fs::path();
-}
-
-std::string volumeName(const fs::path &root) {
-  constexpr size_t kLongest = 63;
-  std::string name = root.filename().string();
-  std::replace(name.begin(), name.end(), ':', '/');
-  if (name.size() <= kLongest) return name;
-  size_t end = kLongest;
-  while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;  // whole characters
-  return name.substr(0, end == 0 ? kLongest : end);
 }
 
 }  // namespace player

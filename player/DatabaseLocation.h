@@ -23,8 +23,4 @@ DatabaseLocation locateDatabase(const std::filesystem::path &path);
 // when it has none.
 std::filesystem::path musicFolder(const std::filesystem::path &root);
 
-// The Mac name of a player mounted at a directory: the directory's own name with ':' as '/', shortened to
-// the 63 bytes a name can have. Empty for the root directory of the machine.
-std::string volumeName(const std::filesystem::path &root);
-
 }  // namespace player

@@ -11,7 +11,7 @@ REALproperty RbiTunesDBProperties[kPropertyCount] = {
 };
 
 REALclassDefinition RbiTunesDBClass = {
-    .version = 9,
+    .version = kInterfaceVersion,
     .name = "ZemiTunesDB",
     .superName = nullptr,
     .dataSize = sizeof(RbiTunesDBData),

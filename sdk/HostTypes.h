@@ -3,7 +3,7 @@
 // The binary layout that the plug-in and its host share. Nothing else in the tree may restate it;
 // a port to a particular host release changes this header only.
 //
-// Conventions of the interface, version 9:
+// Conventions of the interface, in the version below:
 //  1. Plain C records with the platform's natural alignment, and the C calling convention.
 //  2. A "word" is pointer-sized (intptr_t): 4 bytes on 32-bit builds, which is the classic layout byte for
 //     byte, and 8 on 64-bit builds.
@@ -16,6 +16,13 @@
 //     owns; arguments are borrowed.
 
 #include <cstdint>
+
+// What a plug-in announces, and states in its class record.
+constexpr int32_t kInterfaceVersion = 9;
+
+// Hosts from this version on read REALmethodDefinition entries in class records, those before it
+// REALmethodDefinitionV6 entries.
+constexpr double kFirstVersionWithFourWords = 5.9;
 
 extern "C" {
 

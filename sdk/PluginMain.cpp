@@ -31,14 +31,11 @@ class HostService<Result(Arguments...)> {
   Entry entry_ = nullptr;
 };
 
-constexpr double kFirstVersionWithFourWords = 5.9;
-
 }  // namespace
 
 extern "C" void REALPluginMain(REALresolver resolver) {
   gResolver = resolver;
   gResolverPPC = reinterpret_cast<REALresolver>(resolver("ResolverPPC"));
-  constexpr int32_t kInterfaceVersion = 9;
   reinterpret_cast<void (*)(int32_t)>(gResolverPPC("RegisterPluginVersion"))(kInterfaceVersion);
   PluginEntry();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/text/TextEncoding.h"
+#include "host/text/UnicodeForms.h"
 
 namespace zemhost {
 namespace {
@@ -52,7 +53,7 @@ std::string quoteText(std::string_view text) {
 std::string explain(std::string_view what, std::string_view text, const ParseError &error) {
   const std::string_view before = text.substr(0, error.position);
   const auto column =
-      1 + std::count_if(before.begin(), before.end(), [](char c) { return (c & 0xC0) != 0x80; });
+      1 + std::count_if(before.begin(), before.end(), [](char c) { return !unicode::isContinuation(c); });
   return "cannot read the " + std::string(what) + ' ' + quoteText(text) + ": " + error.message +
          " at character " + std::to_string(column);
 }

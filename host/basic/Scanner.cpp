@@ -1,6 +1,7 @@
 #include "host/basic/Scanner.h"
 
 #include "host/runtime/Names.h"
+#include "host/text/UnicodeForms.h"
 
 namespace zemhost {
 namespace {
@@ -42,7 +43,8 @@ ParseError Scanner::expected(std::string_view what) const {
   std::string found = "the end";
   if (!atEnd()) {
     size_t length = 1;
-    while (at_ + length < text_.size() && (text_[at_ + length] & 0xC0) == 0x80 && length < 4) ++length;
+    while (at_ + length < text_.size() && unicode::isContinuation(text_[at_ + length]) && length < 4)
+      ++length;
     found = quoteText(text_.substr(at_, length));
   }
   return {at_, "expected " + std::string(what) + ", found " + found};

@@ -10,6 +10,7 @@
 #include "host/Error.h"
 #include "host/runtime/HostObject.h"
 #include "host/runtime/LiveHandles.h"
+#include "host/runtime/MacPaths.h"
 #include "platform/carbon/CarbonFiles.h"
 
 struct REALfolderItemStruct : REALobjectStruct {
@@ -88,9 +89,7 @@ std::filesystem::path FolderItem::path() const {
   if (colon == std::string::npos || !makeSpec(full.substr(0, colon + 1), folder)) return {};
   const std::filesystem::path parent = existingPath(folder);
   if (parent.empty()) return {};
-  std::string name = full.substr(colon + 1);
-  std::replace(name.begin(), name.end(), '/', ':');
-  return parent / name;
+  return parent / diskPath(full.substr(colon + 1));
 }
 
 std::string FolderItem::macPath() const { return item_ == nullptr ? std::string() : fullName(item_->spec); }

@@ -171,7 +171,8 @@ REALresolver ServiceSession::resolver() { return ServiceCalls::lookUpResolver; }
 
 bool ServiceSession::wantsThreeWordMethods() const {
   const auto &out = settings_.leftOut;
-  return settings_.version < 5.9 || std::find(out.begin(), out.end(), "REALGetRBVersion") != out.end();
+  return settings_.version < kFirstVersionWithFourWords ||
+         std::find(out.begin(), out.end(), "REALGetRBVersion") != out.end();
 }
 
 void ServiceSession::rethrowFailure() {

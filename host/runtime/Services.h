@@ -18,8 +18,8 @@ namespace zemhost {
 class ServiceSession {
  public:
   struct Settings {
-    double version = 5.9;              // what REALGetRBVersion answers
-    std::vector<std::string> leftOut;  // names that the resolver does not know
+    double version = kFirstVersionWithFourWords;  // what REALGetRBVersion answers
+    std::vector<std::string> leftOut;             // names that the resolver does not know
     // Called for each registration, inside the plug-in's call. What they throw is kept for rethrowFailure().
     std::function<void(REALclassDefinition &)> onClass;
     std::function<void(const REALmethodDefinition &)> onMethod;
@@ -42,7 +42,7 @@ class ServiceSession {
   static REALresolver resolver();
 
   // True when plug-ins of this session lay their method lists out with three words an entry: those that do
-  // not learn of version 5.9 or later.
+  // not learn of a version that has four.
   bool wantsThreeWordMethods() const;
 
   // The interface version that a plug-in announced; 0 when none did.

@@ -22,6 +22,12 @@ char32_t readUtf8(std::string_view bytes, size_t &at) {
   return c;
 }
 
+size_t wholeCharacters(std::string_view utf8, size_t most) {
+  if (utf8.size() <= most) return utf8.size();
+  while (most > 0 && isContinuation(utf8[most])) --most;
+  return most;
+}
+
 void appendUtf8(std::string &out, char32_t c) {
   const auto tail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
   if (c < 0x80) {

@@ -12,6 +12,9 @@ namespace zemhost::unicode {
 // What the readers give for bytes that are no character.
 constexpr char32_t kNoCharacter = 0xFFFFFFFF;
 
+// True for the bytes of UTF-8 that go on with a character.
+constexpr bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
 constexpr bool isSurrogate(char32_t c) { return c >= 0xD800 && c < 0xE000; }
 
 // Each reader takes the character at `at`, which is before the end, and moves `at` behind it. Bytes that are
@@ -52,6 +55,9 @@ char32_t readUtf32(std::string_view bytes, size_t &at) {
   at += 4;
   return c > 0x10FFFF || isSurrogate(c) ? kNoCharacter : c;
 }
+
+// The size of the longest beginning of UTF-8 that takes at most `most` bytes and cuts no character.
+size_t wholeCharacters(std::string_view utf8, size_t most);
 
 // Each writer appends one character.
 void appendUtf8(std::string &out, char32_t c);

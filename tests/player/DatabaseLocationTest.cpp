@@ -112,20 +112,5 @@ TEST_F(DatabaseLocationTest, FileInPlaceOfAFolderIsNamed) {
   EXPECT_EQ(refusal(root_), control.string() + ": Not a directory");
 }
 
-TEST(VolumeName, IsTheDirectorysNameWithSlashesForColons) {
-  EXPECT_EQ(volumeName("/media/me/My iPod"), "My iPod");
-  EXPECT_EQ(volumeName("/media/me/AC:DC"), "AC/DC");
-  EXPECT_EQ(volumeName("/"), "");
-  EXPECT_EQ(volumeName(""), "");
-}
-
-TEST(VolumeName, LongNameIsShortenedToWholeCharactersOf63Bytes) {
-  EXPECT_EQ(volumeName("/x/" + std::string(63, 'a')), std::string(63, 'a'));
-  EXPECT_EQ(volumeName("/x/" + std::string(64, 'a')), std::string(63, 'a'));
-  EXPECT_EQ(volumeName("/x/" + std::string(61, 'a') + "\u97F3"), std::string(61, 'a'));
-  EXPECT_EQ(volumeName("/x/" + std::string(60, 'a') + "\u97F3"), std::string(60, 'a') + "\u97F3");
-  EXPECT_EQ(volumeName("/x/" + std::string(70, '\x80')).size(), 63U);
-}
-
 }  // namespace
 }  // namespace player

@@ -94,7 +94,7 @@ class Check {
       ++account_.filesUnnamed;
       if (unnamed.size() < player::Findings::kKept) unnamed.push_back(entry->path().string());
     }
-    if (error) throw HostError(folder.string() + ": " + error.message());
+    if (error) throw HostError(folder.string(), error.value());
     std::sort(unnamed.begin(), unnamed.end());
     for (const std::string &file : unnamed)
       add(player::FindingKind::UnnamedFile, "no song names the file " + file);

@@ -7,6 +7,7 @@
 
 #include "host/Error.h"
 #include "zemhost/library/StoredText.h"
+#include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
@@ -174,14 +175,14 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
     const auto *const found = std::find_if(std::begin(kKnown), std::end(kKnown),
                                            [&](const Known &known) { return known.column.name == name; });
     if (found == std::end(kKnown)) {
-      std::string message = "--fields: no field is named \"" + name + "\"; there are: ";
+      std::string message = "--fields: no field is named " + inQuotes(name) + "; there are: ";
       for (const Known &known : kKnown)
         message.append(&known == kKnown ? "" : ", ").append(known.column.name);
       throw HostError(message);
     }
     const bool isTaken = std::any_of(columns.begin(), columns.end(),
                                      [&](const ExportColumn &column) { return column.name == name; });
-    if (isTaken) throw HostError("--fields: the field \"" + name + "\" is asked for twice");
+    if (isTaken) throw HostError("--fields: the field " + inQuotes(name) + " is asked for twice");
     add(*found);
   }
 }

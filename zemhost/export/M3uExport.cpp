@@ -2,22 +2,11 @@
 
 #include <utility>
 
+#include "host/runtime/MacPaths.h"
 #include "zemhost/export/Columns.h"
 #include "zemhost/output/M3u.h"
 
 namespace zemhost {
-
-namespace {
-
-// A ':' parts the names of a player's path, and a '/' in a name stands for a ':' elsewhere.
-std::string withSlashes(std::string path) {
-  for (char &c : path) {
-    if (c == ':' || c == '/') c = c == ':' ? '/' : ':';
-  }
-  return path;
-}
-
-}  // namespace
 
 M3uExport::M3uExport(const MusicLibrary &library, EncodedOutput &out, M3uPaths paths,
                      std::filesystem::path folder)
@@ -36,7 +25,7 @@ void M3uExport::addSong(int32_t index) {
 }
 
 std::string M3uExport::pathOf(const Song &song) const {
-  if (paths_ == M3uPaths::Device) return withSlashes(song.path);
+  if (paths_ == M3uPaths::Device) return diskPath(song.path);
   const std::filesystem::path file = songFile(library_, song.path);
   if (file.empty() || paths_ == M3uPaths::Host) return file.string();
   return std::filesystem::proximate(file, folder_).string();

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/runtime/MacPaths.h"
 #include "player/FileProbe.h"
 #include "zemhost/library/InflatedCopy.h"
 #include "zemhost/library/Reconciliation.h"
@@ -17,7 +18,7 @@ namespace {
 
 // The root of the machine is a volume without being declared.
 std::string nameOfVolume(const std::filesystem::path &root) {
-  const std::string name = player::volumeName(root);
+  const std::string name = volumeName(root);
   return name.empty() ? "System" : name;
 }
 
@@ -41,7 +42,10 @@ std::string shellWord(const std::string &text) {
 
 void load(const Object &object, const std::string &name, const std::filesystem::path &file) {
   const FolderItem item = itemOf(file);
-  if (!item) throw HostError(name + ": the file's name is longer than the 63 bytes that can be read");
+  if (!item) {
+    throw HostError(name + ": the file's name is longer than the " + std::to_string(kLongestMacName) +
+                    " bytes that can be read");
+  }
   if (!object.call("Load", {item}).boolean()) {
     throw HostError(name + ": the plug-in could not load it (Error " +
                     std::to_string(object.get("Error").integer()) + ")");
@@ -54,7 +58,7 @@ player::FileAccount accountOf(const OpenDatabase &database) {
   try {
     return player::walkChunks(database.content.number());
   } catch (const std::system_error &error) {
-    throw HostError(database.location.name + ": " + error.code().message());
+    throw HostError(database.location.name, error.code().value());
   }
 }
 
@@ -85,8 +89,7 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
     mount(location.volumeRoot);
     load(database.object, location.name, location.file);
     database.content = carbon::Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (database.content.number() < 0)
-      throw HostError(location.name + ": " + std::generic_category().message(errno));
+    if (database.content.number() < 0) throw HostError(location.name, errno);
   }
   return database;
 }

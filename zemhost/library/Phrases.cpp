@@ -1,11 +1,13 @@
 #include "zemhost/library/Phrases.h"
 
+#include "zemhost/output/Messages.h"
+
 namespace zemhost {
 
 namespace {
 
 std::string numbered(const char *what, int32_t number, const std::string &name) {
-  return std::string(what) + " " + std::to_string(number) + " \"" + name + "\"";
+  return std::string(what) + " " + std::to_string(number) + " " + inQuotes(name);
 }
 
 }  // namespace

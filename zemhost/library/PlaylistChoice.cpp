@@ -5,6 +5,7 @@
 
 #include "host/Error.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/output/Messages.h"
 
 namespace zemhost {
 
@@ -28,8 +29,6 @@ std::vector<int32_t> matches(const std::vector<std::string> &names, const Test &
   return found;
 }
 
-std::string quotedText(std::string_view text) { return std::string("\"").append(text).append("\""); }
-
 }  // namespace
 
 int32_t choosePlaylist(const std::vector<std::string> &names, std::string_view wanted) {
@@ -44,16 +43,16 @@ int32_t choosePlaylist(const std::vector<std::string> &names, std::string_view w
     }
   }
   if (found.empty()) {
-    throw HostError("no playlist is named " + quotedText(wanted) + " or has that number; there are " +
+    throw HostError("no playlist is named " + inQuotes(wanted) + " or has that number; there are " +
                     std::to_string(names.size()) + " of them");
   }
   if (found.size() == 1) return found.front();
   std::string list;
   for (const int32_t number : found) {
     if (!list.empty()) list += ", ";
-    list += std::to_string(number) + " " + quotedText(names[static_cast<size_t>(number)]);
+    list += std::to_string(number) + " " + inQuotes(names[static_cast<size_t>(number)]);
   }
-  throw HostError(quotedText(wanted) + " may be any of the playlists " + list);
+  throw HostError(inQuotes(wanted) + " may be any of the playlists " + list);
 }
 
 int32_t choosePlaylist(const MusicLibrary &library, std::string_view wanted) {

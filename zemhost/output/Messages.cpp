@@ -15,4 +15,6 @@ void printError(std::string_view message) {
             << '\n';
 }
 
+std::string inQuotes(std::string_view text) { return std::string("\"").append(text).append("\""); }
+
 }  // namespace zemhost

@@ -10,6 +10,7 @@
 #include "host/text/IconvCodec.h"
 #include "host/text/TextEncoding.h"
 #include "host/text/UnicodeForms.h"
+#include "zemhost/output/Messages.h"
 #include "zemhost/output/ShiftJisTable.h"
 #include "zemhost/output/Units.h"
 
@@ -160,8 +161,8 @@ std::unique_ptr<TextEncoder::Codec> TextEncoder::makeCodec(const std::string &na
   if (plain == "shiftjis" || plain == "sjis") return std::make_unique<ShiftJisCodec>(host);
   auto codec = isIconvName(name) ? std::make_unique<SystemCodec>(name) : nullptr;
   if (codec == nullptr || !codec->isOpen()) {
-    throw HostError("no encoding is named \"" + name +
-                    "\"; there are UTF-8, UTF-16, UTF-16LE, UTF-16BE, Shift_JIS and those that \"iconv "
+    throw HostError("no encoding is named " + inQuotes(name) +
+                    "; there are UTF-8, UTF-16, UTF-16LE, UTF-16BE, Shift_JIS and those that \"iconv "
                     "--list\" names");
   }
   uint64_t ignored = 0;

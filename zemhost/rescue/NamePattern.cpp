@@ -6,6 +6,7 @@
 #include <charconv>
 
 #include "host/Error.h"
+#include "zemhost/output/Messages.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
@@ -31,7 +32,7 @@ constexpr size_t kWidest = 20;
 std::string braced(std::string_view name) { return std::string("{").append(name).append("}"); }
 
 [[noreturn]] void fail(std::string_view pattern, const std::string &what) {
-  throw HostError("the pattern \"" + std::string(pattern) + "\": " + what);
+  throw HostError("the pattern " + inQuotes(pattern) + ": " + what);
 }
 
 int fieldNamed(std::string_view name, std::string_view pattern) {
@@ -61,7 +62,7 @@ NamePattern::NamePattern(std::string_view text) : components_(1) {
     if (ended.empty()) fail(text, "a part between slashes is empty");
     if (ended.size() == 1 && ended[0].field < 0 &&
         ended[0].literal.find_first_not_of(". ") == std::string::npos)
-      fail(text, "a part between slashes is \"" + ended[0].literal + "\"");
+      fail(text, "a part between slashes is " + inQuotes(ended[0].literal));
   };
   for (size_t at = 0; at < text.size(); ++at) {
     const char c = text[at];

@@ -1,0 +1,16 @@
+#include "host/runtime/MacPaths.h"
+
+#include <algorithm>
+
+#include "host/text/UnicodeForms.h"
+
+namespace zemhost {
+
+std::string volumeName(const std::filesystem::path &root) {
+  std::string name = carbon::exchanged(root.filename().string());
+  const size_t whole = unicode::wholeCharacters(name, kLongestMacName);
+  name.resize(whole == 0 ? std::min(name.size(), kLongestMacName) : whole);
+  return name;
+}
+
+}  // namespace zemhost

@@ -1,0 +1,13 @@
+#pragma once
+
+// The names of a player's own folders and files. A player's disk may spell them in other cases.
+
+namespace player {
+
+constexpr const char *kControlFolder = "iPod_Control";  // in the root of its disk
+constexpr const char *kDatabaseFolder = "iTunes";       // in the control folder
+constexpr const char *kMusicFolder = "Music";           // likewise
+constexpr const char *kDatabaseFile = "iTunesDB";       // in the database folder
+constexpr const char *kCompressedFile = "iTunesCDB";    // likewise
+
+}  // namespace player

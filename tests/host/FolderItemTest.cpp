@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "host/Error.h"
-#include "host/runtime/LiveHandles.h"
 #include "host/runtime/FolderItem.h"
+#include "host/runtime/LiveHandles.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace zemhost {

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 
-#include "host/runtime/LiveHandles.h"
 #include "host/runtime/HostObject.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 namespace {

@@ -2,8 +2,8 @@
 #include <string>
 #include <utility>
 
-#include "host/runtime/LiveHandles.h"
 #include "host/runtime/HostString.h"
+#include "host/runtime/LiveHandles.h"
 
 namespace zemhost {
 namespace {

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "host/runtime/LiveHandles.h"
 #include "host/runtime/FolderItem.h"
 #include "host/runtime/HostObject.h"
 #include "host/runtime/HostString.h"
+#include "host/runtime/LiveHandles.h"
 #include "host/runtime/Services.h"
 #include "tests/support/TemporaryFolder.h"
 

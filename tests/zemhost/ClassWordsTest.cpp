@@ -1,6 +1,6 @@
-#include "zemhost/library/ClassWords.h"
-
 #include <gtest/gtest.h>
+
+#include "zemhost/library/ClassWords.h"
 
 namespace zemhost {
 namespace {

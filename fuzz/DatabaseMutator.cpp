@@ -136,8 +136,8 @@ class Mutator {
       const Kind kind = KindAt(file);
       size_t length = file.size();
       if (length >= kHeader) {
-        const size_t told = Word(file, kind == Kind::Object ? 8 : 4);
-        if (told != 0 && told < length) length = told;
+        const size_t stated = Word(file, kind == Kind::Object ? 8 : 4);
+        if (stated != 0 && stated < length) length = stated;
       }
       chunks_.push_back({kind, std::string(file.substr(0, length))});
       file.remove_prefix(length);
@@ -152,7 +152,7 @@ class Mutator {
     return end;
   }
 
-  // Every chunk tells its real length, or the real number of its children.
+  // Every chunk states its real length, or the real number of its children.
   void Repair() {
     for (size_t i = 0; i < chunks_.size(); ++i) {
       Chunk &chunk = chunks_[i];

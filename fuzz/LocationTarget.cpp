@@ -66,7 +66,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   samples::ChunkWriter out(samples::Variant::BigEndian);
   const size_t at = out.Begin(samples::Kind::Object, kChunkHeaderSize, kLocation);
   fsbbStruct fsbb{{'h', 'o'}, {'h', 'm'}, BigEndianWord(data), BigEndianWord(data + 4), kLocation};
-  // Lengths beyond any file tell little; most of them shall be near the real one.
+  // Lengths beyond any file show little; most of them shall be near the real one.
   if ((data[4] & 0xc0) == 0) fsbb.myLen = static_cast<uint32_t>(kChunkHeaderSize + size) - data[7] % 64;
   if ((data[0] & 0xc0) == 0) fsbb.jump = data[3] % 64;
   out.PutWord(at + 4, fsbb.jump);

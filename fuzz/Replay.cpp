@@ -32,7 +32,7 @@ void Replay(const std::filesystem::path &path) {
   std::ifstream in(path, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(in), {}};
   if (!in) throw std::runtime_error("cannot read " + path.string());
-  // Told beforehand, so that the last line names the file that ends the program.
+  // Printed beforehand, so that the last line names the file that ends the program.
   (void)std::fprintf(stderr, "%s\n", path.filename().c_str());
   // A block of just this size, so that a sanitizer sees a read past its end.
   const auto exact = std::make_unique<uint8_t[]>(bytes.size());

@@ -2,131 +2,27 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstdio>
 #include <string_view>
-#include <sys/stat.h>
-#include <system_error>
 
-#include "platform/carbon/Descriptor.h"
-#include "player/FileBytes.h"
+#include "player/Chunk.h"
+#include "player/FileWindow.h"
 #include "player/FileWord.h"
 
 namespace player {
 
 namespace {
 
-constexpr uint64_t kCommonHeader = 16;
 constexpr size_t kFileHeaderSeen = 0x34;  // as far as the fields that are read go
-
-// Where a chunk may stand: each level holds those after it.
-enum class Level { File, DataSet, List, Record, Entry, Object };
-
-constexpr uint32_t packed(std::string_view tag) {
-  uint32_t number = 0;
-  for (const char c : tag) number = number << 8 | static_cast<unsigned char>(c);
-  return number;
-}
-
-struct KnownTag {
-  uint32_t player;
-  uint32_t desktop;
-  Level level;
-  std::string_view meaning;
-};
-constexpr std::array<KnownTag, 10> kKnownTags = {
-    {{packed("mhbd"), packed("hdfm"), Level::File, "file"},
-     {packed("mhsd"), packed("hdsm"), Level::DataSet, "data set"},
-     {packed("mhlt"), packed("htlm"), Level::List, "track list"},
-     {packed("mhit"), packed("htim"), Level::Record, "track"},
-     {packed("mhlp"), packed("hplm"), Level::List, "playlist list"},
-     {packed("mhyp"), packed("hpim"), Level::Record, "playlist"},
-     {packed("mhip"), packed("hptm"), Level::Entry, "playlist entry"},
-     {packed("mhod"), packed("hohm"), Level::Object, "object"},
-     {packed("mhla"), packed("halm"), Level::List, "album list"},
-     {packed("mhia"), packed("haim"), Level::Record, "album"}}};
-constexpr size_t kTrackList = 2, kTrack = 3, kPlaylistList = 4, kPlaylist = 5, kEntry = 6;
-constexpr size_t kOther = kKnownTags.size();
-constexpr size_t kMostOpen = 64;       // unknown containers inside each other
-constexpr size_t kMostOtherTags = 50;  // told apart in the account
-
-struct Chunk {
-  uint64_t at = 0;
-  std::array<char, 4> tag{};
-  size_t kind = kOther;  // in kKnownTags
-  Level level = Level::Record;
-  uint64_t jump = 0;
-  uint64_t length = 0;  // bytes in all, or the number of children of a list
-  uint32_t count = 0;
-
-  std::string_view tagText() const { return {tag.data(), tag.size()}; }
-  uint64_t contentAt() const { return at + jump; }
-};
+constexpr size_t kMostOpen = 64;          // unknown containers inside each other
+constexpr size_t kMostOtherTags = 50;     // listed one by one in the account
 
 // A container that has begun and not ended.
 struct Open {
   Chunk chunk;
   uint64_t end = 0;
   uint64_t children = 0;
-  uint64_t announced = 0;  // children, as far as its header tells
+  uint64_t announced = 0;  // children, as far as its header states them
 };
-
-class Window {
- public:
-  explicit Window(int file) : file_(file), bytes_(kSize, '\0') {
-    struct stat status {};
-    if (fstat(file, &status) != 0) throw std::system_error(errno, std::generic_category());
-    size_ = static_cast<uint64_t>(status.st_size);
-  }
-
-  uint64_t size() const { return size_; }
-
-  // Up to `count` bytes from an offset on, fewer at the end of the file; valid until the next call.
-  std::string_view at(uint64_t offset, size_t count) {
-    if (offset < base_ || offset + count > base_ + filled_) {
-      base_ = offset;
-      filled_ = readAt(file_, offset, bytes_.data(), kSize);
-    }
-    const auto start = static_cast<size_t>(offset - base_);
-    return std::string_view(bytes_).substr(start, std::min(count, filled_ - start));
-  }
-
- private:
-  static constexpr size_t kSize = size_t{64} * 1024;
-
-  int file_;
-  uint64_t size_ = 0;
-  uint64_t base_ = 0;
-  size_t filled_ = 0;
-  std::string bytes_;
-};
-
-bool isLetter(char c) { return c >= 'a' && c <= 'z'; }
-
-size_t kindOf(std::string_view tag) {
-  const uint32_t number = packed(tag);
-  for (size_t i = 0; i < kKnownTags.size(); ++i) {
-    if (number == kKnownTags[i].player || number == kKnownTags[i].desktop) return i;
-  }
-  return kOther;
-}
-
-// Both forms of tags stand for lists when their third letter says so.
-Level levelOf(size_t kind, std::string_view tag) {
-  if (kind != kOther) return kKnownTags[kind].level;
-  return tag[2] == 'l' ? Level::List : Level::Record;
-}
-
-std::string hex(uint64_t number) {
-  std::array<char, 24> text{};
-  std::snprintf(text.data(), text.size(), "0x%llx", static_cast<unsigned long long>(number));
-  return text.data();
-}
-
-std::string described(const Chunk &chunk) {
-  const std::string meaning(chunk.kind == kOther ? "chunk" : kKnownTags[chunk.kind].meaning);
-  return "the " + meaning + " (" + std::string(chunk.tagText()) + ") at " + hex(chunk.at);
-}
 
 class Walk {
  public:
@@ -179,9 +75,7 @@ class Walk {
     const std::string_view bytes = window_.at(at, kCommonHeader);
     if (bytes.size() < kCommonHeader) return false;
     std::copy_n(bytes.begin(), 4, chunk.tag.begin());
-    if (at > 0 && (!std::all_of(chunk.tag.begin(), chunk.tag.end(), isLetter) ||
-                   !(chunk.tagText().starts_with("mh") || (chunk.tag[0] == 'h' && chunk.tag[3] == 'm'))))
-      return false;
+    if (at > 0 && !isTag(chunk.tagText())) return false;
     chunk.at = at;
     chunk.jump = word(bytes, 4);
     chunk.length = word(bytes, 8);
@@ -204,7 +98,7 @@ class Walk {
         leaveOut(at_, window_.size());
         return false;
       }
-      find(FindingKind::WrongLength, described(chunk) + " stands after the end that the file's header tells",
+      find(FindingKind::WrongLength, described(chunk) + " stands after the end that the file's header states",
            at_);
       open_.push_back({{}, window_.size()});  // what goes on as if the file did
     }
@@ -279,11 +173,11 @@ class Walk {
     }
     while (!open_.empty() && open_.back().chunk.level >= chunk.level) {
       const Open &last = open_.back();
-      // A list tells no length, so it ends where the next thing begins; and a length that is not possible was
-      // said to be wrong before.
+      // A list states no length, so it ends where the next thing begins; a length that is not possible was
+      // reported before.
       if (last.chunk.level != Level::List && last.end == last.chunk.at + last.chunk.length) {
         find(FindingKind::WrongLength,
-             described(last.chunk) + " tells a length of " + std::to_string(last.chunk.length) +
+             described(last.chunk) + " states a length of " + std::to_string(last.chunk.length) +
                  " bytes, but " + described(chunk) + " begins inside",
              last.chunk.at);
       }
@@ -295,7 +189,7 @@ class Walk {
     count(chunk, chunk.jump);
     if (!open_.empty()) ++open_.back().children;
     Open opened{chunk, holderEnd};
-    opened.announced = childrenToldBy(chunk);
+    opened.announced = announcedBy(chunk);
     if (chunk.level != Level::List) {
       const bool fits =
           chunk.length >= chunk.jump && chunk.length <= holderEnd - std::min(holderEnd, chunk.at);
@@ -303,7 +197,7 @@ class Walk {
         opened.end = chunk.at + chunk.length;
       } else {
         find(FindingKind::WrongLength,
-             described(chunk) + " tells a length of " + std::to_string(chunk.length) + " bytes, where " +
+             described(chunk) + " states a length of " + std::to_string(chunk.length) + " bytes, where " +
                  std::to_string(chunk.jump) + " to " + std::to_string(holderEnd - chunk.at) + " are possible",
              chunk.at);
       }
@@ -333,14 +227,14 @@ class Walk {
     } else if (chunk.kind == kPlaylist && readByClass) {
       ++account_.playlists;
       account_.entriesOf.push_back(0);
-      account_.declaredEntries += childrenToldBy(chunk);
+      account_.declaredEntries += announcedBy(chunk);
     } else if (chunk.kind == kEntry && readByClass) {
       ++account_.entries;
       if (!account_.entriesOf.empty()) ++account_.entriesOf.back();
     }
   }
 
-  uint64_t childrenToldBy(const Chunk &chunk) {
+  uint64_t announcedBy(const Chunk &chunk) {
     if (chunk.level == Level::List) return chunk.length;
     if (chunk.level == Level::File) return account_.declaredDataSets;
     return chunk.kind == kPlaylist ? word(window_.at(chunk.at, 0x14), 0x10) : 0;
@@ -387,12 +281,11 @@ class Walk {
       while (i < counts.size() && counts[i].tag != tag) ++i;
     }
     if (i == counts.size()) {
-      if (chunk.kind == kOther && counts.size() >= kKnownTags.size() + kMostOtherTags) {
+      if (chunk.kind == kOther && counts.size() >= kKnownKinds + kMostOtherTags) {
         i = counts.size() - 1;
       } else {
-        counts.push_back({std::string(tag),
-                          std::string(chunk.kind == kOther ? "other" : kKnownTags[chunk.kind].meaning), 0,
-                          0});
+        counts.push_back(
+            {std::string(tag), std::string(chunk.kind == kOther ? "other" : meaningOf(chunk.kind)), 0, 0});
       }
     }
     if (chunk.kind != kOther) lastOf_[chunk.kind] = i;
@@ -400,7 +293,7 @@ class Walk {
     counts[i].bytes += bytes;
   }
 
-  Window window_;
+  FileWindow window_;
   FileAccount account_;
   std::vector<Open> open_;
   uint64_t at_ = 0;
@@ -408,7 +301,7 @@ class Walk {
   Chunk record_;  // whose objects are counted
   bool recordOpen_ = false;
   uint64_t objects_ = 0;
-  std::array<size_t, kKnownTags.size()> lastOf_{};  // where each known tag was counted last
+  std::array<size_t, kKnownKinds> lastOf_{};  // where each known tag was counted last
 };
 
 }  // namespace

@@ -21,7 +21,7 @@ struct ChunkCount {
 
 struct FileAccount {
   bool bigEndian = false;
-  std::string version;  // as the file tells it: "4.6", "0x19"; may be empty
+  std::string version;  // as the file states it: "4.6", "0x19"; may be empty
   uint64_t size = 0;
   std::vector<ChunkCount> chunks;  // in the order of their first appearance
   uint64_t dataSets = 0;

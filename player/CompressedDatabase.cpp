@@ -98,11 +98,11 @@ class Inflater {
 
   [[noreturn]] void failInflating(const z_stream &stream, uint64_t at) const {
     fail("the compressed database is damaged near byte " + std::to_string(at - stream.avail_in) + " (" +
-         (stream.msg != nullptr ? stream.msg : "a dictionary is asked for that it does not bring") + ")");
+         (stream.msg != nullptr ? stream.msg : "it needs a dictionary that it does not hold") + ")");
   }
 
   void checkSize() const {
-    if (written_ > kMostBytes) fail("the compressed database inflates to 2 GB or more, which cannot be read");
+    if (written_ > kMostBytes) fail("the compressed database inflates to 2 GB or more, too much to be read");
     if (written_ > kAlwaysAllowed && written_ / kMostRatio > fileSize_) {
       fail("the compressed database inflates to more than " + std::to_string(kMostRatio) +
            " times its size, as no database does");

@@ -20,7 +20,7 @@ namespace {
 
 constexpr size_t kChunkHeader = 16;
 
-// How much of the body is looked at to tell scrambled bytes from a damaged file.
+// How much of the body is looked at to distinguish scrambled bytes from a damaged file.
 constexpr size_t kSample = 256;
 
 FileProbe unusable(std::string reason) { return {FileContent::Unusable, std::move(reason)}; }
@@ -66,12 +66,13 @@ FileProbe probeOpenFile(int file, uint64_t size) {
 
   const uint64_t headerLength = wordAt(header, 4, bigEndian);
   const uint64_t totalLength = wordAt(header, 8, bigEndian);
-  if (headerLength < kChunkHeader) return unusable("the file is damaged: its header has no proper length");
+  if (headerLength < kChunkHeader)
+    return unusable("the file is damaged: its header states a length that is not possible");
   if (headerLength > size) return truncated(std::max(headerLength, totalLength), size);
   const std::string body = readAt(file, headerLength, kSample);
   if (isZlibStream(body)) return {FileContent::Compressed, {}};
   if (body.size() >= kChunkHeader && !isChunk(body) && looksScrambled(body)) {
-    return {FileContent::Encrypted, "the library is encrypted, which cannot be read"};
+    return {FileContent::Encrypted, "the library is encrypted and cannot be read"};
   }
   if (totalLength > size) return truncated(totalLength, size);
   if (body.empty()) return {FileContent::Database, {}};

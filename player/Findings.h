@@ -18,7 +18,7 @@ enum class FindingKind {
   WrongCount,        // a header announces another number than follows
   ClassDiffers,      // the class answers another number than the file holds
   EntryWithoutSong,  // a playlist entry with a track ID that no song has
-  LossyText,         // a text that cannot be told whole in Unicode
+  LossyText,         // a text that Unicode cannot hold whole
   MissingFile,       // a song whose file is not on the volume
   UnnamedFile,       // a file in the music folder that no song names
 };

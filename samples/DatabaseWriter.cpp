@@ -155,7 +155,7 @@ DataObject RawObject(uint32_t type, std::string bytes) {
 }
 
 DataObject LocationObject(std::string_view path) {
-  if (path.size() > 0xffff) throw std::length_error("path longer than its 16-bit length can tell");
+  if (path.size() > 0xffff) throw std::length_error("path longer than its 16-bit length can state");
   const std::string_view volume = path.substr(0, path.find(':'));
   const std::string_view file = path.substr(path.rfind(':') + 1);
 

@@ -82,8 +82,8 @@ struct DataObject {
   std::string bytes{};
   uint32_t encodingWord = 1;              // at 0x18, in the variant's byte order; 1 means UTF-16
   uint32_t usedWord = 0;                  // at 0x14; a reader skips the object when it is not 0
-  uint32_t headerLength = 0x18;           // as told at 4; changes no position
-  std::optional<uint32_t> totalLength{};  // as told at 8, when it should differ from the real length
+  uint32_t headerLength = 0x18;           // as stated at 4; changes no position
+  std::optional<uint32_t> totalLength{};  // as stated at 8, when it should differ from the real length
 };
 
 // UTF-16 text with encoding word 1.

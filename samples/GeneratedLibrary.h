@@ -40,7 +40,7 @@ struct GeneratedLibrary {
   [[nodiscard]] Playlist List(uint32_t index) const;
 
   // Writes the file to a seekable stream, song by song, so that a million songs need little memory; the
-  // stream must be empty, and tells a failure by its state.
+  // stream must be empty, and shows a failure by its state.
   void WriteTo(std::ostream &stream) const;
 
   // The whole file in memory.

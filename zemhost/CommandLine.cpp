@@ -145,21 +145,18 @@ void addRescue(CLI::App &program, Action &action) {
   command->add_option("DEST", arguments.destination, "The folder to copy to; it is made when it is missing")
       ->required();
   command->add_option("--pattern", arguments.pattern,
-                      "How files are called, " + arguments.pattern +
-                          " when not told: text, '/' between folders, and the fields " + patternFields() +
-                          "; numbers may have a width, as in {track:02}");
+                      "How to name the files: text, '/' between folders, and the fields " + patternFields() +
+                          "; numbers may have a width, as in {track:02} [" + arguments.pattern + "]");
   command
       ->add_option("--playlist", arguments.playlists,
                    "Only the songs of this playlist: its number, its name, or the beginning of its name; may "
                    "be given again")
       ->allow_extra_args(false);
-  command->add_flag("--dry-run", arguments.dryRun, "Tell what would be copied, and write nothing");
+  command->add_flag("--dry-run", arguments.dryRun, "Show what would be copied, and write nothing");
   command->footer(
-      "Copies that are complete are left alone, and no other file is ever replaced, so the same command goes "
-      "on "
-      "after an interruption. Ends with 0 when all is copied, with 3 when some songs could not be, and with "
-      "1 "
-      "when it had to stop.");
+      "Complete copies are left alone and no other file is ever replaced, so after an interruption the same "
+      "command continues. Ends with 0 when everything is copied, with 3 when some songs could not be copied, "
+      "and with 1 when it had to stop.");
 }
 
 void addCompare(CLI::App &program, Action &action) {
@@ -177,7 +174,7 @@ void addCompare(CLI::App &program, Action &action) {
 
 void addDuplicates(CLI::App &program, Action &action) {
   const auto command = addCommand(program, action, "duplicates",
-                                  "List the songs that are there more than once: the same title, "
+                                  "List the songs that occur more than once: the same title, "
                                   "artist and album",
                                   listDuplicates, checkJsonEncoding<DuplicatesArguments>);
   DuplicatesArguments &arguments = *command.arguments;
@@ -189,7 +186,7 @@ void addDuplicates(CLI::App &program, Action &action) {
 
 void addCall(CLI::App &program, Action &action) {
   const auto command =
-      addCommand(program, action, "call", "Do lines of host code with an object that has loaded the database",
+      addCommand(program, action, "call", "Run lines of host code on an object that has loaded the database",
                  callObject);
   addPath(*command.app, command.arguments->path);
   command
@@ -215,7 +212,7 @@ void addCommands(CLI::App &program, Action &action) {
 
 int wrongUsage(const std::string &message) {
   printError(message);
-  std::cerr << "Run \"zemhost --help\" to see what can be asked.\n";
+  std::cerr << "Run \"zemhost --help\" to see the commands.\n";
   return kUsage;
 }
 

@@ -103,7 +103,7 @@ class CallReader {
       if (number >= kTooMuch) number = kTooMuch;
     }
     if (!any) return fail(in_.position() == start ? missing : in_.expected("a digit"));
-    if (in_.peek() == '.') return fail({start, "only whole numbers are understood; another kind stands"});
+    if (in_.peek() == '.') return fail({start, "only whole numbers can be read; another kind begins"});
     in_.skipBlanks();
     const uint64_t most =
         base != 10 ? kTooMuch - 1 : uint64_t{std::numeric_limits<int32_t>::max()} + negative;

@@ -33,7 +33,7 @@ class Scanner {
   char takeRaw() { return text_[at_++]; }
   void skipBlanks();
 
-  // "expected X" at this place, telling what stands here instead.
+  // "expected X" at this place, naming what stands here instead.
   ParseError expected(std::string_view what) const;
 
  private:

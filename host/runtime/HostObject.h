@@ -16,7 +16,7 @@ struct REALobjectStruct {
 
 namespace zemhost {
 
-// Told when the last reference to an object goes, before its data block does.
+// Called when the last reference to an object goes, before its data block does.
 using ObjectEnd = void (*)(REALobject object, void *context);
 
 // The distance from an object's address to its data block: the same for every class, aligned for any type.

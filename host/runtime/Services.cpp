@@ -45,7 +45,7 @@ struct ServiceCalls {
     registration(&ServiceSession::Settings::onMethod, record);
   }
 
-  // A new string takes the host's own encoding until the plug-in says another.
+  // A new string takes the host's own encoding until the plug-in sets another.
   static REALstring buildString(const char *bytes, int32_t length) {
     if (length < 0 || (bytes == nullptr && length > 0)) return nullptr;
     return newString({length == 0 ? "" : bytes, static_cast<size_t>(length)}, kUtf8);
@@ -97,7 +97,7 @@ struct ServiceCalls {
   static void *lookUp(const char *name);
   static void *lookUpResolver(const char *name);
 
-  // Writes the question down; false when the session does not answer it.
+  // Records the look-up; false when the session does not answer it.
   static bool isAnswered(std::string_view name) {
     if (gSession == nullptr) return false;
     auto &asked = gSession->lookUps_;

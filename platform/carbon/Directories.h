@@ -43,7 +43,7 @@ class Directories {
     int16_t volume;
     int32_t parent;
     Identity identity;
-    auto operator<=>(const Key &) const = default;  // NOLINT(modernize-use-nullptr): none is there
+    auto operator<=>(const Key &) const = default;  // NOLINT(modernize-use-nullptr): no pointer is compared
   };
   struct Record {
     int32_t id;

@@ -24,7 +24,8 @@ struct Identity {
   uint32_t bornNanoseconds = 0;
   std::string label;
 
-  auto operator<=>(const Identity &) const = default;  // NOLINT(modernize-use-nullptr): none is there
+  auto operator<=>(const Identity &) const =
+      default;  // NOLINT(modernize-use-nullptr): no pointer is compared
 };
 
 // Opens a directory, for looking things up in it only; symbolic links are followed. No descriptor when it is

@@ -16,7 +16,7 @@ namespace carbon {
 
 class FileManager {
  public:
-  // Mounted volumes are looked for under `prefix` + "/Volumes" and its fellows.
+  // Mounted volumes are looked for under `prefix` + "/Volumes" and the other usual places.
   explicit FileManager(std::string prefix = {}) : volumes_(std::move(prefix)) {}
 
   // FSMakeFSSpec; returns noErr or fnfErr.

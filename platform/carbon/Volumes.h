@@ -18,7 +18,7 @@ struct Volume {
 
 class Volumes {
  public:
-  // Mounted volumes are looked for under `prefix` + "/Volumes" and its fellows.
+  // Mounted volumes are looked for under `prefix` + "/Volumes" and the other usual places.
   explicit Volumes(std::string prefix);
 
   // Declares a volume, in place of one that was declared under the name before. Throws bdNamErr, or fnfErr

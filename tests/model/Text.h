@@ -25,7 +25,7 @@ class Host {
   Host &operator=(const Host &) = delete;
   virtual ~Host() = default;
 
-  // A new string of the bytes, with the code that a host gives a string it was told nothing about.
+  // A new string of the bytes, with the code that a host gives a string it knows nothing about.
   virtual std::optional<HostText> Build(const std::string &bytes) = 0;
   // The text in another encoding.
   virtual std::optional<HostText> Convert(const HostText &text, uint32_t encoding) = 0;

@@ -68,7 +68,7 @@ TEST(CoreFoundationString, Utf8ReadsBackAndCountsUtf16Units) {
 TEST(CoreFoundationString, EveryCodePointReadsBack) {
   for (uint32_t point = 1; point < 0x110000; ++point) {
     if (point >= 0xD800 && point < 0xE000) continue;
-    // UTF-8 by its definition: a lead byte that tells the number of tails, then six bits in each tail.
+    // UTF-8 by its definition: a lead byte that states the number of tails, then six bits in each tail.
     const uint32_t tails = point < 0x80 ? 0 : point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
     const uint32_t leads[] = {0x00, 0xC0, 0xE0, 0xF0};
     std::string utf8(1, static_cast<char>(leads[tails] | point >> 6 * tails));

@@ -1,4 +1,4 @@
-// What tells one directory from any other.
+// By what one directory differs from any other.
 
 #include <cerrno>
 #include <fcntl.h>
@@ -42,7 +42,7 @@ bool givesHandles(const carbon::Descriptor &directory) {
 TEST(DirectoryIdentity, DiffersForOneInodeNumberAndTimeOfBirth) {
   const support::TemporaryFolder folder;
   const carbon::Descriptor parent = carbon::openDirectory(folder.path());
-  if (!givesHandles(parent)) GTEST_SKIP() << "the file system tells no generations";
+  if (!givesHandles(parent)) GTEST_SKIP() << "the file system reports no generations";
   carbon::Identity before;
   int alike = 0;
   for (int i = 0; i < 3000 && alike < 20; ++i) {

@@ -77,7 +77,7 @@ TEST(StringOwner, FailedCreationReadsEmpty) {
   EXPECT_STREQ(invalid.cString(0x12345), "");
 }
 
-// The conversion is told one byte less than the buffer has, so the largest texts do not fit.
+// The conversion is given one byte less than the buffer has, so the largest texts do not fit.
 TEST(StringOwner, TextThatTakesTheMostBytesItsLengthCanReadsEmpty) {
   EXPECT_STREQ(cfstring("日本", kCFStringEncodingUTF8).cString(kCFStringEncodingUTF8), "");
   EXPECT_STREQ(cfstring("ascii", kCFStringEncodingUTF8).cString(kCFStringEncodingASCII), "");

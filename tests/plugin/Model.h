@@ -1,5 +1,5 @@
-// What every method should answer, told from the records that were written into the file and the path rules
-// of each family, without the plug-in's code.
+// What every method should answer, derived from the records that were written into the file and the path
+// rules of each family, without the plug-in's code.
 #pragma once
 
 #include <cstdint>

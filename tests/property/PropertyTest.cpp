@@ -34,7 +34,7 @@ std::optional<uint64_t> FromEnvironment(const char *name) {
   return number;
 }
 
-// Makes the case small, writes it beside the test program's working files, and tells how to come back to it.
+// Makes the case small, writes it beside the test program's working files, and says how to come back to it.
 std::string Report(uint64_t seed, const Case &failing) {
   const Case small = Shrink(failing, [](const Case &what) { return FindDifferenceApart(what).has_value(); });
   const std::string name = "property-" + std::to_string(seed);

@@ -96,7 +96,7 @@ class Shrinker {
     }
   }
 
-  // A header loses its tail together with the length it tells.
+  // A header loses its tail together with the length it states.
   void Shorten(size_t file, size_t piece) {
     const size_t size = best_.files[file].pieces[piece].size();
     for (size_t length = 16; length < size; length += std::max<size_t>((size - length) / 2, 1)) {

@@ -145,7 +145,7 @@ TEST(RealDatabase, EncryptedLibraryIsNamedForWhatItIs) {
   const Outcome outcome = runZemhost({"songs", file});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "zemhost: " + file.string() + ": the library is encrypted, which cannot be read\n");
+  EXPECT_EQ(outcome.err, "zemhost: " + file.string() + ": the library is encrypted and cannot be read\n");
 }
 
 }  // namespace

@@ -138,9 +138,9 @@ TEST_F(CheckTest, BareFileHasItsFilesLeftOut) {
   const Report report = checkBytes(database_);
   EXPECT_EQ(report.status, 0);
   EXPECT_EQ(report.content.at("files"),
-            json({{"checked", false}, {"reason", "the database lies on no player"}}));
+            json({{"checked", false}, {"reason", "the database is on no player"}}));
   EXPECT_THAT(runZemhost({"check", folder_.path() / "db"}).out,
-              HasSubstr("\nFiles     not looked at: the database lies on no player\n"));
+              HasSubstr("\nFiles     not looked at: the database is on no player\n"));
 }
 
 TEST_F(CheckTest, EveryByteOfWrittenLibrariesIsAccountedFor) {
@@ -246,7 +246,7 @@ TEST_F(CheckTest, ObjectThatSwallowsTheNextOnes) {
 TEST_F(CheckTest, RecordThatIsLongerThanWhatHoldsIt) {
   putWord(database_, chunkAt(database_, "mhit", 5) + 8, 10'000'000);
   EXPECT_THAT(checkBytes(database_).texts("wrong-length"),
-              ElementsAre(HasSubstr(" tells a length of 10000000 bytes, where ")));
+              ElementsAre(HasSubstr(" states a length of 10000000 bytes, where ")));
 }
 
 TEST_F(CheckTest, RecordThatReachesIntoTheNext) {

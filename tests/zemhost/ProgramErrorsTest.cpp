@@ -81,7 +81,7 @@ TEST_F(BadInput, EncryptedFile) {
     state = state * 1664525 + 1013904223;
     bytes[i] = static_cast<char>(bytes[i] ^ static_cast<char>(state >> 24));
   }
-  expectFileRefused(bytes, "the library is encrypted, which cannot be read");
+  expectFileRefused(bytes, "the library is encrypted and cannot be read");
 }
 
 TEST_F(BadInput, NameThatTheFileManagerCannotHold) {

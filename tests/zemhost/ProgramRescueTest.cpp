@@ -138,7 +138,7 @@ TEST_F(Rescue, SecondTimeCopiesNothingAndChangesNothing) {
   const Files before = filesBelow(destination_);
   const Outcome again = run(kPlayer);
   EXPECT_THAT(again.out,
-              testing::StartsWith("0 songs copied, 0 B\n28 songs are there already\n6 playlists written\n"));
+              testing::StartsWith("0 songs copied, 0 B\n28 songs are already there\n6 playlists written\n"));
   EXPECT_EQ(filesBelow(destination_), before);
 }
 
@@ -147,7 +147,7 @@ TEST_F(Rescue, CompleteCopyWithAnotherTimeIsKnownByItsContent) {
   for (const auto &entry : fs::recursive_directory_iterator(destination_)) {
     if (entry.is_regular_file()) fs::last_write_time(entry.path(), fs::file_time_type::clock::now());
   }
-  EXPECT_THAT(run(kPlayer).out, HasSubstr("\n28 songs are there already\n"));
+  EXPECT_THAT(run(kPlayer).out, HasSubstr("\n28 songs are already there\n"));
 }
 
 TEST_F(Rescue, CopyOnAFileSystemThatKeepsTwoSecondsIsKnownByItsTime) {
@@ -155,10 +155,10 @@ TEST_F(Rescue, CopyOnAFileSystemThatKeepsTwoSecondsIsKnownByItsTime) {
   const fs::path source = player / "iPod_Control/Music/F00/0.mp3";
   const fs::file_time_type even = std::chrono::floor<std::chrono::minutes>(fs::last_write_time(source));
   fs::last_write_time(source, even + std::chrono::milliseconds(1234));
-  // Another content tells that the time was enough.
+  // Other content shows that the time was enough.
   const fs::path copy = folder_.write("music/of mine/A/Unknown Album/One.mp3", "SONG 0");
   fs::last_write_time(copy, even);
-  EXPECT_THAT(run(player).out, HasSubstr("1 song is there already\n"));
+  EXPECT_THAT(run(player).out, HasSubstr("1 song is already there\n"));
   fs::last_write_time(copy, even + std::chrono::milliseconds(1235));
   EXPECT_THAT(run(player).out, HasSubstr("1 song copied, "));
 }
@@ -254,7 +254,7 @@ TEST_F(Rescue, BareDatabaseIsRefused) {
   const Outcome outcome = run(file);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, "zemhost: " + file.string() +
-                             ": the database lies on no player, so the files of its songs cannot be found\n");
+                             ": the database is on no player, so the files of its songs cannot be found\n");
 }
 
 TEST_F(Rescue, PlaceThatIsAFileIsRefused) {
@@ -297,7 +297,7 @@ TEST_F(Rescue, FileOfAnotherSizeThanTheDatabaseTellsIsNamed) {
   const Outcome outcome = run(player);
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out,
-              EndsWith("1 file has another size than the database tells, and is copied as it is:\n"
+              EndsWith("1 file has another size than the database states and is copied as it is:\n"
                        "- song 0 \"One\" by A: 3 bytes, and 6 by the database: " +
                        (player / "iPod_Control/Music/F00/0.mp3").string() + "\n"));
 }

@@ -123,7 +123,7 @@ TEST_F(TextEncoderTest, UnknownNamesAreRefused) {
   EXPECT_THAT(refusal("Klingon"), HasSubstr("no encoding is named \"Klingon\"; there are UTF-8, UTF-16"));
   EXPECT_THAT(refusal(""), HasSubstr("no encoding is named \"\""));
   EXPECT_THAT(refusal("ISO-8859-1//IGNORE"), HasSubstr("no encoding is named"));
-  EXPECT_THAT(refusal("UNICODE"), HasSubstr("ask for UTF-16"));
+  EXPECT_THAT(refusal("UNICODE"), HasSubstr("use UTF-16"));
 }
 
 }  // namespace

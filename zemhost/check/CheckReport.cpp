@@ -89,7 +89,7 @@ nlohmann::ordered_json findingJson(const player::Finding &finding) {
 void writeText(const CheckReport &report, std::ostream &out) {
   line(out, "Database  ", report.location.file.string() + (report.compressed ? " (compressed)" : ""));
   line(out, "Variant   ", variantText(report.file.bigEndian));
-  line(out, "Version   ", report.file.version.empty() ? "not told" : report.file.version);
+  line(out, "Version   ", report.file.version.empty() ? "not stated" : report.file.version);
   line(out, "Content   ", bytesText(report.file));
   line(out, "Files     ", filesText(report.library));
   out << '\n';

@@ -23,7 +23,7 @@ class Check {
   LibraryAccount run() {
     const fs::path &root = library_.location().volumeRoot;
     if (root.empty()) {
-      account_.filesLeftOut = "the database lies on no player";
+      account_.filesLeftOut = "the database is on no player";
     } else if (library_.libType() == 0) {
       account_.filesLeftOut = "a desktop library names files of another machine";
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// What is wrong with a library as the class tells it, and with the files that its songs name.
+// What is wrong with a library as the class reports it, and with the files that its songs name.
 
 #include <cstdint>
 #include <string>
@@ -20,7 +20,7 @@ struct LibraryAccount {
 };
 
 // Looks at every song, its texts and its file, at every playlist entry, and at every file of the music
-// folder. The files are left out for a library that lies on no player. Adds what is wrong to `findings`.
+// folder. The files are left out for a library that is on no player. Adds what is wrong to `findings`.
 // Throws HostError, naming it, when the music folder cannot be read.
 LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings);
 

@@ -40,11 +40,11 @@ void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library
     }
   }
   if (groups.empty()) {
-    out.write("No song is there twice.\n");
+    out.write("No song occurs twice.\n");
   } else {
     out.write(table);
     out.write("\n");
-    out.write(countText(groups.size(), "song is", "songs are") + " there more than once; " +
+    out.write(countText(groups.size(), "song is", "songs are") + " in the library more than once; " +
               countText(spare.songs, "copy", "copies") + " too many, " + totalSizeText(spare.size) + "\n");
   }
   out.finish();

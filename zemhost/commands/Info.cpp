@@ -13,7 +13,7 @@ namespace zemhost {
 
 namespace {
 
-// What the class calls the volume of a file that lies on no player is the file's own path or name.
+// What the class calls the volume of a file that is on no player is the file's own path or name.
 std::string volumeText(const MusicLibrary &library) {
   if (library.location().volumeRoot.empty()) return "none, a database file by itself";
   return library.object().get("VolumeName").text();

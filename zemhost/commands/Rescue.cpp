@@ -27,7 +27,7 @@ void writeSummary(const RescueResult &result, bool dryRun) {
   std::cout << countText(result.copied, "song", "songs") << (dryRun ? " to copy, " : " copied, ")
             << totalSizeText(result.copiedBytes) << '\n';
   if (result.alreadyThere > 0) {
-    std::cout << countText(result.alreadyThere, "song is", "songs are") << " there already\n";
+    std::cout << countText(result.alreadyThere, "song is", "songs are") << " already there\n";
   }
   if (result.playlists > 0) {
     std::cout << countText(result.playlists, "playlist", "playlists")
@@ -37,8 +37,9 @@ void writeSummary(const RescueResult &result, bool dryRun) {
     std::cout << countText(result.evaded, "name was", "names were")
               << " taken by another file, so a number was added\n";
   }
-  writeList(countText(result.otherSizes.size(), "file has", "files have") +
-                " another size than the database tells, and is copied as it is",
+  writeList(countText(result.otherSizes.size(),
+                      "file has another size than the database states and is copied as it is",
+                      "files have another size than the database states and are copied as they are"),
             result.otherSizes);
   writeList(countText(result.problems.size(), "problem", "problems"), result.problems);
 }

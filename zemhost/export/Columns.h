@@ -34,8 +34,8 @@ using Row = std::vector<Json>;
 
 class SongColumns {
  public:
-  // These columns in this order; none: all of them. Throws HostError for a name that there is not, listing
-  // those that there are. The library's ResultEncode must stay as MusicLibrary sets it.
+  // These columns in this order; none: all of them. Throws HostError for an unknown name, listing the
+  // known ones. The library's ResultEncode must stay as MusicLibrary sets it.
   SongColumns(const MusicLibrary &library, const std::vector<std::string> &names);
   ~SongColumns();
 

@@ -54,7 +54,7 @@ class MusicLibrary {
 
   // One song; no bounds are checked beyond the class's own, which give an empty one.
   Song song(int32_t index) const;
-  // The names of those of a song's texts that cannot be told whole in Unicode: "title".
+  // The names of those of a song's texts that Unicode cannot hold whole: "title".
   std::vector<std::string> lossyTexts(int32_t index) const;
   // The file of a song's path on its volume, whether or not it is there; nil when that names no place here.
   FolderItem file(const std::string &path) const;
@@ -62,7 +62,8 @@ class MusicLibrary {
   uint32_t duration(int32_t index) const;
   uint32_t size(int32_t index) const;
 
-  // A playlist's name and entries, by the class's number. What cannot be told of the name adds to `lost`.
+  // A playlist's name and entries, by the class's number. What Unicode cannot hold of the name adds to
+  // `lost`.
   std::string playlistName(int32_t playlist, size_t *lost = nullptr) const;
   int32_t entryCount(int32_t playlist) const;
   // The class reads song 0 for an entry whose track ID no song carries; here such an entry names no song.

@@ -76,8 +76,8 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
     InflatedCopy copy(location);
     const player::FileProbe inflated = player::probeFile(copy.file());
     if (inflated.content != player::FileContent::Database) {
-      throw HostError(location.name + ": what is compressed in it: " +
-                      (inflated.reason.empty() ? "a compressed database once more" : inflated.reason));
+      throw HostError(location.name + ": its compressed content: " +
+                      (inflated.reason.empty() ? "a compressed database again" : inflated.reason));
     }
     mount(copy.root());
     load(database.object, location.name, copy.file());

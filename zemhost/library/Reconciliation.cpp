@@ -15,8 +15,7 @@ std::string Reconciliation::summary() const {
     return std::to_string(count.declared) + " " + count.what + " are announced, " +
            std::to_string(count.found) + " found, and " + std::to_string(count.answered) + " read";
   }
-  return differingLists.empty() ? std::string()
-                                : "the entries of its playlists are not all read where they belong";
+  return differingLists.empty() ? std::string() : "some playlists are read with another number of entries";
 }
 
 Reconciliation reconcile(const player::FileAccount &account, const Object &object) {

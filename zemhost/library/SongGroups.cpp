@@ -20,7 +20,7 @@ Method compareMethod(const MusicLibrary &library, const std::string &name) {
   return library.object().method("Compare" + name + "(IndexA As Integer, IndexB As Integer) As Boolean");
 }
 
-// The texts that tell the songs apart, and the class's method that has the last word.
+// The texts by which songs are told apart, and the class's method that has the last word.
 struct Criterion {
   std::vector<Method> texts;
   Method same;

@@ -167,7 +167,7 @@ std::unique_ptr<TextEncoder::Codec> TextEncoder::makeCodec(const std::string &na
   }
   uint64_t ignored = 0;
   if (codec->encode("aa", ignored).size() != 2 * codec->encode("a", ignored).size())
-    throw HostError("the encoding " + name + " marks every text anew; ask for UTF-16");
+    throw HostError("the encoding " + name + " puts a byte-order mark before every text; use UTF-16");
   return codec;
 }
 

@@ -83,7 +83,7 @@ class Rescue {
     const fs::path &root = library_.location().volumeRoot;
     if (root.empty() && library_.libType() != 0) {
       throw HostError(library_.location().name +
-                      ": the database lies on no player, so the files of its songs cannot be found");
+                      ": the database is on no player, so the files of its songs cannot be found");
     }
     std::error_code error;
     const fs::path destination = fs::weakly_canonical(fs::absolute(request_.destination), error);

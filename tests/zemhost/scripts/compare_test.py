@@ -172,10 +172,10 @@ Two                      2     1
     1  0  Home   A       X
     1  2  Home   A       X
 
-1 song is there more than once; 1 copy too many, 0 B
+1 song is in the library more than once; 1 copy too many, 0 B
 """))
         self.assertIn("2 copies too many", run("duplicates", path, "--any-album").text)
-        self.assertEqual(run("duplicates", PLAYER).text, "No song is there twice.\n")
+        self.assertEqual(run("duplicates", PLAYER).text, "No song occurs twice.\n")
 
     def test_many_songs_take_seconds(self):
         """A step for each pair of 20,000 songs would take minutes."""

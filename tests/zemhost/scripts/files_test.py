@@ -22,7 +22,7 @@ OLD = b"what was there before\n"
 
 
 def options(form):
-    """Every generated library lies on no player, so that only the device's paths name its songs."""
+    """Every generated library is on no player, so that only the device's paths name its songs."""
     return ["--format", form] + (["--paths", "device"] if form == "m3u8" else [])
 
 

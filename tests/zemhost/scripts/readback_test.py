@@ -319,7 +319,7 @@ class ReadBack(unittest.TestCase):
             number = str(playlist["playlist_number"])
             order = [entry["song_index"] for entry in playlist["entries"] if entry["song_index"] is not None]
             if len(order) != len(playlist["entries"]):
-                continue  # the rest is told on standard error: see the other tests
+                continue  # the rest is reported on standard error: see the other tests
             rows = list(csv.DictReader(io.StringIO(self.export(
                 path, "--format", "csv", "--playlist", number, "--fields", "track_id,song_index"), newline="")))
             self.assertEqual([row["song_index"] for row in rows], list(map(str, order)))

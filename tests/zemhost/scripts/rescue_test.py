@@ -78,7 +78,7 @@ class InterruptedRescue(unittest.TestCase):
         self.assertNotIn(PARTIAL, os.listdir(self.destination))
         summary = ended.text.splitlines()[total - before:]
         self.assertTrue(summary[0].startswith(f"{total - before} songs copied, "), summary)
-        self.assertEqual(summary[1:], [f"{before} songs are there already", "1 playlist written"])
+        self.assertEqual(summary[1:], [f"{before} songs are already there", "1 playlist written"])
 
     def start_and_stop(self, after, **options):
         """A running rescue that stands still after it has copied some songs."""
@@ -169,7 +169,7 @@ class InterruptedRescue(unittest.TestCase):
         termios.tcsetwinsize(theirs, (24, 100))
         process = self.start_and_stop(100, stdout=theirs)
         os.close(theirs)
-        time.sleep(0.7)  # a rate and a time left are told after half a second
+        time.sleep(0.7)  # a rate and the time left are shown after half a second
         process.send_signal(signal.SIGCONT)
         shown = b""
         while True:

@@ -1,4 +1,4 @@
-"""Signals and memory: how the program ends when it is told to, and what it leaves behind."""
+"""Signals and memory: how the program ends when it is asked to, and what it leaves behind."""
 
 import os
 import resource

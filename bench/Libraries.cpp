@@ -42,7 +42,9 @@ Track SongWith(const samples::GeneratedLibrary &library, uint32_t index, Texts t
   samples::SongTexts words;
   words.title = Numbered(u"Song ", index);
   words.path = Numbered(u"Disk:Music:F", index);
-  if (texts != Texts::kMissing) {
+  if (texts == Texts::kCrafted) {
+    words.artist = words.album = words.genre = words.composer = samples::CancellingText(index);
+  } else if (texts != Texts::kMissing) {
     const uint32_t number = texts == Texts::kDistinct ? index : 0;
     words.artist = Numbered(u"The Band of ", number);
     words.album = Numbered(u"Collected ", number);
@@ -84,6 +86,8 @@ const char *NameOf(Texts texts) {
       return "distinct";
     case Texts::kEqual:
       return "equal";
+    case Texts::kCrafted:
+      return "crafted";
   }
   return "";
 }

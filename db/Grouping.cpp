@@ -1,12 +1,11 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "db/CiTunesDB.h"
+#include "db/KeyedHash.h"
 
 // Compared pair by pair, the first song of every group of equal texts hands its counter on to all later songs
 // of the group whose cell is still unnumbered, and nobody numbers that group's cells again. So one pass in
@@ -14,40 +13,12 @@
 
 namespace {
 
-uint64_t Mix(uint64_t h) {
-  h *= 0x9e3779b97f4a7c15;
-  return h ^ h >> 32;
-}
-
-uint64_t Word(const char *bytes) {
-  uint64_t word = 0;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-// Sixteen bytes at a step, in two lanes; the result serves tables of this process only.
-uint64_t HashText(std::string_view text, uint64_t h) {
-  uint64_t other = ~h;
-  size_t rest = text.size();
-  const char *at = text.data();
-  for (; rest > 16; rest -= 16, at += 16) {
-    h = Mix(h ^ Word(at));
-    other = Mix(other ^ Word(at + 8));
-  }
-  if (rest >= 8) {
-    h = Mix(h ^ Word(at));
-    other = Mix(other ^ Word(at + rest - 8));
-  } else {
-    for (; rest > 0; --rest) h = Mix(h ^ static_cast<uint8_t>(*at++));
-  }
-  return Mix(Mix(h ^ text.size()) + other);
-}
-
 // The groups of one cell, over all songs: an open-addressing table from a text to its group.
 class Groups {
  public:
-  Groups(songInfo CSongList::*cell, const SongTable &songs)
-      : cell_(cell), songs_(songs), seed_(Mix(reinterpret_cast<uintptr_t>(&songs))) {}
+  // An album is the same only with the same artist, so albums are given the artists' groups.
+  Groups(songInfo CSongList::*cell, const SongTable &songs, const KeyedHash &hash, Groups *artists = nullptr)
+      : cell_(cell), songs_(songs), hash_(hash), artists_(artists) {}
 
   // Sees what there is to number; called for the songs before the first joins. Returns whether it has seen
   // enough.
@@ -67,8 +38,8 @@ class Groups {
     if (!Takes(song)) return 0;
     if (!textsNeeded_ && !IsAlbum()) return groups_.empty() ? kHashed : 0;  // no text: there is but one group
     if (i != 0 && SameGroup(songs_[i - 1], song)) return 0;
-    uint64_t h = HashText((song.*cell_).obj, seed_);
-    if (IsAlbum()) h = HashText(song.artist.obj, h);
+    uint64_t h = TextHash(song, i);
+    if (IsAlbum()) h += std::rotl(artists_->TextHash(song, i), 32);
     const auto hash = static_cast<uint32_t>(h) | kHashed;
     if (!slots_.empty()) __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
     return hash;
@@ -109,8 +80,14 @@ class Groups {
     uint32_t group = 0;
   };
 
-  // An album is the same only with the same artist.
-  bool IsAlbum() const { return cell_ == &CSongList::album; }
+  bool IsAlbum() const { return artists_ != nullptr; }
+
+  // The hash of song i's text, which both this cell and the album's may ask for.
+  uint64_t TextHash(const CSongList &song, size_t i) {
+    if (hashedSong_ != i) textHash_ = hash_((song.*cell_).obj);
+    hashedSong_ = i;
+    return textHash_;
+  }
 
   bool SameGroup(const CSongList &a, const CSongList &b) const {
     return (a.*cell_).obj == (b.*cell_).obj && (!IsAlbum() || a.artist.obj == b.artist.obj);
@@ -146,11 +123,14 @@ class Groups {
 
   songInfo CSongList::*cell_;
   const SongTable &songs_;
-  uint64_t seed_;             // so that no file can be made whose texts all meet in one place
-  bool needed_ = false;       // some song's cell is unnumbered
-  bool textsNeeded_ = false;  // and not only cells without a text are
-  bool started_ = false;      // the last song to join was the first of its group
-  uint32_t current_ = 0;      // the group of the last song that joined
+  const KeyedHash &hash_;  // so that no file can be made whose texts all meet in one place
+  Groups *artists_;
+  uint64_t textHash_ = 0;
+  size_t hashedSong_ = SIZE_MAX;  // whose text has it
+  bool needed_ = false;           // some song's cell is unnumbered
+  bool textsNeeded_ = false;      // and not only cells without a text are
+  bool started_ = false;          // the last song to join was the first of its group
+  uint32_t current_ = 0;          // the group of the last song that joined
   Table<Group> groups_;
   Table<Slot> slots_;  // a power of two of them
 };
@@ -158,11 +138,12 @@ class Groups {
 }  // namespace
 
 void CiTunesDB::SetSongsObjectIndex() {
-  Groups artists(&CSongList::artist, songs);
-  Groups albums(&CSongList::album, songs);
-  Groups genres(&CSongList::genre, songs);
-  Groups composers(&CSongList::composer, songs);
-  Groups filetypes(&CSongList::filetype, songs);
+  const KeyedHash hash;
+  Groups artists(&CSongList::artist, songs, hash);
+  Groups albums(&CSongList::album, songs, hash, &artists);
+  Groups genres(&CSongList::genre, songs, hash);
+  Groups composers(&CSongList::composer, songs, hash);
+  Groups filetypes(&CSongList::filetype, songs, hash);
   const std::array<Groups *, 5> all = {&artists, &albums, &genres, &composers, &filetypes};
   for (const CSongList &song : std::as_const(songs)) {
     bool enough = true;

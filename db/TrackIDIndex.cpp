@@ -58,7 +58,6 @@ void TrackIDIndex::Resize(uint32_t capacity) {
   TrackIDIndex resized;
   resized.capacity_ = capacity;
   resized.slots_ = std::make_unique<Slot[]>(capacity);
-  resized.seed_ = reinterpret_cast<uintptr_t>(resized.slots_.get());
   resized.shift_ = static_cast<uint32_t>(64 - std::countr_zero(capacity / kNeighbours));
   resized.used_ = used_;
   for (uint32_t i = 0; i < capacity_; ++i) {

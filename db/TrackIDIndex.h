@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "db/RandomKey.h"
+
 // Track ID to the lowest library index that carries it: an open-addressing table, so a look-up costs the same
 // for known, unknown, duplicate and hostile IDs.
 class TrackIDIndex {
@@ -38,11 +40,11 @@ class TrackIDIndex {
   static constexpr uint32_t kNeighbours = 8;
 
   // Where the search for an ID begins: its place among its neighbours, whose run is scattered by two rounds
-  // of multiplication. The process's own number goes into it, so that no file can be made whose IDs all meet
-  // in one place; the worst it can do is to use one slot of each run.
+  // of multiplication. Random numbers go into it, a factor among them, so that no file is known to be
+  // possible whose IDs all meet in one place; the worst it can do is to use one slot of each run.
   uint32_t Home(int32_t id) const {
     const auto bits = static_cast<uint32_t>(id);
-    uint64_t h = (bits / kNeighbours ^ seed_) * 0xff51afd7ed558ccd;
+    uint64_t h = (bits / kNeighbours ^ randomKey.ids[0]) * (randomKey.ids[1] | 1);
     h = (h ^ h >> 32) * 0xc4ceb9fe1a85ec53;
     return static_cast<uint32_t>(h >> shift_) * kNeighbours + bits % kNeighbours;
   }
@@ -60,7 +62,6 @@ class TrackIDIndex {
   uint32_t capacity_ = 0;  // a power of two, or 0
   uint32_t used_ = 0;
   uint32_t shift_ = 0;
-  uint64_t seed_ = 0;
 };
 
 inline int32_t TrackIDIndex::Find(int32_t id) const {

@@ -169,6 +169,19 @@ void GeneratedLibrary::WriteTo(std::ostream &stream) const {
   finish(file);
 }
 
+std::u16string CancellingText(uint32_t number) {
+  // Of every other word of eight bytes, bit 63 is flipped in one and bits 63 and 31 in the next: in the low
+  // bytes of UTF-16 units.
+  constexpr uint32_t kBits = 18;
+  std::u16string text(kBits / 2 * 16 + 8, u'a');
+  for (uint32_t bit = 0; bit < kBits; ++bit) {
+    if ((number >> bit & 1) == 0) continue;
+    const size_t word = bit / 2 * 16 + bit % 2 * 4;
+    for (const size_t unit : {word + 3, word + 9, word + 11}) text[unit] = u'\u00e1';
+  }
+  return text;
+}
+
 std::string GeneratedLibrary::Bytes() const {
   std::ostringstream stream;
   WriteTo(stream);

@@ -23,6 +23,11 @@ class Random {
   uint64_t state_;
 };
 
+// The text of a number below 2^18 from a family made to meet in one place of a hash table: in each text pairs
+// of bits are flipped that cancel each other in a hash which multiplies word by word, whatever it is seeded
+// with.
+std::u16string CancellingText(uint32_t number);
+
 // Each song has 8 to 10 text objects; albums of 12 songs follow each other, and every fifth one is Japanese.
 // The first playlist holds every song once, in file order; each further one holds `entries` songs drawn at
 // random. Song i has the track id 2 * i + 52.

@@ -184,6 +184,17 @@ TEST(Grouping, OfManySongsIsThatOfComparingEveryPair) {
   }
 }
 
+TEST(Grouping, OfTextsMadeToMeetIsThatOfComparingEveryPair) {
+  Songs songs;
+  for (uint32_t i = 0; i < 300; ++i) {
+    songs.Add();
+    const std::string text = HighByteFirst(samples::CancellingText(i % 200));
+    for (const CellPair &cell : kCells) songs.Set(i, cell, -1, text);
+  }
+  songs.Number();
+  EXPECT_TRUE(songs.Agree());
+}
+
 TEST(Grouping, KeepsTheTrackIDs) {
   Songs songs;
   for (size_t i = 0; i < 3; ++i) {

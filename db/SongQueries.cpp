@@ -7,34 +7,6 @@ namespace {
 const songInfo kNoObject = {0, 0, {}};
 const songInfo kNoUnknown = {-1, 0, {}};
 
-const songInfo *NamedCell(const CSongList &song, int32_t num) {
-  switch (num) {
-    case kObjectTrackInfo:
-      return &song.trackInfo;
-    case kObjectTitle:
-      return &song.title;
-    case kObjectPath:
-      return &song.path;
-    case kObjectAlbum:
-      return &song.album;
-    case kObjectArtist:
-      return &song.artist;
-    case kObjectGenre:
-      return &song.genre;
-    case kObjectFileType:
-      return &song.filetype;
-    case kObjectComposer:
-      return &song.composer;
-    default:
-      return nullptr;
-  }
-}
-
-// The same cell, to be changed.
-songInfo *NamedCell(CSongList &song, int32_t num) {
-  return const_cast<songInfo *>(NamedCell(std::as_const(song), num));
-}
-
 bool Equal(const songInfo &a, const songInfo &b, int32_t mode) {
   switch (mode) {
     case 0:

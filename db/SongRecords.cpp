@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "db/ByteOrder.h"
 
@@ -29,22 +30,16 @@ uint32_t FileOrder(uint32_t word, int32_t libType) {
   return word;
 }
 
-// The field that a data object of the type fills in a big-endian file; null for a type that is dropped.
-songInfo *BigEndianField(CSongList &song, uint32_t type) {
-  switch (type) {
-    case 2:
-      return &song.title;
-    case 3:
-      return &song.album;
-    case 4:
-      return &song.artist;
-    case 5:
-      return &song.genre;
-    case 12:
-      return &song.composer;
-    default:
-      return nullptr;
+// The field that a data object of the type fills; null for a type without one. A big-endian file numbers
+// titles and paths the other way round, and holds its paths in a form of their own and no file types.
+songInfo *FieldOf(CSongList &song, uint32_t type, int32_t libType) {
+  auto number = static_cast<int32_t>(type);
+  if (number < 0) return nullptr;
+  if (libType != 1) {
+    if (number == kObjectTitle || number == kObjectFileType) return nullptr;
+    if (number == kObjectPath) number = kObjectTitle;
   }
+  return NamedCell(song, number);
 }
 
 // Writes the word as the signed number it is shown as, with zeros after the sign up to the width ("%0*d";
@@ -61,8 +56,12 @@ char *PutDecimal(char *out, uint32_t word, int width) {
   return std::copy(static_cast<const char *>(digits), end, out);
 }
 
-songInfo *LittleEndianField(CSongList &song, uint32_t type) {
-  switch (type) {
+}  // namespace
+
+const songInfo *NamedCell(const CSongList &song, int32_t num) {
+  switch (num) {
+    case kObjectTrackInfo:
+      return &song.trackInfo;
     case kObjectTitle:
       return &song.title;
     case kObjectPath:
@@ -82,7 +81,9 @@ songInfo *LittleEndianField(CSongList &song, uint32_t type) {
   }
 }
 
-}  // namespace
+songInfo *NamedCell(CSongList &song, int32_t num) {
+  return const_cast<songInfo *>(NamedCell(std::as_const(song), num));
+}
 
 int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,
                           TextArena *arena) {
@@ -100,7 +101,7 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
       // A raw body's object may end before the place where a text would begin.
       return SetLocation(fsbb, start, objPtr - kTextOffset + fsbb->myLen, encode, arena);
     }
-    songInfo *field = BigEndianField(*this, fsbb->count);
+    songInfo *field = FieldOf(*this, fsbb->count, libType);
     if (field == nullptr) return 0;
     Store(field->obj, Bytes(start, size), fsbb->count, arena);
     field->enc = encode;
@@ -108,7 +109,7 @@ int32_t CSongList::SetObj(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _enc
   }
 
   if (isText) Swap2ByteString(start, size);
-  songInfo *field = LittleEndianField(*this, fsbb->count);
+  songInfo *field = FieldOf(*this, fsbb->count, libType);
   if (field == nullptr) {
     songInfo other{static_cast<int32_t>(fsbb->count), encode, {}};
     Store(other.obj, Bytes(start, size), fsbb->count, arena);

@@ -51,6 +51,12 @@ enum ObjectNumber : int32_t {
   kObjectPlayListName = 15,
 };
 
+class CSongList;
+
+// The field of the object number; null for a number without one, those of other objects among them.
+const songInfo *NamedCell(const CSongList &song, int32_t num);
+songInfo *NamedCell(CSongList &song, int32_t num);
+
 // One track. Texts are the file's bytes: UTF-16 high byte first, ASCII, or a raw body, as `enc` says.
 class CSongList {
  public:

@@ -215,7 +215,7 @@ TEST(BigEndianObject, EachNamedTypeFillsItsFieldUnswapped) {
 
 TEST(BigEndianObject, EveryOtherTypeIsDropped) {
   CSongList song;
-  for (const uint32_t type : {0U, 6U, 7U, 8U, 9U, 10U, 11U, 13U, 15U, 100U, 0xffffffffU}) {
+  for (const uint32_t type : {0U, 6U, 7U, 8U, 9U, 10U, 11U, 13U, 15U, 100U, 0xffffffffU, 0xffffff9cU}) {
     EXPECT_EQ(ObjectInMemory::Text(type, "\0a"s, kBig).StoreIn(song), 0);
     EXPECT_EQ(ObjectInMemory::Raw(type, "raw", kBig).StoreIn(song), 0);
   }

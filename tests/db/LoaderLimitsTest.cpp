@@ -356,54 +356,5 @@ TEST(OddText, OfABigEndianFileStaysAsItIs) {
   EXPECT_EQ(database.SongsObject(0, 3).View(), "abc");
 }
 
-class Reservation : public Cursor {
- protected:
-  // A file of two tracks and two playlists whose lists announce `count`.
-  static std::string Announcing(uint32_t count, uint32_t playlistSet = 2) {
-    samples::Library library =
-        samples::OrdinaryLibrary({{.id = 1}, {.id = 2}}, {{.name = u"a"}, {.name = u"b"}});
-    library.sets[0].declaredCount = count;
-    library.sets[1].declaredCount = count;
-    library.sets[1].type = playlistSet;
-    return samples::WriteLibrary(library, GetParam());
-  }
-};
-
-INSTANTIATE_TEST_SUITE_P(Loader, Reservation, testing::Values(Variant::LittleEndian, Variant::BigEndian));
-
-TEST_P(Reservation, IsOneMoreThanTheListAnnounces) {
-  CiTunesDB database;
-  ASSERT_EQ(Load(database, Announcing(5)), 1);
-  EXPECT_EQ(database.songs.size(), 2U);
-  EXPECT_EQ(database.songs.capacity(), 6U);
-  EXPECT_EQ(database.plays.size(), 2U);
-  EXPECT_EQ(database.plays.capacity(), 6U);
-}
-
-TEST_P(Reservation, IsNeverMoreThanTheRestOfTheFileCouldHold) {
-  for (const uint32_t count : {100000U, 0x7fffffffU, 0x80000000U, 0xfffffffeU}) {
-    const std::string file = Announcing(count);
-    CiTunesDB database;
-    ASSERT_EQ(Load(database, file), 1);
-    EXPECT_EQ(database.songs.size(), 2U);
-    EXPECT_LE(database.songs.capacity(), file.size() / 16);
-    EXPECT_LE(database.plays.capacity(), file.size() / 16);
-  }
-}
-
-TEST_P(Reservation, OfTheGreatestCountWrapsToNothing) {
-  CiTunesDB database;
-  ASSERT_EQ(Load(database, Announcing(0xffffffff)), 1);
-  EXPECT_EQ(database.songs.size(), 2U);
-  EXPECT_LE(database.songs.capacity(), 2U);
-  EXPECT_EQ(database.plays.size(), 2U);
-}
-
-TEST_P(Reservation, IsMadeForPlaylistsInAPlaylistDataSetAlone) {
-  CiTunesDB database;
-  ASSERT_EQ(Load(database, Announcing(5, 3)), 1);
-  EXPECT_EQ(database.plays.capacity(), 0U);
-}
-
 }  // namespace
 }  // namespace db_test

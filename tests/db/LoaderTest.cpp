@@ -339,41 +339,6 @@ TEST(LittleEndianFile, IsKnownByTheLastTwoCharactersOfItsTag) {
   }
 }
 
-TEST_P(EachVariant, WalkLeavesItsStateBehind) {
-  ChunkWriter out = File(2);
-  AppendTrack(out, {.id = 1});
-  ASSERT_EQ(Load(out), 1);
-  EXPECT_EQ(database_.infoType, Little() ? 1 : 5);
-  EXPECT_EQ(database_.listType, 2);
-  EXPECT_EQ(database_.tarSong, &std::as_const(database_).songs[0]);
-  out.Begin(Kind::Playlist, 0x30);
-  ASSERT_EQ(Load(out), 1);
-  EXPECT_EQ(database_.infoType, Little() ? 2 : 6);
-  EXPECT_EQ(database_.tarPlay, &database_.plays[0]);
-  out.Begin(Kind::Entry, 0x20);
-  ASSERT_EQ(Load(out), 1);
-  EXPECT_EQ(database_.infoType, Little() ? 3 : 7);
-  EXPECT_EQ(database_.error, 0);
-}
-
-TEST_P(EachVariant, CountOfObjectsStillToComeRunsDownWithEachObject) {
-  ChunkWriter out = File(2);
-  const size_t track = out.Begin(Kind::Track, 0xd4);
-  out.PutWord(track + 8, 10);
-  for (int i = 0; i < 3; ++i) AppendObject(out, samples::TextObject(50, u"x"));
-  ASSERT_EQ(Load(out), 1);
-  EXPECT_EQ(database_.odcount, 7);
-  size_t chunk = out.Begin(Kind::Playlist, 0x30);
-  out.PutWord(chunk + 8, 0x80000000);
-  AppendObject(out, samples::TextObject(50, u"x"));
-  ASSERT_EQ(Load(out), 1);
-  EXPECT_EQ(database_.odcount, INT32_MAX);
-  chunk = out.Begin(Kind::Entry, 0x20);
-  out.PutWord(chunk + 8, 5);
-  ASSERT_EQ(Load(out), 1);
-  EXPECT_EQ(database_.odcount, 5);
-}
-
 TEST_P(EachVariant, SongWithoutComposerHasAnEmptyOneWithAGroupNumber) {
   const samples::Library library = samples::OrdinaryLibrary({{.id = 1}, {.id = 2}}, {});
   ASSERT_EQ(db_test::Load(database_, samples::WriteLibrary(library, GetParam())), 1);

@@ -256,6 +256,16 @@ TEST_F(SongQueries, SetObjectChangesTheFirstOtherObjectOfItsNumber) {
   EXPECT_EQ(Song().unknown[2].obj.View(), "second seven");
 }
 
+TEST_F(SongQueries, SetObjectOfNumber0ChangesTheFirstOtherObjectOfThatNumber) {
+  database_.songs[1].unknown = {{7, 1, "seven"}, {0, 2, "zero"}, {0, 3, "again"}};
+  database_.SetSongsObjectInfo(1, 0, "new", 9);
+  EXPECT_EQ(database_.songs[1].unknown[0].obj.View(), "seven");
+  EXPECT_EQ(database_.songs[1].unknown[1].obj.View(), "new");
+  EXPECT_EQ(database_.songs[1].unknown[1].enc, 9U);
+  EXPECT_EQ(database_.songs[1].unknown[1].idx, 0);
+  EXPECT_EQ(database_.songs[1].unknown[2].obj.View(), "again");
+}
+
 TEST_F(SongQueries, SetObjectAddsNothing) {
   const std::string before = Everything();
   for (const int32_t num : {0, 9, 100, INT_MAX}) database_.SetSongsObjectInfo(1, num, "new", 9);

@@ -46,6 +46,13 @@ TEST(SafeText, BytesThatAreNotUtf8AreReplacedOneByOne) {
   EXPECT_EQ(safeText("\xF4\x90\x80\x80").size(), 4 * 3U);     // past U+10FFFF
 }
 
+TEST(SafeText, CutCharacterIsOneReplacementAsInConversions) {
+  EXPECT_EQ(safeText("\xE2\x82"), "\uFFFD");
+  EXPECT_EQ(safeText("\xF0\x9F\x8E"
+                     "a"),
+            "\uFFFDa");
+}
+
 TEST(DisplayWidth, CountsWideCharactersTwice) {
   EXPECT_EQ(displayWidth("abc"), 3U);
   EXPECT_EQ(displayWidth("\u97F3\u6A02"), 4U);

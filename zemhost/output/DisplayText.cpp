@@ -6,6 +6,8 @@
 #include <new>
 #include <utf8proc.h>
 
+#include "host/text/UnicodeForms.h"
+
 namespace zemhost {
 
 namespace {
@@ -31,12 +33,9 @@ struct CodePoint {
 
 // The code point at the start of a text that is not empty.
 CodePoint firstCodePoint(std::string_view text) {
-  CodePoint result{};
-  const utf8proc_ssize_t used =
-      utf8proc_iterate(asUtf8(text.data()), static_cast<utf8proc_ssize_t>(text.size()), &result.value);
-  result.bytes = used > 0 ? static_cast<size_t>(used) : 1;
-  if (used <= 0) result.value = -1;
-  return result;
+  size_t used = 0;
+  const char32_t c = unicode::readUtf8(text, used);
+  return {c == unicode::kNoCharacter ? -1 : static_cast<utf8proc_int32_t>(c), used};
 }
 
 bool isHarmful(utf8proc_int32_t c) {

@@ -1,10 +1,12 @@
 """Runs the built program as a person or a script would, and waits for what it does."""
 
 import os
+import pty
 import re
 import resource
 import subprocess
 import sys
+import termios
 import time
 
 ZEMHOST = os.environ["ZEMHOST"]
@@ -49,6 +51,36 @@ def run(*arguments, file_size=None, **options):
     with start(*arguments, **options) as process:
         out, err = process.communicate(timeout=200)
     return Outcome(process.returncode, out or b"", err or b"")
+
+
+class Terminal:
+    """A terminal of 24 lines for the output of a program that is watched while it runs."""
+
+    def __init__(self, width=100):
+        self.ours, self.theirs = pty.openpty()
+        termios.tcsetwinsize(self.theirs, (24, width))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        for end in (self.ours, self.theirs):
+            if end is not None:
+                os.close(end)
+
+    def started(self):
+        """The program has its end now."""
+        os.close(self.theirs)
+        self.theirs = None
+
+    def read_all(self):
+        """What it wrote, once it has ended."""
+        shown = b""
+        while True:
+            try:
+                shown += os.read(self.ours, 65536)
+            except OSError:  # the other side is closed
+                return shown.decode()
 
 
 def wait_until(what, seconds=20):

@@ -1,17 +1,15 @@
 """Rescues that are interrupted: what is there is complete, and the same command goes on to the end."""
 
 import os
-import pty
 import re
 import signal
 import subprocess
 import tempfile
-import termios
 import time
 import unittest
 
 from database_writer import library
-from program import run, start, wait_until
+from program import Terminal, run, start, wait_until
 
 PARTIAL = ".zemhost-rescue.part"
 CONTINUE = "run the same command again to go on where it ended"
@@ -165,21 +163,13 @@ class InterruptedRescue(unittest.TestCase):
 
     def test_a_terminal_shows_a_line_that_changes(self):
         self.player = Player(self.folder, 2000)
-        ours, theirs = pty.openpty()
-        termios.tcsetwinsize(theirs, (24, 100))
-        process = self.start_and_stop(100, stdout=theirs)
-        os.close(theirs)
-        time.sleep(0.7)  # a rate and the time left are shown after half a second
-        process.send_signal(signal.SIGCONT)
-        shown = b""
-        while True:
-            try:
-                shown += os.read(ours, 65536)
-            except OSError:  # the other side is closed
-                break
-        os.close(ours)
+        with Terminal(100) as terminal:
+            process = self.start_and_stop(100, stdout=terminal.theirs)
+            terminal.started()
+            time.sleep(0.7)  # a rate and the time left are shown after half a second
+            process.send_signal(signal.SIGCONT)
+            lines = terminal.read_all().split("\r")
         self.assertEqual(process.wait(), 0)
-        lines = shown.decode().split("\r")
         bars = [line for line in lines if line.startswith("[")]
         self.assertTrue(all(len(line) < 100 for line in bars), bars)
         self.assertTrue(any(re.fullmatch(r"\[#+\.*\] \d+ %  \d+ of 2000 songs  [0-9.]+ k?B/s  \d+:\d\d left *", line)
@@ -191,13 +181,12 @@ class InterruptedRescue(unittest.TestCase):
 
     def test_an_interruption_ends_the_changing_line(self):
         self.player = Player(self.folder, 2000)
-        ours, theirs = pty.openpty()
-        process = self.start_and_stop(200, stdout=theirs)
-        os.close(theirs)
-        process.send_signal(signal.SIGINT)
-        process.send_signal(signal.SIGCONT)
-        _, err = process.communicate(timeout=20)
-        os.close(ours)
+        with Terminal() as terminal:
+            process = self.start_and_stop(200, stdout=terminal.theirs)
+            terminal.started()
+            process.send_signal(signal.SIGINT)
+            process.send_signal(signal.SIGCONT)
+            _, err = process.communicate(timeout=20)
         self.assertEqual(err.decode(), f"\nzemhost: interrupted; {CONTINUE}\n")
 
 

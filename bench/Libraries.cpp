@@ -1,6 +1,5 @@
 #include "bench/Libraries.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -93,8 +92,7 @@ const char *NameOf(Texts texts) {
 }
 
 std::string LibraryFile(uint32_t songs, Texts texts) {
-  const char *folder = std::getenv("ZEM_BENCH_FILES");
-  const std::filesystem::path files = folder == nullptr ? "bench-files" : folder;
+  const std::filesystem::path files = ZEM_BENCH_FILES;
   std::filesystem::create_directories(files);
   const std::filesystem::path path = files / (std::string(NameOf(texts)) + "-" + std::to_string(songs));
   if (!std::filesystem::exists(path)) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The database files that are measured: written once into the folder named by ZEM_BENCH_FILES (else the
-// working folder's `bench-files`) and kept, since the largest takes longer to write than to measure.
+// The database files that are measured: written once into the folder `files` of the build and
+// kept, since the largest takes longer to write than to measure.
 
 #include <cstdint>
 #include <string>

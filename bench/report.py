@@ -74,6 +74,11 @@ def main():
                           ("TitleUnconverted", 60), ("TitleInShiftJIS", 60), ("Path", 60)):
         at_most(f"method: {method}", call[method], limit, "ns")
 
+    bare_load, bare_call = (medians(folder / f"{name}-unhardened.json") for name in ("load_bench", "call_bench"))
+    at_most("hardened over not: load, 100000 songs", load["Load/usual/100000"] / bare_load["Load/usual/100000"], 1.1)
+    for method in ("Integer", "Title", "Path"):
+        at_most(f"hardened over not: method {method}", call[method] / bare_call[method], 1.25)
+
     few, many = (seconds_to_list(sys.argv[2], f"{sys.argv[3]}/usual-{songs}") for songs in (10000, 100000))
     at_most("zemhost songs, time per song, 100000 over 10000", many / 10 / few, 1.5)
 

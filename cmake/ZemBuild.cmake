@@ -7,6 +7,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# Libraries are looked for from where a program lies, never from the folder in which it is started.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 add_library(zem_options INTERFACE)
 target_compile_options(zem_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
@@ -27,6 +29,15 @@ function(zem_compile_together name)
   set_target_properties(${name} PROPERTIES UNITY_BUILD ${ZEM_TOGETHER})
 endfunction()
 
+# zem_tests_need(TARGET...): what the tests of this folder run. `./test FOLDER` builds tests_FOLDER, and so these alone.
+function(zem_tests_need)
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
+  if(NOT TARGET tests_${folder})
+    add_custom_target(tests_${folder})
+  endif()
+  add_dependencies(tests_${folder} ${ARGN})
+endfunction()
+
 # zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program whose cases CTest learns from the program itself.
 # CTest's names begin with the folder's, so that `./test db` runs one folder. The program's own sources are optimised
 # little: compiling them takes longer than running them.
@@ -36,6 +47,7 @@ function(zem_add_test name)
   target_compile_options(${name} PRIVATE -Og)
   zem_compile_together(${name})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
+  zem_tests_need(${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
   gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
 endfunction()

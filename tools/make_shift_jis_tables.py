@@ -11,7 +11,6 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-DEFAULT_MAPPING = ROOT.parent / "shared" / "data" / "shift_jis_mapping.tsv"
 DEFAULT_OUTPUT = ROOT / "unicode" / "ShiftJISTables.h"
 
 # U+FFE5 is mapped but has never been part of the tables: page FF ends at U+FFE3.
@@ -115,7 +114,7 @@ def source_text(pages):
 
 def main():
     parser = argparse.ArgumentParser(description="Write the Shift_JIS page tables from the published mapping.")
-    parser.add_argument("mapping", nargs="?", type=Path, default=DEFAULT_MAPPING, help="default: %(default)s")
+    parser.add_argument("mapping", type=Path, help="the published mapping")
     parser.add_argument("-o", "--output", type=Path, default=DEFAULT_OUTPUT, help="default: %(default)s")
     parser.add_argument("--check", action="store_true", help="write nothing; fail when the output is out of date")
     arguments = parser.parse_args()

@@ -1,8 +1,8 @@
 #include <cstddef>
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <string>
 
-#include "gtest/gtest.h"
 #include "tests/unicode/Utf16Bytes.h"
 #include "unicode/ZemUnicode.h"
 

@@ -1,11 +1,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <limits>
 #include <new>
 #include <string>
 
-#include "gtest/gtest.h"
 #include "tests/unicode/Utf16Bytes.h"
 #include "unicode/ZemUnicode.h"
 

@@ -1,11 +1,11 @@
 #include <array>
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "gtest/gtest.h"
 #include "tests/unicode/ShiftJisModel.h"
 #include "unicode/ZemUnicode.h"
 

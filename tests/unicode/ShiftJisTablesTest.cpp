@@ -1,12 +1,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iconv.h>
 #include <map>
 #include <sstream>
 #include <string>
 
-#include "gtest/gtest.h"
 #include "tests/support/Folders.h"
 #include "unicode/ShiftJISTables.h"
 #include "unicode/ZemUnicode.h"

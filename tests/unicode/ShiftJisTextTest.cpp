@@ -1,9 +1,9 @@
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <limits>
 #include <string>
 #include <string_view>
 
-#include "gtest/gtest.h"
 #include "tests/unicode/Utf16Bytes.h"
 #include "unicode/ZemUnicode.h"
 

@@ -36,6 +36,11 @@ class MakeTables(unittest.TestCase):
         for word in words:
             self.assertIn(str(word), result.stderr)
 
+    def test_mapping_must_be_named(self):
+        result = run("-o", self.output)
+        self.assertEqual(result.returncode, 2)
+        self.assertIn("mapping", result.stderr)
+
     @unittest.skipUnless(MAPPING.exists(), "the published mapping is not there")
     def test_committed_file_is_what_the_script_writes(self):
         result = run(MAPPING, "--check")

@@ -5,18 +5,18 @@
 namespace zemhost {
 namespace {
 
-constexpr int32_t kPlayer = 1;
-constexpr int32_t kDesktop = 0;
+constexpr int32_t kPlayerVariant = 1;
+constexpr int32_t kDesktopVariant = 0;
 
 TEST(Rates, LittleEndianFileGivesThemReversed) {
-  EXPECT_EQ(rateWord(static_cast<int32_t>(0x80000000U), kPlayer), 128U);
-  EXPECT_EQ(rateWord(0x000044AC, kPlayer), 44100U << 16);
-  EXPECT_EQ(rateWord(0x40010000, kPlayer), 320U);
+  EXPECT_EQ(rateWord(static_cast<int32_t>(0x80000000U), kPlayerVariant), 128U);
+  EXPECT_EQ(rateWord(0x000044AC, kPlayerVariant), 44100U << 16);
+  EXPECT_EQ(rateWord(0x40010000, kPlayerVariant), 320U);
 }
 
 TEST(Rates, BigEndianFileGivesThemStraight) {
-  EXPECT_EQ(rateWord(128, kDesktop), 128U);
-  EXPECT_EQ(rateWord(static_cast<int32_t>(44100U << 16), kDesktop), 44100U << 16);
+  EXPECT_EQ(rateWord(128, kDesktopVariant), 128U);
+  EXPECT_EQ(rateWord(static_cast<int32_t>(44100U << 16), kDesktopVariant), 44100U << 16);
 }
 
 TEST(Rates, SampleRateIsFixedPointAndRounded) {

@@ -26,7 +26,7 @@ class CiTunesDB {
   CiTunesDB &operator=(const CiTunesDB &) = delete;
 
   int32_t error = 0;
-  bool useSJIS = false;
+  int32_t useSJIS = 0;   // whether host code wants Shift_JIS
   int32_t libType = 0;   // 1 little-endian, 0 big-endian
   int32_t listType = 0;  // of the data set being walked; 2 holds playlists
   int32_t infoType = 0;  // of the record being filled: 1 or 5 track, 2 or 6 playlist, 3 or 7 playlist entry
@@ -39,7 +39,7 @@ class CiTunesDB {
   ByteString vln;  // the volume's name
 
   int32_t LIBTYPE() const { return libType; }
-  bool UseSJIS() const { return useSJIS; }
+  int32_t UseSJIS() const { return useSJIS; }
   const ByteString &VOLNAME() const { return vln; }
 
   // Reads a whole database file, either variant, from a seekable stream and appends its songs and playlists.
@@ -83,7 +83,10 @@ class CiTunesDB {
 
   // The first other object whose idx is `num`; errSongInfo for an invalid index or a negative number, and
   // {-1, 0, ""} when the song has none.
-  const songInfo &SongsUnknownObjectInfo(int32_t index, int32_t num) const;
+  songInfo SongsUnknownObjectInfo(int32_t index, int32_t num) const { return SongsUnknownCell(index, num); }
+
+  // The same without a copy. Valid until the database changes.
+  const songInfo &SongsUnknownCell(int32_t index, int32_t num) const;
 
   // Whether songs a and b agree in object `num`: 3 album (with the artist), 4 artist, 5 genre, 6 file type,
   // 12 composer. mode 0 compares idx, 1 the texts byte for byte, 2 the codes. Anything else is false.
@@ -98,7 +101,10 @@ class CiTunesDB {
   int32_t PlayListTypeII(int32_t p) const;
 
   // The playlist's name; errSongInfo for an invalid index.
-  const songInfo &PlayListNameInfo(int32_t p) const;
+  songInfo PlayListNameInfo(int32_t p) const { return PlayListNameCell(p); }
+
+  // The same without a copy. Valid until the database changes.
+  const songInfo &PlayListNameCell(int32_t p) const;
 
   // True when position i of playlist p names no entry.
   bool PLR(int32_t p, int32_t i) const;

@@ -8,7 +8,7 @@ int32_t CiTunesDB::PlayListTypeII(int32_t p) const {
   return HasPlayList(p) ? plays[static_cast<size_t>(p)].GetTypeII() : 0;
 }
 
-const songInfo &CiTunesDB::PlayListNameInfo(int32_t p) const {
+const songInfo &CiTunesDB::PlayListNameCell(int32_t p) const {
   return HasPlayList(p) ? plays[static_cast<size_t>(p)].GetTitleInfo() : errSongInfo;
 }
 

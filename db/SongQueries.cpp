@@ -140,7 +140,7 @@ void CiTunesDB::SetSongsObjectInfo(int32_t index, int32_t num, ByteString text, 
   cell->obj = std::move(text);
 }
 
-const songInfo &CiTunesDB::SongsUnknownObjectInfo(int32_t index, int32_t num) const {
+const songInfo &CiTunesDB::SongsUnknownCell(int32_t index, int32_t num) const {
   if (!songs.Has(index) || num < 0) return errSongInfo;
   for (const songInfo &other : songs[static_cast<size_t>(index)].unknown) {
     if (other.idx == num) return other;

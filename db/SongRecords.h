@@ -151,11 +151,11 @@ class CPlayList {
   void SetTypeII(uint8_t type) { listTypeII = type; }
   void SetRefNum(const refidx &entry) { refnum.push_back(entry); }
   int32_t CountSongs() const { return static_cast<int32_t>(refnum.size()); }
-  bool PlaySong(size_t i) const { return refnum[i].ply == 0; }
+  int32_t PlaySong(size_t i) const { return refnum[i].ply; }  // 0: plays
   int32_t RefNum(size_t i) const { return refnum[i].ref; }
   int32_t Index(size_t i) const { return refnum[i].idx; }
   int32_t Flags(size_t i) const { return refnum[i].flg; }
-  const refidx &REFIDX(size_t i) const { return refnum[i]; }
+  const std::vector<refidx> &REFIDX() const { return refnum; }
 
   // Stores the playlist's name from a data object; arguments and result as CSongList::SetObj.
   int32_t SetTitle(const fsbbStruct *fsbb, uint8_t *objPtr, uint32_t _encode, int32_t libType,

@@ -24,11 +24,10 @@ constexpr std::array<uint32_t, 8> kEncodings = {1, 3, 0, 2, 0x01000000, 0x030000
 void ConvertsAsTheModel(std::string_view text, uint32_t encoding) {
   const auto code = static_cast<int32_t>(encoding);
   const std::string expected = model::ConvertToShiftJis(std::string(text), encoding);
-  Require(ConvSJIS(text, code) == expected, "ConvSJIS differs from the model");
-  // A block of just the room that is asked for.
-  const auto room = std::make_unique<char[]>(text.size() + 1);
-  const size_t length = ConvSJISInto(text, code, room.get());
-  Require(std::string_view(room.get(), length) == expected, "ConvSJISInto differs from the model");
+  // A block of just the text's size.
+  const auto block = std::make_unique<char[]>(text.size());
+  std::copy(text.begin(), text.end(), block.get());
+  Require(ConvSJIS({block.get(), text.size()}, code).View() == expected, "ConvSJIS differs from the model");
 }
 
 // An odd text is paired with the byte after it.
@@ -38,8 +37,8 @@ void ConvertsPlainUtf16(std::string_view text) {
   block[text.size()] = 'A';
   const auto size = static_cast<int32_t>(text.size());
   const std::string all(block.get(), text.size() + text.size() % 2);
-  Require(lUnicode2SJIS(block.get(), size) == model::UnicodeToShiftJis(all), "lUnicode2SJIS differs");
-  Require(lUnicode2SJIS(block.get(), -size).empty(), "a text of negative length gives something");
+  Require(lUnicode2SJIS(block.get(), size).View() == model::UnicodeToShiftJis(all), "lUnicode2SJIS differs");
+  Require(lUnicode2SJIS(block.get(), -size).View().empty(), "a text of negative length gives something");
 }
 
 // One unit after the other, as long as no byte-order mark stands among them and the text is too short for the

@@ -33,7 +33,6 @@ void AppendName(ByteString &volume, const FSSpec &spec) {
 void ZemRbiTunesDB_ZemRbiTunesDB(REALobject instance) {
   RbiTunesDBData *data = InstanceData(instance);
   if (data == nullptr) return;
-  delete data->db;  // a second call starts anew
   data->dbf = nullptr;
   data->ecd = kCFStringEncodingUTF8;
   data->db = new (std::nothrow) CiTunesDB;

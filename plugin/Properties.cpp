@@ -14,12 +14,12 @@ int32_t Get_LibType(REALobject instance, intptr_t /*parameter*/) {
 
 REALboolean Get_UseSJIS(REALobject instance, intptr_t /*parameter*/) {
   const CiTunesDB *db = Database(instance);
-  return ToBoolean(db != nullptr && db->UseSJIS());
+  return ToBoolean(db != nullptr && db->UseSJIS() != 0);
 }
 
 void Set_UseSJIS(REALobject instance, intptr_t /*parameter*/, REALboolean value) {
   CiTunesDB *db = Database(instance);
-  if (db != nullptr) db->useSJIS = value != REALboolean::False;
+  if (db != nullptr) db->useSJIS = value == REALboolean::False ? 0 : 1;
 }
 
 int32_t Get_ResultEncode(REALobject instance, intptr_t /*parameter*/) {
@@ -39,7 +39,7 @@ REALstring Get_VolumeName(REALobject instance, intptr_t /*parameter*/) {
 }
 
 REALboolean Get_ZeroBasePlayerlist(REALobject /*instance*/, intptr_t /*parameter*/) {
-  return ToBoolean(gListSet > 0);
+  return ToBoolean(gListSet != 0);
 }
 
 void Set_ZeroBasePlayerlist(REALobject /*instance*/, intptr_t /*parameter*/, REALboolean value) {

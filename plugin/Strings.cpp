@@ -32,7 +32,7 @@ int32_t SongOf(const CiTunesDB &db, int32_t dataType, int32_t playlist, int32_t 
 const songInfo &Cell(const CiTunesDB &db, int32_t dataType, int32_t param, int32_t playlist, int32_t index) {
   switch (dataType) {
     case kFromPlayListName:
-      return db.PlayListNameInfo(PlayNum(playlist));
+      return db.PlayListNameCell(PlayNum(playlist));
     case kFromSong:
     case kFromPlayList:
     case kFromTrackID:
@@ -40,7 +40,7 @@ const songInfo &Cell(const CiTunesDB &db, int32_t dataType, int32_t param, int32
     case kUnknownFromSong:
     case kUnknownFromPlayList:
     case kUnknownFromTrackID:
-      return db.SongsUnknownObjectInfo(SongOf(db, dataType, playlist, index), param);
+      return db.SongsUnknownCell(SongOf(db, dataType, playlist, index), param);
     default:
       return errSongInfo;
   }
@@ -73,14 +73,14 @@ REALstring GetEncodingStringData(const std::string_view *d, uint32_t encode, int
   } else if (encode == kUnknownForm) {
     result = CutOffZeroInString(d);
     if (result != nullptr) code = REALGetStringEncoding(result);
-  } else if (iTunes->db->UseSJIS()) {
+  } else if (iTunes->db->UseSJIS() != 0) {
     code = kCFStringEncodingShiftJIS;
     if (encode == kCFStringEncodingShiftJIS) {
       result = Build(*d, code);
     } else {
-      ScratchText scratch;
-      char *out = scratch.Room(d->size() + 1);
-      result = Build({out, ConvSJISInto(*d, static_cast<int32_t>(encode), out)}, code);
+      const SJISText text = ConvSJIS(*d, static_cast<int32_t>(encode));
+      if (text.OutOfMemory()) return nullptr;
+      result = Build(text.View(), code);
     }
   } else if (encode == kTrackInfoEncode) {
     // The code stays 0, so even a host that asks for ASCII gets this text by way of its conversion.
@@ -122,8 +122,7 @@ void ZemRbiTunesDB_SetEncodingStringData(REALobject instance, int32_t dataType, 
   if (db == nullptr || dataType != kFromSong) return;
   const std::string_view text(REALstringStruct::CString(data),
                               static_cast<size_t>(REALstringStruct::Length(data)));
-  const uint32_t encode = data == nullptr ? 0 : REALGetStringEncoding(data);
-  db->SetSongsObjectInfo(index, param, text, encode);
+  db->SetSongsObjectInfo(index, param, text, REALGetStringEncoding(data));
 }
 
 REALstring ZemRbiTunesDB_GetTrackTotalInfo(REALobject instance, int32_t index) {

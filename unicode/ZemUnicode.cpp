@@ -4,7 +4,6 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <new>
 
 #include "unicode/ShiftJISTables.h"
 
@@ -14,7 +13,7 @@ constexpr std::int32_t kUtf16 = 1;
 constexpr std::int32_t kAsItIs = 3;
 
 // The output used to collect in a buffer of 10,240 bytes that grew by 1,024 whenever it had 10 bytes or fewer
-// left before a unit, and each growth lost the result to repeat. The buffer is gone; its thresholds stay.
+// left before a unit, and each growth lost the result to repeat. Texts still depend on when that was.
 constexpr std::ptrdiff_t kFirstRoom = 10'240 - 10;
 constexpr std::ptrdiff_t kGrowth = 1'024;
 
@@ -28,13 +27,16 @@ constexpr BytePair Pair(unsigned first, unsigned second) {
       std::array{static_cast<std::uint8_t>(first), static_cast<std::uint8_t>(second)});
 }
 
-constexpr BytePair kHighByteFirstMark = Pair(0xFF, 0xFE);
-constexpr BytePair kLowByteFirstMark = Pair(0xFE, 0xFF);
-
 constexpr BytePair kLeadByte = Pair(0xFF, 0);
 
-// The codes of all units, holes included: a look-up is one load and no test. Going through the page tables
-// took a title about three times as long.
+// A code's number from its bytes, and back.
+constexpr std::uint16_t Number(BytePair code) {
+  return std::endian::native == std::endian::little ? static_cast<std::uint16_t>(code << 8 | code >> 8)
+                                                    : code;
+}
+
+// The codes of all units, 0 for those without one: a look-up is one load and no test. Going through the page
+// tables took a title about three times as long.
 constexpr std::array<BytePair, 0x10000> kCodes = [] {
   constexpr unsigned kLastPlainByte = 0x7C;
   std::array<BytePair, 0x10000> codes{};
@@ -55,16 +57,31 @@ constexpr std::array<bool, 0x100> kHasTable = [] {
   return hasTable;
 }();
 
-BytePair CodeOf(std::uint8_t high, std::uint8_t low, BytePair lastResult) {
-  const BytePair code = kCodes[Pair(high, low)];
-  const bool isNul = high == 0 && low == 0;
-  return code != 0 || isNul || kHasTable[high] ? code : lastResult;
+BytePair lastResult = 0;  // of the conversion that goes on
+
+}  // namespace
+
+std::uint16_t UTSchangeOneChar(std::uint8_t c1, std::uint8_t c2) {
+  BytePair code = kCodes[Pair(c1, c2)];
+  if (code == 0) [[unlikely]] {
+    const bool isNul = c1 == 0 && c2 == 0;
+    if (!isNul && !kHasTable[c1]) code = lastResult;
+  }
+  lastResult = code;
+  return Number(code);
 }
 
-BytePair Load(const char *from) {
-  BytePair pair = 0;
-  std::memcpy(&pair, from, sizeof pair);
-  return pair;
+namespace {
+
+// One unit, high byte first or low byte first.
+BytePair Changed(const char *unit, bool lowByteFirst) {
+  const auto b0 = static_cast<std::uint8_t>(unit[0]);
+  const auto b1 = static_cast<std::uint8_t>(unit[1]);
+  return Number(lowByteFirst ? UTSchangeOneChar(b1, b0) : UTSchangeOneChar(b0, b1));
+}
+
+bool HasCode(const char *unit) {
+  return kCodes[Pair(static_cast<std::uint8_t>(unit[0]), static_cast<std::uint8_t>(unit[1]))] != 0;
 }
 
 void Store(BytePair pair, char *to) { std::memcpy(to, &pair, sizeof pair); }
@@ -79,107 +96,73 @@ char *Put(BytePair code, char *out) {
   return out + (2 - leadMissing);
 }
 
-struct Cursor {
-  const char *in;
-  char *out;
-};
-
-// Converts whole units up to `end` or the first one without a code of its own, high byte first.
-Cursor ConvertMapped(Cursor at, const char *end) {
-  auto [in, out] = at;
-  for (; end - in >= 8; in += 8) {
-    const BytePair c0 = kCodes[Load(in)];
-    const BytePair c1 = kCodes[Load(in + 2)];
-    const BytePair c2 = kCodes[Load(in + 4)];
-    const BytePair c3 = kCodes[Load(in + 6)];
-    // Every lead byte has its top bit set, so that something is left when none is missing.
-    if ((c0 & c1 & c2 & c3 & kLeadByte) != 0) {
-      Store(c0, out);
-      Store(c1, out + 2);
-      Store(c2, out + 4);
-      Store(c3, out + 6);
-      out += 8;
-    } else if (c0 != 0 && c1 != 0 && c2 != 0 && c3 != 0) {
-      out = Put(c3, Put(c2, Put(c1, Put(c0, out))));
-    } else {
-      break;
-    }
-  }
-  for (; in != end; in += 2) {
-    const BytePair code = kCodes[Load(in)];
-    if (code == 0) break;
-    out = Put(code, out);
-  }
-  return {in, out};
-}
-
-// One conversion, which may be fed its text in pieces.
+// One conversion, from whole units into a room that holds as many bytes.
 class Conversion {
  public:
-  // Writes the Shift_JIS text of `text` to `out` and returns its length, at most that of `text` plus one.
-  // Only the last piece may be odd: its last byte is paired with byteAfter.
-  std::size_t Convert(std::string_view text, char byteAfter, char *out) {
-    Cursor at = {text.data(), out};
-    const char *const end = text.data() + text.size();
-    while (at.in != end) {
-      if (!lowByteFirst_) at = ConvertUpToGrowth(at, end);
-      if (at.in == end) break;
-      const bool odd = end - at.in == 1;
-      at.out = ConvertUnit(at.in[0], odd ? byteAfter : at.in[1], at.out);
-      at.in += odd ? 1 : 2;
+  Conversion(const char *in, std::size_t units, char *out)
+      : in_(in), end_(in + 2 * units), out_(out), full_(out + kFirstRoom) {}
+
+  // Returns the end of what was written.
+  char *Run() {
+    UTSchangeOneChar(0, 0);
+    for (;;) {
+      if (!lowByteFirst_) ConvertFours();
+      if (in_ == end_) return out_;
+      ConvertUnit();
     }
-    return static_cast<std::size_t>(at.out - out);
   }
 
  private:
-  // A unit gives two bytes at the most: as much text as there is room reaches no growth.
-  Cursor ConvertUpToGrowth(Cursor from, const char *end) {
-    const std::ptrdiff_t units = std::min(end - from.in, room_) / 2;
-    const Cursor to = ConvertMapped(from, from.in + 2 * units);
-    if (to.in != from.in) lastResult_ = kCodes[Load(to.in - 2)];
-    room_ -= to.out - from.out;
-    return to;
+  // Takes four units at a time while all of them have codes. The compiler sees that such units repeat
+  // nothing, and makes four look-ups of the four calls.
+  void ConvertFours() {
+    // A unit gives two bytes at the most: as much text as there is room reaches no growth.
+    if (out_ >= full_) return;
+    const auto bytes = static_cast<std::size_t>(std::min(end_ - in_, full_ - out_));
+    const char *const stop = in_ + bytes / 8 * 8;
+    const char *in = in_;
+    char *out = out_;
+    for (; in != stop; in += 8) {
+      if (!HasCode(in) || !HasCode(in + 2) || !HasCode(in + 4) || !HasCode(in + 6)) break;
+      const BytePair c0 = Changed(in, false);
+      const BytePair c1 = Changed(in + 2, false);
+      const BytePair c2 = Changed(in + 4, false);
+      const BytePair c3 = Changed(in + 6, false);
+      // Every lead byte has its top bit set, so that something is left when none is missing.
+      if ((c0 & c1 & c2 & c3 & kLeadByte) != 0) {
+        Store(c0, out);
+        Store(c1, out + 2);
+        Store(c2, out + 4);
+        Store(c3, out + 6);
+        out += 8;
+      } else {
+        out = Put(c3, Put(c2, Put(c1, Put(c0, out))));
+      }
+    }
+    in_ = in;
+    out_ = out;
   }
 
-  char *ConvertUnit(char first, char second, char *out) {
-    if (room_ <= 0) {
-      room_ += kGrowth;
-      lastResult_ = 0;
+  void ConvertUnit() {
+    if (out_ >= full_) {
+      full_ += kGrowth;
+      UTSchangeOneChar(0, 0);
     }
-    const auto b0 = static_cast<std::uint8_t>(first);
-    const auto b1 = static_cast<std::uint8_t>(second);
-    if (const BytePair unit = Pair(b0, b1); unit == kHighByteFirstMark || unit == kLowByteFirstMark) {
-      lowByteFirst_ = unit == kLowByteFirstMark;
-      return out;
+    const std::string_view unit(in_, 2);
+    if (unit == "\xFF\xFE" || unit == "\xFE\xFF") {
+      lowByteFirst_ = unit == "\xFE\xFF";
+    } else if (const BytePair code = Changed(in_, lowByteFirst_); code != 0) {
+      out_ = Put(code, out_);
     }
-    lastResult_ = lowByteFirst_ ? CodeOf(b1, b0, lastResult_) : CodeOf(b0, b1, lastResult_);
-    if (lastResult_ == 0) return out;
-    char *const end = Put(lastResult_, out);
-    room_ -= end - out;
-    return end;
+    in_ += 2;
   }
 
-  BytePair lastResult_ = 0;
+  const char *in_;
+  const char *end_;
+  char *out_;
+  const char *full_;  // where the room has to grow
   bool lowByteFirst_ = false;
-  std::ptrdiff_t room_ = kFirstRoom;
 };
-
-std::string Converted(std::string_view text, char byteAfter) {
-  constexpr std::size_t kPiece = 8'192;
-  std::array<char, kPiece + 1> piece;
-  std::string result;
-  Conversion conversion;
-  try {
-    while (!text.empty()) {
-      const std::string_view next = text.substr(0, kPiece);
-      result.append(piece.data(), conversion.Convert(next, byteAfter, piece.data()));
-      text.remove_prefix(next.size());
-    }
-  } catch (const std::bad_alloc &) {
-    return result;
-  }
-  return result;
-}
 
 // Whether the text is single-byte characters stored high byte first: every unit is 00 and a byte that is not.
 bool IsPlain(std::string_view text) {
@@ -187,7 +170,7 @@ bool IsPlain(std::string_view text) {
       std::bit_cast<std::uint64_t>(std::array<std::uint8_t, 8>{0xFF, 0, 0xFF, 0, 0xFF, 0, 0xFF, 0});
   constexpr std::uint64_t kOnes = 0x0101010101010101;
   constexpr std::uint64_t kTopBits = 0x8080808080808080;
-  if (text.size() % 2 != 0) return false;
+  if (text.size() % 2 != 0 || text.empty() || text[0] != 0) return false;
   for (; text.size() >= 8; text.remove_prefix(8)) {
     std::uint64_t units = 0;
     std::memcpy(&units, text.data(), sizeof units);
@@ -202,47 +185,39 @@ bool IsPlain(std::string_view text) {
   return true;
 }
 
-void CopyPlain(std::string_view text, char *out) {
-  for (std::size_t at = 1; at < text.size(); at += 2) *out++ = text[at];
+// Apart from the usual conversion, which is quicker without them in one function.
+[[gnu::noinline]] SJISText AsItIs(std::string_view a) {
+  return {a.size(), [a](char *out) { return a.copy(out, a.size()); }};
+}
+
+[[gnu::noinline]] SJISText Plain(std::string_view a) {
+  return {a.size() / 2, [a](char *out) {
+            for (std::size_t at = 1; at < a.size(); at += 2) *out++ = a[at];
+            return a.size() / 2;
+          }};
+}
+
+// The byte after the text, which is not the text's, has to be zero. No unit gives more bytes than it has, so
+// that the copy is converted in its place.
+[[gnu::noinline]] SJISText Odd(std::string_view a) {
+  return {a.size() + 1, [a](char *out) {
+            out[a.copy(out, a.size())] = '\0';
+            return static_cast<std::size_t>(Conversion(out, (a.size() + 1) / 2, out).Run() - out);
+          }};
 }
 
 }  // namespace
 
-std::uint16_t UTSchangeOneChar(std::uint8_t c1, std::uint8_t c2) {
-  static BytePair lastResult = 0;
-  lastResult = CodeOf(c1, c2, lastResult);
-  const auto bytes = std::bit_cast<std::array<std::uint8_t, 2>>(lastResult);
-  return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
-}
-
-std::string lUnicode2SJIS(const char *in_con, std::int32_t strSize) {
+SJISText lUnicode2SJIS(const char *in_con, std::int32_t strSize) {
   if (strSize <= 0) return {};
-  const auto size = static_cast<std::size_t>(strSize);
-  return Converted({in_con, size}, size % 2 != 0 ? in_con[size] : '\0');
+  const std::size_t units = (static_cast<std::size_t>(strSize) + 1) / 2;
+  return {2 * units,
+          [=](char *out) { return static_cast<std::size_t>(Conversion(in_con, units, out).Run() - out); }};
 }
 
-std::string ConvSJIS(std::string_view a, std::int32_t encode) {
-  try {
-    if (encode == kAsItIs) return std::string(a);
-    if (encode != kUtf16 && IsPlain(a)) {
-      std::string result(a.size() / 2, '\0');
-      CopyPlain(a, result.data());
-      return result;
-    }
-  } catch (const std::bad_alloc &) {
-    return {};
-  }
-  return Converted(a, '\0');
-}
-
-std::size_t ConvSJISInto(std::string_view a, std::int32_t encode, char *out) {
-  if (encode == kAsItIs) {
-    std::copy(a.begin(), a.end(), out);
-    return a.size();
-  }
-  if (encode != kUtf16 && IsPlain(a)) {
-    CopyPlain(a, out);
-    return a.size() / 2;
-  }
-  return Conversion().Convert(a, '\0', out);
+SJISText ConvSJIS(std::string_view a, std::int32_t encode) {
+  if (encode == kAsItIs) return AsItIs(a);
+  if (encode != kUtf16 && IsPlain(a)) return Plain(a);
+  if (a.size() % 2 != 0) return Odd(a);
+  return lUnicode2SJIS(a.data(), static_cast<std::int32_t>(a.size()));
 }

@@ -2,7 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <memory>
+#include <new>
 #include <string_view>
 
 // UTF-16 to Shift_JIS by this library's own tables: the Unicode Consortium's SHIFTJIS.TXT, not code page 932.
@@ -12,23 +13,50 @@
 // are taken low byte first, after FF FE (and without a mark) high byte first. Both are the contract, not
 // accidents.
 //
-// Nothing here throws. When memory runs out the text converted so far is the answer.
+// Nothing here throws. Calls come from one thread.
+
+// The bytes of a converted text. Those of a title stand in the object itself: handing out a thousand titles
+// asks for no memory.
+class SJISText {
+ public:
+  SJISText() {}
+  // The text that write(char *out) puts into `room` bytes; it returns how many of them count. Without memory
+  // for the room the text is empty and says so.
+  template <typename Write>
+  SJISText(std::size_t room, Write write) {
+    char *out = near_;
+    if (room > sizeof near_) {
+      far_.reset(new (std::nothrow) char[room]);
+      out = far_.get();
+    }
+    outOfMemory_ = out == nullptr;
+    if (out != nullptr) size_ = write(out);
+  }
+  SJISText(const SJISText &) = delete;
+  SJISText &operator=(const SJISText &) = delete;
+
+  // Valid as long as this object.
+  std::string_view View() const { return {far_ ? far_.get() : near_, size_}; }
+  bool OutOfMemory() const { return outOfMemory_; }
+
+ private:
+  std::size_t size_ = 0;
+  bool outOfMemory_ = false;
+  std::unique_ptr<char[]> far_;
+  char near_[488];  // not written to before it is used
+};
 
 // Returns the Shift_JIS code of the UTF-16 code unit with high byte c1 and low byte c2: a double-byte code
-// with its lead byte high, a single-byte code below 0x100, or 0 for nothing to write. The calls made one
-// after another count as one conversion, whatever the functions below do in between: an unmapped unit gives
-// the result of the call before it, and UTSchangeOneChar(0, 0) starts anew. For one thread at a time.
+// with its lead byte high, a single-byte code below 0x100, or 0 for nothing to write. An unmapped unit gives
+// the result of the call before it. lUnicode2SJIS calls this for each of its units and starts anew with
+// nothing to repeat, as UTSchangeOneChar(0, 0) does.
 std::uint16_t UTSchangeOneChar(std::uint8_t c1, std::uint8_t c2);
 
-// Returns the Shift_JIS text of the strSize bytes of UTF-16 at in_con; empty when strSize is 0 or less.
-// An odd last byte is paired with the byte after it, which must then be readable.
-std::string lUnicode2SJIS(const char *in_con, std::int32_t strSize);
+// Returns the Shift_JIS text of the strSize bytes of UTF-16 at in_con; empty when strSize is 0 or less, and
+// when memory runs out. An odd last byte is paired with the byte after it, which must then be readable.
+SJISText lUnicode2SJIS(const char *in_con, std::int32_t strSize);
 
-// Returns the Shift_JIS text of a stored string `a` whose encoding code is `encode`. 3: the bytes as they
-// are. 1: UTF-16. Any other: text made only of units 00 01 to 00 FF gives their second bytes as they stand,
-// all other text is converted as UTF-16. An odd last byte is paired with a zero.
-std::string ConvSJIS(std::string_view a, std::int32_t encode);
-
-// Writes what ConvSJIS(a, encode) returns to `out` and returns its length in bytes. `out` must have room for
-// a.size() + 1 bytes, all of which may be written to. Allocates nothing.
-std::size_t ConvSJISInto(std::string_view a, std::int32_t encode, char *out);
+// Returns the Shift_JIS text of a stored string `a` whose encoding code is `encode`; empty when memory runs
+// out. 3: the bytes as they are. 1: UTF-16. Any other: text made only of units 00 01 to 00 FF gives their
+// second bytes as they stand, all other text is converted as UTF-16. An odd last byte is paired with a zero.
+SJISText ConvSJIS(std::string_view a, std::int32_t encode);

@@ -42,6 +42,15 @@ TEST_F(PlayListQueries, InvalidIndexHasTypeZeroAndTheEmptyName) {
   }
 }
 
+TEST_F(PlayListQueries, NameInfoIsACopy) {
+  songInfo name = database_.PlayListNameInfo(1);
+  name.obj = "changed";
+  EXPECT_EQ(database_.PlayListNameInfo(1).obj.View(), "name");
+  const songInfo before = database_.PlayListNameInfo(1);
+  database_.plays[1].name.obj = "later";
+  EXPECT_EQ(before.obj.View(), "name");
+}
+
 TEST_F(PlayListQueries, NameIsTheWholeCell) {
   EXPECT_EQ(database_.PlayListNameInfo(1).idx, 15);
   EXPECT_EQ(database_.PlayListNameInfo(1).enc, 3U);

@@ -33,7 +33,7 @@ std::string AskSong(const CiTunesDB &database, int32_t song) {
 
 std::string AskPlayList(const CiTunesDB &database, int32_t list) {
   const bool isNone = list < 0 || static_cast<size_t>(list) >= database.plays.size();
-  if (isNone != (&database.PlayListNameInfo(list) == &errSongInfo))
+  if (isNone != (&database.PlayListNameCell(list) == &errSongInfo))
     return "a playlist is in and out of range";
   if (isNone && (database.PlayListType(list) != 0 || database.PlayListTypeII(list) != 0))
     return "a playlist that there is not has a type";

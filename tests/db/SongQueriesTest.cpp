@@ -158,6 +158,12 @@ TEST_F(SongQueries, NumbersWithoutANamedFieldGiveAnEmptyObject) {
   }
 }
 
+TEST_F(SongQueries, UnknownObjectInfoIsACopy) {
+  const songInfo before = database_.SongsUnknownObjectInfo(1, 7);
+  database_.SetSongsObjectInfo(1, 7, "later", 0);
+  EXPECT_EQ(before.obj.View(), "seven");
+}
+
 TEST_F(SongQueries, ObjectsSevenAndEightAreReachedThroughTheOtherObjects) {
   EXPECT_EQ(database_.SongsObject(1, 7).View(), "");
   EXPECT_EQ(database_.SongsObject(1, 8).View(), "");

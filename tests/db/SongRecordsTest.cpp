@@ -193,13 +193,13 @@ TEST(PlayListRecord, AccessorsReadTheirFields) {
   list.SetRefNum({52, 1, 0, 7});
   list.SetRefNum({53, 2, -1, INT_MIN});
   EXPECT_EQ(list.CountSongs(), 2);
-  EXPECT_TRUE(list.PlaySong(0));
-  EXPECT_FALSE(list.PlaySong(1));
+  EXPECT_EQ(list.PlaySong(0), 0);
+  EXPECT_EQ(list.PlaySong(1), -1);
   EXPECT_EQ(list.RefNum(0), 52);
   EXPECT_EQ(list.Index(1), 2);
   EXPECT_EQ(list.Flags(0), 7);
   EXPECT_EQ(list.Flags(1), INT_MIN);
-  EXPECT_EQ(&list.REFIDX(1), &list.refnum[1]);
+  EXPECT_EQ(&list.REFIDX(), &list.refnum);
 }
 
 TEST(Database, FreshOneIsEmptyAndZero) {

@@ -293,6 +293,28 @@ TEST_F(Dispatchers, FunctionsOfANullObjectAnswerForAMissingDatabase) {
   EXPECT_EQ(Get_LibType(nullptr, 0), -1);
 }
 
+TEST_F(Dispatchers, AnySharedFlagButZeroIsTrue) {
+  for (const int32_t flag : {1, 2, -1, INT32_MIN, INT32_MAX}) {
+    gListSet = flag;
+    EXPECT_EQ(Get_ZeroBasePlayerlist(object_, 0), REALboolean::True) << flag;
+  }
+  gListSet = 0;
+  EXPECT_EQ(Get_ZeroBasePlayerlist(object_, 0), REALboolean::False);
+}
+
+TEST_F(Dispatchers, UseSJISIsAnyOf32BitsAndSetTo0Or1) {
+  CiTunesDB &db = Database();
+  db.songs[0].title.obj = "\0A"sv;
+  for (const int32_t bit : {1, 0x100, 0x10000, INT32_MIN}) {
+    db.useSJIS = bit;
+    EXPECT_EQ(db.UseSJIS(), bit);
+    EXPECT_EQ(Get_UseSJIS(object_, 0), REALboolean::True) << bit;
+    EXPECT_EQ(String(1, 1, 0, 0), Text("A")) << bit;
+    Set_UseSJIS(object_, 0, static_cast<REALboolean>(bit));
+    EXPECT_EQ(db.useSJIS, 1);
+  }
+}
+
 TEST_F(Dispatchers, PlayNumAddsTheSharedFlag) {
   EXPECT_EQ(PlayNum(3), 3);
   gListSet = 1;

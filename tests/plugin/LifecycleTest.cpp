@@ -81,6 +81,18 @@ TEST_F(Lifecycle, DestructorMayRunOnAnObjectWithoutADatabase) {
   Host().Delete(Host().New());
 }
 
+TEST_F(Lifecycle, ConstructorReadsNothingOfABlockThatIsNotZero) {
+  const REALobject object = Host().NewRaw();
+  std::memset(Host().Data(object), 0x5A, static_cast<size_t>(Host().Class()->dataSize));
+  Host().Call<void>(object, "Constructor");
+  EXPECT_EQ(Integer(object, "Error"), 0x5A5A) << "left as the host handed it over";
+  EXPECT_EQ(Integer(object, "LibType"), 0);
+  EXPECT_EQ(Integer(object, "ResultEncode"), 0x08000100);
+  EXPECT_EQ(Count(object, kCountSongs), 0);
+  Write(SmallLibrary());
+  EXPECT_EQ(Load(object, Item(DatabasePath())), 1) << "no load was tried before";
+}
+
 TEST_F(Lifecycle, ObjectsHaveDatabasesOfTheirOwn) {
   const REALobject first = Loaded(SmallLibrary());
   const REALobject second = Host().New();

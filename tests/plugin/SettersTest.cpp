@@ -184,6 +184,12 @@ TEST_P(Setters, OfTheNullStringEmptyTheText) {
   EXPECT_EQ(TextAt("GetTitle(index As Integer) As String", 1), Text("T"));
 }
 
+TEST_P(Setters, OfTheNullStringStoreTheCodeThatTheHostGivesIt) {
+  Host().encodingOfNoString = 78;
+  Host().Call<void>(object_, "SetTitle(index As Integer, name As String)", 0, REALstring());
+  EXPECT_EQ(Host().Call<int32_t>(object_, "GetTitleEncode(index As Integer) As Integer", 0), 78);
+}
+
 TEST_P(Setters, OfTextsKeepZeroBytesAndLongTexts) {
   for (const std::string &bytes : {std::string("a\0b", 3), std::string(300, 'x'), std::string(100000, 'y')}) {
     const REALstring text = Host().MakeString(bytes, kUtf8);

@@ -106,6 +106,7 @@ struct TestHost::Services {
   static uint32_t GetStringEncoding(REALstring string) {
     const InHost here;
     Note("REALGetStringEncoding");
+    if (string == nullptr) return current->encodingOfNoString;
     return current->strings_.Check(string, "REALGetStringEncoding") ? string->mEncoding : 0;
   }
 

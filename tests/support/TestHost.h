@@ -73,9 +73,10 @@ class TestHost {
   // What may change while the host runs.
   double version;
   std::set<std::string> missing;
-  bool buildFails = false;    // REALBuildString answers null
-  bool convertFails = false;  // REALConvertString answers null
-  bool specFails = false;     // REALFSSpecFromFolderItem answers 0
+  uint32_t encodingOfNoString = 0;  // what REALGetStringEncoding answers for the null string
+  bool buildFails = false;          // REALBuildString answers null
+  bool convertFails = false;        // REALConvertString answers null
+  bool specFails = false;           // REALFSSpecFromFolderItem answers 0
   // What REALpathFromFolderItem answers instead of the item's own path; an empty optional is the null string.
   std::function<std::optional<std::string>()> pathOfItems{};
 

@@ -16,7 +16,7 @@ constexpr std::size_t kStep = 1024;
 
 std::string Converted(const std::u16string &units) {
   const std::string bytes = Utf16(units);
-  return lUnicode2SJIS(bytes.data(), static_cast<std::int32_t>(bytes.size()));
+  return std::string(lUnicode2SJIS(bytes.data(), static_cast<std::int32_t>(bytes.size())).View());
 }
 
 // How many bytes an unmapped unit adds after `before`.
@@ -81,7 +81,8 @@ TEST(ShiftJISGrowth, NothingButTheRepeatedResultChanges) {
 TEST(ShiftJISGrowth, ByteOrderHoldsAcrossGrowths) {
   std::string bytes = "\xFE\xFF";
   for (std::size_t i = 0; i < 30'000; ++i) bytes += {'A', '\0'};
-  EXPECT_EQ(lUnicode2SJIS(bytes.data(), static_cast<std::int32_t>(bytes.size())), std::string(30'000, 'A'));
+  EXPECT_EQ(lUnicode2SJIS(bytes.data(), static_cast<std::int32_t>(bytes.size())).View(),
+            std::string(30'000, 'A'));
 }
 
 }  // namespace

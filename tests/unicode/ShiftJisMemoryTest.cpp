@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "tests/unicode/Utf16Bytes.h"
 #include "unicode/ZemUnicode.h"
@@ -25,19 +26,27 @@ void *Allocate(std::size_t size) {
   throw std::bad_alloc();
 }
 
-// Runs `convert` with only `requests` requests for memory answered.
+// Converts with only `requests` requests for memory answered.
 template <typename Convert>
-auto WithRequests(std::size_t requests, Convert convert) {
+void WithRequests(std::size_t requests, Convert convert) {
   requestsMade = 0;
   requestsLeft = requests;
-  auto result = convert();
+  const SJISText text = convert();
   requestsLeft = kUnlimited;
-  return result;
+  EXPECT_TRUE(text.View().empty());
+  EXPECT_TRUE(text.OutOfMemory());
 }
 
 }  // namespace
 
 void *operator new(std::size_t size) { return Allocate(size); }
+void *operator new[](std::size_t size, const std::nothrow_t & /*unused*/) noexcept {
+  try {
+    return Allocate(size);
+  } catch (const std::bad_alloc &) {
+    return nullptr;
+  }
+}
 void *operator new[](std::size_t size) { return Allocate(size); }
 void operator delete(void *memory) noexcept { std::free(memory); }
 void operator delete[](void *memory) noexcept { std::free(memory); }
@@ -46,37 +55,39 @@ void operator delete[](void *memory, std::size_t) noexcept { std::free(memory); 
 
 namespace {
 
-TEST(ShiftJISMemory, NoMemoryAtAllGivesAnEmptyText) {
-  const std::string kana = Utf16(std::u16string(100, u'\u3042'));
-  const std::string plain = Utf16(std::u16string(100, u'A'));
-  EXPECT_EQ(WithRequests(0, [&] { return lUnicode2SJIS(kana.data(), 200); }), "");
-  EXPECT_EQ(WithRequests(0, [&] { return ConvSJIS(kana, 1); }), "");
-  EXPECT_EQ(WithRequests(0, [&] { return ConvSJIS(kana, 2); }), "");
-  EXPECT_EQ(WithRequests(0, [&] { return ConvSJIS(plain, 2); }), "");
-  EXPECT_EQ(WithRequests(0, [&] { return ConvSJIS(plain, 3); }), "");
+TEST(ShiftJISMemory, NoMemoryForALongTextGivesAnEmptyTextThatSaysSo) {
+  const std::string kana = Utf16(std::u16string(1000, u'\u3042'));
+  const std::string plain = Utf16(std::u16string(1000, u'A'));
+  WithRequests(0, [&] { return lUnicode2SJIS(kana.data(), 2000); });
+  WithRequests(0, [&] { return ConvSJIS(kana, 1); });
+  WithRequests(0, [&] { return ConvSJIS(kana, 2); });
+  WithRequests(0, [&] { return ConvSJIS(std::string_view(kana).substr(1), 2); });
+  WithRequests(0, [&] { return ConvSJIS(plain, 2); });
+  WithRequests(0, [&] { return ConvSJIS(plain, 3); });
 }
 
-TEST(ShiftJISMemory, MemoryThatRunsOutLaterGivesWhatWasConvertedSoFar) {
-  const std::string kana = Utf16(std::u16string(40'000, u'\u3042'));
-  const std::string whole = lUnicode2SJIS(kana.data(), static_cast<std::int32_t>(kana.size()));
-  ASSERT_EQ(whole.size(), 80'000U);
-  std::size_t lastLength = 0;
-  for (std::size_t requests = 1; lastLength < whole.size(); ++requests) {
-    const std::string part = WithRequests(
-        requests, [&] { return lUnicode2SJIS(kana.data(), static_cast<std::int32_t>(kana.size())); });
-    EXPECT_EQ(part, whole.substr(0, part.size())) << requests;
-    ASSERT_GT(part.size(), lastLength) << requests;
-    lastLength = part.size();
-  }
+TEST(ShiftJISMemory, TextThatGivesNothingIsNotTakenForMissingMemory) {
+  const std::string nul(2000, '\0');
+  const SJISText text = ConvSJIS(nul, 2);
+  EXPECT_TRUE(text.View().empty());
+  EXPECT_FALSE(text.OutOfMemory());
 }
 
-TEST(ShiftJISMemory, ConversionIntoACallersBufferAsksForNone) {
-  const std::string kana = Utf16(std::u16string(20'000, u'\u3042'));
-  std::string out(kana.size() + 1, '\0');
+TEST(ShiftJISMemory, TitleAsksForNone) {
+  const std::string kana = Utf16(std::u16string(240, u'\u3042'));
   for (const std::int32_t encode : {1, 2, 3}) {
-    EXPECT_EQ(WithRequests(0, [&] { return ConvSJISInto(kana, encode, out.data()); }), kana.size());
+    requestsMade = 0;
+    const SJISText text = ConvSJIS(kana, encode);
     EXPECT_EQ(requestsMade, 0U);
+    EXPECT_EQ(text.View().size(), kana.size());
   }
+}
+
+TEST(ShiftJISMemory, LongTextAsksOnce) {
+  const std::string kana = Utf16(std::u16string(40'000, u'\u3042'));
+  requestsMade = 0;
+  EXPECT_EQ(ConvSJIS(kana, 1).View().size(), kana.size());
+  EXPECT_EQ(requestsMade, 1U);
 }
 
 }  // namespace

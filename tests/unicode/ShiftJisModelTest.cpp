@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "tests/unicode/ShiftJisModel.h"
+#include "tests/model/ShiftJis.h"
 #include "unicode/ZemUnicode.h"
 
 namespace {
@@ -68,15 +67,12 @@ class RandomTexts {
 };
 
 void ExpectSameAsModel(const std::string &text, std::int32_t encode) {
-  const std::string expected = ModelConvSJIS(text, encode);
-  // Text and room of exactly their sizes, for an address sanitizer to guard their ends.
+  const std::string expected = model::ConvertToShiftJis(text, static_cast<std::uint32_t>(encode));
+  // A text of exactly its size, for an address sanitizer to guard its end.
   const std::vector<char> exact(text.begin(), text.end());
-  const std::string_view stored(exact.data(), exact.size());
-  std::vector<char> out(text.size() + 1);
-  ASSERT_EQ(std::string(out.data(), ConvSJISInto(stored, encode, out.data())), expected);
-  ASSERT_EQ(ConvSJIS(stored, encode), expected);
+  ASSERT_EQ(ConvSJIS({exact.data(), exact.size()}, encode).View(), expected);
   if (encode == 1) {
-    ASSERT_EQ(lUnicode2SJIS(text.c_str(), static_cast<std::int32_t>(text.size())), expected);
+    ASSERT_EQ(lUnicode2SJIS(text.c_str(), static_cast<std::int32_t>(text.size())).View(), expected);
   }
 }
 

@@ -293,6 +293,35 @@ TEST_F(Dispatchers, FunctionsOfANullObjectAnswerForAMissingDatabase) {
   EXPECT_EQ(Get_LibType(nullptr, 0), -1);
 }
 
+TEST_F(Dispatchers, AccessorsIgnoreTheParameter) {
+  Set_ResultEncode(object_, 1, 5);
+  Set_UseSJIS(object_, 2, REALboolean::True);
+  Set_ZeroBasePlayerlist(object_, 3, REALboolean::True);
+  Database().vln = "V";
+  for (const intptr_t parameter : {intptr_t{0}, intptr_t{1}, intptr_t{-1}, INTPTR_MAX}) {
+    EXPECT_EQ(Get_Error(object_, parameter), 0);
+    EXPECT_EQ(Get_LibType(object_, parameter), 1);
+    EXPECT_EQ(Get_UseSJIS(object_, parameter), REALboolean::True);
+    EXPECT_EQ(Get_ResultEncode(object_, parameter), 5);
+    EXPECT_EQ(Host().Take(Get_VolumeName(object_, parameter)), Text("V", kUntagged));
+    EXPECT_EQ(Get_ZeroBasePlayerlist(object_, parameter), REALboolean::True);
+  }
+}
+
+TEST_F(Dispatchers, DestructorLeavesTheItem) {
+  auto &data = *static_cast<RbiTunesDBData *>(Host().Data(object_));
+  int item = 0;
+  data.dbf = reinterpret_cast<REALfolderItem>(&item);
+  ZemRbiTunesDB_Destructor(object_);
+  EXPECT_EQ(data.db, nullptr);
+  EXPECT_EQ(data.dbf, reinterpret_cast<REALfolderItem>(&item));
+}
+
+TEST_F(Dispatchers, OtherObjectOfNumber2IsNotReducedAsAPathIs) {
+  Database().songs[0].unknown = {{2, 0x01000000, "\0A\x30\x42\0B"sv}};
+  EXPECT_EQ(Host().Take(ZemRbiTunesDB_GetUnknown(object_, 0, 2)).bytes, std::string("\0A0B\0B", 6));
+}
+
 TEST_F(Dispatchers, AnySharedFlagButZeroIsTrue) {
   for (const int32_t flag : {1, 2, -1, INT32_MIN, INT32_MAX}) {
     gListSet = flag;

@@ -2,16 +2,33 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <vector>
 
+#include "platform/carbon/CarbonFiles.h"
 #include "plugin/RbiTunesDB.h"
 #include "sdk/PluginMain.h"
 #include "tests/plugin/Declarations.h"
 #include "tests/support/TestHost.h"
 
+namespace {
+
+std::vector<Size> blockSizes;  // that NewPtr was asked for
+
+}  // namespace
+
+// In place of the platform's.
+extern "C" Ptr NewPtr(Size byteCount) {
+  blockSizes.push_back(byteCount);
+  return static_cast<Ptr>(std::malloc(static_cast<size_t>(byteCount)));
+}
+
 namespace plugin_test {
 namespace {
 
 using support::TestHost;
+
+void Nothing() {}
+void NothingElse() {}
 
 TEST(HostString, NullStringHasLengthZeroAndAnEmptyText) {
   EXPECT_EQ(REALstringStruct::Length(nullptr), 0);
@@ -75,6 +92,32 @@ TEST(HostGlue, ThreeWordListTakesTheFirstThreeWordsAndLeavesTheOthers) {
     EXPECT_EQ(RbiTunesDBMethods[i].flags, 0);
   }
   std::free(converted);
+}
+
+TEST(HostGlue, ThreeWordListIsABlockOfThePlatformsWithTheSettersCopied) {
+  const REALmethodDefinition methods[] = {{Nothing, NothingElse, "A", 4}, {NothingElse, nullptr, "B", 5}};
+  blockSizes.clear();
+  REALmethodDefinitionV6 *converted = ConvertCurrentMethodsToV6(methods, 2);
+  EXPECT_EQ(blockSizes, std::vector{static_cast<Size>(6 * sizeof(intptr_t))});
+  ASSERT_NE(converted, nullptr);
+  EXPECT_EQ(converted[0].setter, NothingElse);
+  EXPECT_EQ(converted[1].setter, nullptr);
+  std::free(converted);
+}
+
+TEST(HostGlue, ListIsConvertedEvenWithoutTheServiceThatRegisters) {
+  const TestHost host({.version = 5.8, .missing = {"PluginRegisterClass"}, .entryPoint = REALPluginMain});
+  EXPECT_NE(RbiTunesDBClass.methods, RbiTunesDBMethods);
+  const auto *words = reinterpret_cast<const REALmethodDefinitionV6 *>(RbiTunesDBClass.methods);
+  EXPECT_EQ(words[129].declaration, RbiTunesDBMethods[129].declaration);
+  std::free(RbiTunesDBClass.methods);
+  RbiTunesDBClass.methods = RbiTunesDBMethods;
+}
+
+TEST(HostGlue, RecordThatIsRegisteredIsTheOneThatInstancesAreFoundBy) {
+  const TestHost host({.entryPoint = REALPluginMain});
+  EXPECT_EQ(host.Class(), &RbiTunesDBClass);
+  EXPECT_EQ(RbiTunesDBClassPointer, &RbiTunesDBClass);
 }
 
 TEST(HostGlue, RecordsHaveTheirWords) {

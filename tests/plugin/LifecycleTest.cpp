@@ -158,9 +158,9 @@ TEST_F(Lifecycle, SecondLoadReturnsFalseAfterAFailedOneToo) {
   const REALobject missing = Host().New();
   EXPECT_EQ(Load(missing, Item(folder_.path() / "missing")), 0);
   const REALobject noSpec = Host().New();
-  Host().specFails = true;
+  Host().specAnswer = 0;
   EXPECT_EQ(Load(noSpec, Item(DatabasePath())), 0);
-  Host().specFails = false;
+  Host().specAnswer = 1;
   for (const REALobject object : {rejected, missing, noSpec}) {
     const Seen before = See(object);
     EXPECT_EQ(before.error, object == rejected ? 1 : -50);
@@ -174,7 +174,7 @@ TEST_F(Lifecycle, SecondLoadReturnsFalseAfterAFailedOneToo) {
 TEST_F(Lifecycle, LoadOfAnItemWithoutASpecificationSetsErrorMinus50) {
   Write(SmallLibrary());
   const REALobject object = Host().New();
-  Host().specFails = true;
+  Host().specAnswer = 0;
   EXPECT_EQ(Load(object, Item(DatabasePath())), 0);
   EXPECT_EQ(Integer(object, "Error"), -50);
 }

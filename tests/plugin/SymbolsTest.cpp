@@ -97,5 +97,37 @@ TEST(Symbols, EveryUndefinedOneIsOfTheLanguageOrCarbonFiles) {
   EXPECT_THAT(others, testing::IsSubsetOf(carbon));
 }
 
+// The host's one thread calls, and nothing is shared or written down: not even the lock that a static of a
+// function takes.
+TEST(Symbols, NoneStartsAThreadTakesALockOrWritesALine) {
+  const std::vector<std::string> beginnings = {"pthread_",      "thrd_",
+                                               "mtx_",          "cnd_",
+                                               "sem_",          "clone",
+                                               "syscall",       "fork",
+                                               "posix_spawn",   "__cxa_guard",
+                                               "__gthr",        "_ZNSt6thread",
+                                               "_ZNSt5mutex",   "_ZNSt18condition_variable",
+                                               "printf",        "fprintf",
+                                               "vprintf",       "vfprintf",
+                                               "dprintf",       "__printf_chk",
+                                               "__fprintf_chk", "puts",
+                                               "fputs",         "putc",
+                                               "fputc",         "putchar",
+                                               "fwrite",        "write",
+                                               "perror",        "syslog",
+                                               "__syslog_chk",  "vsyslog",
+                                               "openlog",       "stdout",
+                                               "stderr",        "_ZSt4cout",
+                                               "_ZSt4cerr",     "_ZSt4clog",
+                                               "_ZSt7getline",  "_ZNSo"};
+  std::vector<std::string> found;
+  for (const std::string &symbol : Symbols("--undefined-only")) {
+    for (const std::string &beginning : beginnings) {
+      if (symbol.starts_with(beginning)) found.push_back(symbol);
+    }
+  }
+  EXPECT_THAT(found, IsEmpty());
+}
+
 }  // namespace
 }  // namespace plugin_test

@@ -147,7 +147,7 @@ class Run {
       }
     }
     Answer answer = CallAny(host_, objects_[step.object], step.name, arguments);
-    host_.specFails = false;
+    host_.specAnswer = 1;
     host_.pathOfItems = {};
     if (arguments.text != nullptr) host_.Release(arguments.text);
     return answer;

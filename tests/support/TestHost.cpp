@@ -137,9 +137,9 @@ struct TestHost::Services {
   static int32_t FSSpecFromFolderItem(FSSpec *spec, REALfolderItem item) {
     const InHost here;
     Note("REALFSSpecFromFolderItem");
-    if (!current->CheckItem(item, "REALFSSpecFromFolderItem") || current->specFails) return 0;
+    if (!current->CheckItem(item, "REALFSSpecFromFolderItem") || current->specAnswer == 0) return 0;
     *spec = current->Find(item)->spec;
-    return 1;
+    return current->specAnswer;
   }
 
   static REALstring PathFromFolderItem(REALfolderItem item) {

@@ -76,7 +76,7 @@ class TestHost {
   uint32_t encodingOfNoString = 0;  // what REALGetStringEncoding answers for the null string
   bool buildFails = false;          // REALBuildString answers null
   bool convertFails = false;        // REALConvertString answers null
-  bool specFails = false;           // REALFSSpecFromFolderItem answers 0
+  int32_t specAnswer = 1;           // what REALFSSpecFromFolderItem answers for an item
   // What REALpathFromFolderItem answers instead of the item's own path; an empty optional is the null string.
   std::function<std::optional<std::string>()> pathOfItems{};
 

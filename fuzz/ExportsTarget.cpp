@@ -19,6 +19,7 @@
 #include "fuzz/Texts.h"
 #include "host/Error.h"
 #include "host/Host.h"
+#include "tests/support/Folders.h"
 #include "tests/support/TemporaryFolder.h"
 #include "zemhost/export/ExportWriter.h"
 #include "zemhost/export/M3uExport.h"
@@ -276,7 +277,7 @@ class Player {
     }
   }
 
-  Host host_ = Host::load({.plugin = ZEM_PLUGIN_FILE});
+  Host host_ = Host::load({support::PluginFile(), 5.9, {}});
   support::TemporaryFolder folder_;
 };
 

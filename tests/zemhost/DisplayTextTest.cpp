@@ -33,9 +33,10 @@ TEST(SafeText, SecondSetOfControlsAndLineSeparatorsAreReplaced) {
   EXPECT_EQ(safeText("\u00A0"), "\u00A0");
 }
 
-TEST(SafeText, BidirectionalOverridesAreReplacedAndMarksKept) {
+TEST(SafeText, WhateverChangesTheDirectionOfALineIsReplaced) {
   EXPECT_EQ(safeText("a\u202Eb\u202Cc\u2066d\u2069"), "a\uFFFDb\uFFFDc\uFFFDd\uFFFD");
-  EXPECT_EQ(safeText("\u200E\u05E9\u05DC\u05D5\u05DD\u200F"), "\u200E\u05E9\u05DC\u05D5\u05DD\u200F");
+  EXPECT_EQ(safeText("\u200E1\u200F2\u061C"), "\uFFFD1\uFFFD2\uFFFD");
+  EXPECT_EQ(safeText("\u05E9\u05DC\u05D5\u05DD"), "\u05E9\u05DC\u05D5\u05DD");
 }
 
 TEST(SafeText, BytesThatAreNotUtf8AreReplacedOneByOne) {
@@ -51,6 +52,12 @@ TEST(SafeText, CutCharacterIsOneReplacementAsInConversions) {
   EXPECT_EQ(safeText("\xF0\x9F\x8E"
                      "a"),
             "\uFFFDa");
+}
+
+TEST(EscapedJson, CharactersThatCouldSteerATerminalStandAsTheirEscapes) {
+  EXPECT_EQ(escapedJson("[\"a\x7F\u009B2J\u202Eb\u200F\u2028\u97F3\"]\n"),
+            "[\"a\\u007f\\u009b2J\\u202eb\\u200f\\u2028\u97F3\"]\n");
+  EXPECT_EQ(escapedJson("[\"\\u001b\"]"), "[\"\\u001b\"]");
 }
 
 TEST(DisplayWidth, CountsWideCharactersTwice) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "samples/DatabaseWriter.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/zemhost/Program.h"
 #include "zemhost/output/DisplayText.h"
 
@@ -84,6 +86,55 @@ TEST(ProgramStyles, WhatGoesToNoTerminalIsPlain) {
   mixed.terminalWidth.reset();
   mixed.errorsToTerminal = true;
   EXPECT_EQ(runZemhost({"songs", kPlayer}, mixed).out.find('\x1b'), std::string::npos);
+}
+
+TEST(ProgramStyles, NoTextOfALibrarySteersTheTerminalInAnyFormat) {
+  const support::TemporaryFolder folder;
+  const std::u16string hostile = u"a\x1b]0;x\x07\n\x7f\u009b2J\u2028\u202eb\u200f";
+  const samples::Track track{.id = 1,
+                             .objects = samples::SongObjects(samples::Variant::LittleEndian,
+                                                             {.title = hostile, .path = u":a:" + hostile})};
+  const samples::Playlist list{.name = hostile, .entries = {{.ref = 1}}};
+  const std::string database =
+      samples::WriteLibrary(samples::OrdinaryLibrary({track, track}, {list}), samples::Variant::LittleEndian);
+  const std::string file = folder.write("library.itunesdb", database).string();
+  const std::vector<std::vector<std::string>> commands = {
+      {"songs", file},
+      {"playlists", file},
+      {"check", file},
+      {"check", file, "--json"},
+      {"duplicates", file, "--json"},
+      {"compare", file, file, "--json"},
+      {"call", file, "GetTitle(0)"},
+      {"export", file, "--format", "csv"},
+      {"export", file, "--format", "json"},
+      {"export", file, "--format", "ndjson"},
+      {"export", file, "--format", "m3u8", "--paths", "device"}};
+  for (const std::vector<std::string> &command : commands) {
+    const std::string shown = runZemhost(command, terminal({})).out;
+    const std::string name = testing::PrintToString(command);
+    EXPECT_FALSE(shown.empty()) << name;
+    for (size_t i = 0; i < shown.size(); ++i) {
+      const bool lineEnd = shown[i] == '\n' || (shown[i] == '\r' && shown.substr(i + 1, 1) == "\n");
+      EXPECT_TRUE(lineEnd || (static_cast<unsigned char>(shown[i]) >= ' ' && shown[i] != '\x7f'))
+          << name << " at " << i;
+    }
+    for (const char *mark : {"\u009b", "\u2028", "\u202e", "\u200f"})
+      EXPECT_EQ(shown.find(mark), std::string::npos) << name;
+  }
+}
+
+TEST(ProgramStyles, CsvIsWrittenAsItIsWhereNoTerminalShowsIt) {
+  const support::TemporaryFolder folder;
+  const samples::Track track{
+      .id = 1, .objects = samples::SongObjects(samples::Variant::LittleEndian, {.title = u"a\x1b\u202e"})};
+  const std::string file =
+      folder
+          .write("library.itunesdb",
+                 samples::WriteLibrary(samples::OrdinaryLibrary({track}, {}), samples::Variant::LittleEndian))
+          .string();
+  EXPECT_EQ(runZemhost({"export", file, "--format", "csv", "--fields", "title"}).out,
+            "title\r\na\x1b\u202e\r\n");
 }
 
 }  // namespace

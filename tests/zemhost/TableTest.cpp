@@ -60,6 +60,27 @@ TEST(Table, TextIsWrittenWholeWhereThereIsNoWidth) {
   EXPECT_EQ(lines(written(table))[1], text + std::string(9, ' ') + "e");
 }
 
+TEST(Table, CellOfGreatWidthPushesItsOwnRowAsideAlone) {
+  Table table({{"A"}, {"B"}});
+  table.addRow({std::string(101, 'x'), "1"});
+  table.addRow({"a", "2"});
+  EXPECT_EQ(lines(written(table))[1], std::string(101, 'x') + "  1");
+  EXPECT_EQ(lines(written(table))[2], "a" + std::string(101, ' ') + "2");
+}
+
+TEST(Table, WhatIsWrittenGrowsWithTheCellsWhateverTheWidestOfThem) {
+  const auto bytesWritten = [](size_t rows) {
+    Table table({{"A"}, {"B"}, {"C", Align::Right}, {"D"}});
+    for (size_t row = 0; row < rows; ++row) table.addRow({"a", "b", "c", "d"});
+    table.addRow(
+        {std::string(100 * rows, 'x'), std::string(100 * rows, 'y'), std::string(100 * rows, 'z'), "d"});
+    return written(table).size();
+  };
+  // As long again for each row, and no longer for rows that others are longer than.
+  EXPECT_LT(bytesWritten(2000), 2 * bytesWritten(1000) + 1000);
+  EXPECT_LT(bytesWritten(1000), size_t{1000} * (300 + 3 * 102 + 10));
+}
+
 TEST(Table, LongestTextIsCutFirst) {
   EXPECT_EQ(written(songs(), 42),
             " #  Title            Artist           Time\n"

@@ -5,6 +5,7 @@
 
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/output/Table.h"
 #include "zemhost/output/Units.h"
 
@@ -136,7 +137,7 @@ void writeJson(const CheckReport &report, std::ostream &out) {
   for (const player::Finding &finding : report.findings.kept())
     json["findings"].push_back(findingJson(finding));
   // A name on a disk need not be valid text.
-  out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  out << jsonText(json, 2) << '\n';
 }
 
 }  // namespace zemhost

@@ -9,6 +9,7 @@
 #include "zemhost/library/SongGroups.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
@@ -123,7 +124,7 @@ void writeJson(const Comparison &comparison, const MusicLibrary &a, const MusicL
     json["both"].back()["songs_b"] = pair.b.songs;
   }
   EncodedOutput out(arguments.encoding, a.host());
-  out.write(json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+  out.write(jsonText(json, 1) + "\n");
   out.finish();
 }
 

@@ -8,6 +8,7 @@
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/library/SongGroups.h"
 #include "zemhost/output/EncodedOutput.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
@@ -69,7 +70,7 @@ void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library
     json["groups"].push_back(std::move(texts));
   }
   EncodedOutput out(arguments.encoding, library.host());
-  out.write(json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+  out.write(jsonText(json, 1) + "\n");
   out.finish();
 }
 

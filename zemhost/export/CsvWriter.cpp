@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "zemhost/export/ExportWriter.h"
+#include "zemhost/output/JsonText.h"
 
 namespace zemhost {
 
@@ -10,7 +11,7 @@ namespace {
 
 std::string textOf(const Json &value) {
   if (value.is_null()) return {};
-  return value.is_string() ? value.get<std::string>() : value.dump();
+  return value.is_string() ? value.get<std::string>() : jsonText(value);
 }
 
 // A blank at either end is quoted too, since some readers take it off.

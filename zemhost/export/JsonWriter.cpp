@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "zemhost/export/ExportWriter.h"
+#include "zemhost/output/JsonText.h"
 
 namespace zemhost {
 
@@ -12,9 +13,6 @@ Json objectOf(const std::vector<ExportColumn> &columns, const Row &row) {
   for (size_t i = 0; i < columns.size(); ++i) object[std::string(columns[i].name)] = row[i];
   return object;
 }
-
-// On one line. Every text is valid UTF-8 already; what were not would become U+FFFD.
-std::string lineOf(const Json &object) { return object.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 // Songs and playlists are written as they come, so that a large library needs no more memory than a small
 // one.
@@ -27,20 +25,20 @@ class JsonWriter final : public ExportWriter {
 
   void song(Row row) override {
     out_->write(songs_++ == 0 ? "\n" : ",\n");
-    out_->write(lineOf(objectOf(columns_, row)));
+    out_->write(jsonText(objectOf(columns_, row)));
   }
 
   void playlist(const Row &row) override {
     endEntries();
     if (playlists_++ == 0) out_->write("\n],\n\"playlists\": [");
-    std::string head = lineOf(objectOf(PlaylistColumns::columns(), row));
+    std::string head = jsonText(objectOf(PlaylistColumns::columns(), row));
     head.pop_back();  // the brace, after the entries
     out_->write((playlists_ == 1 ? "\n" : ",\n") + head + ",\"entries\":[");
   }
 
   void entry(const Row &row) override {
     out_->write(entries_++ == 0 ? "\n  " : ",\n  ");
-    out_->write(lineOf(objectOf(PlaylistColumns::entryColumns(), row)));
+    out_->write(jsonText(objectOf(PlaylistColumns::entryColumns(), row)));
   }
 
   void finish() override {
@@ -67,7 +65,7 @@ class NdjsonWriter final : public ExportWriter {
   NdjsonWriter(std::unique_ptr<EncodedOutput> out, SongColumnList columns)
       : out_(std::move(out)), columns_(std::move(columns)) {}
 
-  void song(Row row) override { out_->write(lineOf(objectOf(columns_, row)) + '\n'); }
+  void song(Row row) override { out_->write(jsonText(objectOf(columns_, row)) + '\n'); }
   void finish() override { out_->finish(); }
 
  private:

@@ -7,6 +7,7 @@
 #include "host/Error.h"
 #include "zemhost/export/ExportWriter.h"
 #include "zemhost/files/PendingFile.h"
+#include "zemhost/output/JsonText.h"
 
 namespace zemhost {
 
@@ -75,7 +76,7 @@ class Insert {
     } else if (value.is_number()) {
       result = sqlite3_bind_int64(statement_, place, value.get<int64_t>());
     } else {
-      const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+      const std::string text = value.is_string() ? value.get<std::string>() : jsonText(value);
       result =
           sqlite3_bind_text64(statement_, place, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }

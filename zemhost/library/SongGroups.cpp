@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 
 #include "zemhost/output/DisplayText.h"
@@ -115,10 +114,16 @@ const std::vector<std::string_view> &textNames(Sameness by) {
   return kComposer;
 }
 
-std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by) {
+std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint64_t *comparisons) {
   const Criterion criterion = criterionOf(library, by);
+  const auto isBefore = [comparisons](const std::string &one, const std::string &other) {
+    if (comparisons != nullptr) ++*comparisons;
+    return one < other;
+  };
   std::vector<SongGroup> groups;
-  std::unordered_map<std::string, size_t> places;  // of the group with these bytes
+  // Of the group with these bytes. In order, since texts of a file can be made to meet in any hash whose key
+  // is known.
+  std::map<std::string, size_t, decltype(isBefore)> places(isBefore);
   const int32_t count = library.songCount();
   for (int32_t song = 0; song < count; ++song) {
     const bool isAlone = isOfSongs(by) && criterion.texts.front()(song).bytes().empty();

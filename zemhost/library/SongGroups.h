@@ -32,8 +32,9 @@ const std::vector<std::string_view> &textNames(Sameness by);
 
 // The groups of a library in the order of their first songs, each song in one of them. A song without a title
 // is the same as no other; its title is its path then, so that groups of two libraries do not meet by
-// accident. Takes a step for each song, whatever the songs share.
-std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by);
+// accident. Songs are looked up by their texts with some log2(songs) comparisons each, whatever the texts
+// are; these add to `comparisons` when that is given.
+std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint64_t *comparisons = nullptr);
 
 // Groups of two libraries, side by side.
 struct Comparison {

@@ -1,6 +1,8 @@
 #include "zemhost/output/DisplayText.h"
 
+#include <array>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -41,7 +43,8 @@ CodePoint firstCodePoint(std::string_view text) {
 bool isHarmful(utf8proc_int32_t c) {
   const bool control = c >= 0x7F && c < 0xA0;
   const bool separator = c == 0x2028 || c == 0x2029;
-  const bool bidirectional = (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+  const bool bidirectional = c == 0x61C || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) ||
+                             (c >= 0x2066 && c <= 0x2069);
   return c < 0 || control || separator || bidirectional;
 }
 
@@ -72,6 +75,24 @@ std::string safeText(std::string_view bytes) {
       safe += bytes.substr(0, c.bytes);
     }
     bytes.remove_prefix(c.bytes);
+  }
+  return safe;
+}
+
+std::string escapedJson(std::string_view json) {
+  if (isPlainAscii(json)) return std::string(json);
+  std::string safe;
+  safe.reserve(json.size());
+  while (!json.empty()) {
+    const CodePoint c = firstCodePoint(json);
+    if (isHarmful(c.value)) {
+      std::array<char, 8> escape{};
+      std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(c.value));
+      safe += escape.data();
+    } else {
+      safe += json.substr(0, c.bytes);
+    }
+    json.remove_prefix(c.bytes);
   }
   return safe;
 }

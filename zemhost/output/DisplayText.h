@@ -9,9 +9,13 @@
 namespace zemhost {
 
 // The text with everything that could steer a terminal or reorder a line made visible: control characters
-// become their pictures (U+2400 and up), and C1 controls, line separators, bidirectional overrides and bytes
-// that are not valid UTF-8 become U+FFFD. Takes any bytes; the result is valid UTF-8.
+// become their pictures (U+2400 and up), and C1 controls, line separators, marks and overrides of direction
+// and bytes that are not valid UTF-8 become U+FFFD. Takes any bytes; the result is valid UTF-8.
 std::string safeText(std::string_view bytes);
+
+// JSON, valid UTF-8, with every such character that JSON takes as it is (DEL, C1 controls and so on) as its
+// escape, "\u009b": another writing of the same values.
+std::string escapedJson(std::string_view json);
 
 // The number of terminal cells that valid UTF-8 text takes: 2 for a wide (East Asian) character, 0 for a
 // combining one, else 1.

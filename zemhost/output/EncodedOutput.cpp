@@ -1,15 +1,23 @@
 #include "zemhost/output/EncodedOutput.h"
 
 #include <sstream>
+#include <unistd.h>
 
+#include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
 
 namespace zemhost {
 
 EncodedOutput::EncodedOutput(const std::string &encoding, const Host &host,
                              const std::filesystem::path &target)
-    : encoder_(encoding, host), file_(target) {
+    : encoder_(encoding, host),
+      file_(target),
+      toTerminal_(file_.isStandardOutput() && isatty(STDOUT_FILENO) != 0) {
   file_.write(encoder_.mark());
+}
+
+std::string EncodedOutput::fit(std::string_view text) {
+  return toTerminal_ ? encoder_.fit(safeText(text)) : encoder_.fit(text);
 }
 
 void EncodedOutput::write(std::string_view text) {

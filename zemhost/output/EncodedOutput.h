@@ -17,8 +17,9 @@ class EncodedOutput {
   // To a file, "-" or nothing for standard output. Throws as TextEncoder and OutputFile do.
   EncodedOutput(const std::string &encoding, const Host &host, const std::filesystem::path &target = {});
 
-  // A text of the library as it will be shown: see TextEncoder::fit.
-  std::string fit(std::string_view text) { return encoder_.fit(text); }
+  // A text of the library as it will be shown: made safe where it goes to a terminal (see safeText), then as
+  // TextEncoder::fit does it.
+  std::string fit(std::string_view text);
   // The same as what a table does to its cells; it must not outlive this object.
   Table::Fit fitCells();
 
@@ -33,6 +34,7 @@ class EncodedOutput {
  private:
   TextEncoder encoder_;
   OutputFile file_;
+  bool toTerminal_;
 };
 
 }  // namespace zemhost

@@ -13,6 +13,9 @@ namespace zemhost {
 namespace {
 
 constexpr std::string_view kGap = "  ";
+// Where no width is given, cells are filled up to this many at most: one of a million characters would make
+// every row as long as itself.
+constexpr size_t kWidestAligned = 100;
 
 }  // namespace
 
@@ -45,7 +48,7 @@ void Table::show(std::ostream &out) const { write(out, terminalWidth(), showsSty
 
 std::vector<Table::Slot> Table::wholeColumns() const {
   std::vector<Slot> slots;
-  for (size_t i = 0; i < columns_.size(); ++i) slots.push_back({i, widths_[i]});
+  for (size_t i = 0; i < columns_.size(); ++i) slots.push_back({i, std::min(widths_[i], kWidestAligned)});
   return slots;
 }
 
@@ -93,8 +96,8 @@ std::string Table::rowText(const std::vector<std::string> &cells, const std::vec
   size_t blanks = 0;  // not written until text follows them
   for (const Slot &slot : slots) {
     if (&slot != slots.data()) blanks += kGap.size();
-    const std::string cell = cutToWidth(cells[slot.column], slot.width);
-    const size_t padding = slot.width - displayWidth(cell);
+    const std::string cell = width ? cutToWidth(cells[slot.column], slot.width) : cells[slot.column];
+    const size_t padding = slot.width - std::min(slot.width, displayWidth(cell));
     const bool right = columns_[slot.column].align == Column::Align::Right;
     if (right) blanks += padding;
     if (!cell.empty()) {

@@ -34,8 +34,10 @@ class Table {
   void addRow(std::vector<std::string> cells);
 
   // Writes headings and rows, one a line, no blanks at the end of a line. Without a width every cell of every
-  // column is written whole. With one no line takes more terminal cells than that: columns that are empty
-  // throughout or lose their place are left out, and texts are cut with an ellipsis.
+  // column is written whole; one of more than 100 terminal cells pushes the rest of its row aside and leaves
+  // other rows as they are, so that what is written grows with the cells. With one no line takes more
+  // terminal cells than that: columns that are empty throughout or lose their place are left out, and texts
+  // are cut with an ellipsis.
   void write(std::ostream &out, std::optional<size_t> width, bool boldHeadings = false) const;
   // Writes it as fits what standard output goes to: within a terminal's width, and with bold headings where
   // the terminal shows styles.

@@ -26,15 +26,15 @@ MusicLibrary libraryOf(const support::TemporaryFolder &folder, const std::vector
   return MusicLibrary(openDatabase(host, folder.write("library.itunesdb", bytes)));
 }
 
-// The standard library's hash multiplies each word of eight bytes, and mixes its upper half into the lower, in
-// steps that can be taken back. So for any word there is another that differs by the highest bit alone once it
-// is mixed in, and with two such changes side by side the hash is the same again, whatever its seed.
+// The standard library's hash multiplies each word of eight bytes, and mixes its upper half into the lower,
+// in steps that can be taken back. So for any word there is another that differs by the highest bit alone
+// once it is mixed in, and with two such changes side by side the hash is the same again, whatever its seed.
 uint64_t wordThatMeets(uint64_t word) {
   constexpr uint64_t kFactor = 0xc6a4a7935bd1e995ULL;
   uint64_t inverse = kFactor;
   for (int i = 0; i < 6; ++i) inverse *= 2 - kFactor * inverse;
   const auto fold = [](uint64_t value) { return value ^ value >> 47; };  // its own inverse
-  const uint64_t mixed = (fold(word * kFactor) * kFactor) ^ uint64_t{1} << 63;
+  const uint64_t mixed = (fold(word * kFactor) * kFactor) ^ uint64_t { 1 } << 63;
   return fold(mixed * inverse) * inverse;
 }
 

@@ -7,8 +7,10 @@ _zemhost_options() {
     check) echo '-h --help --json' ;;
     compare) echo '-h --help --by --json --encoding' ;;
     duplicates) echo '-h --help --any-album --json --encoding' ;;
-    export) echo '-h --help --format -o --output --playlist --fields --paths --encoding' ;;
-    info | songs | playlists | playlist) echo '-h --help --encoding' ;;
+    export) echo '-h --help --format -o --output --playlist --since-sync --fields --paths --encoding' ;;
+    info | playlists) echo '-h --help --encoding' ;;
+    plays) echo '-h --help --by --top --encoding' ;;
+    songs | playlist) echo '-h --help --columns --encoding' ;;
     rescue) echo '-h --help --pattern --playlist --dry-run' ;;
     *) echo '-h --help' ;;
   esac
@@ -18,11 +20,12 @@ _zemhost_options() {
 # and nothing for an option that takes no value.
 _zemhost_values() {
   case $1:$2 in
+    plays:--by) echo 'song artist album' ;;
     compare:--by) echo 'song artist album genre composer' ;;
-    export:--format) echo 'csv json ndjson m3u8 sqlite' ;;
+    export:--format) echo 'csv json ndjson m3u8 sqlite listenbrainz' ;;
     export:--paths) echo 'host relative device' ;;
     export:-o | export:--output) echo FILE ;;
-    export:--playlist | export:--fields | *:--encoding) echo TEXT ;;
+    export:--playlist | export:--fields | *:--columns | *:--top | *:--encoding) echo TEXT ;;
     rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac
@@ -49,7 +52,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call check class compare duplicates export info playlist playlists rescue songs' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class compare duplicates export info playlist playlists plays rescue songs' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

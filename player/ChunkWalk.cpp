@@ -222,6 +222,7 @@ class Walk {
       account_.declaredTracks += chunk.length;
     } else if (chunk.kind == kTrack) {
       ++account_.tracks;
+      account_.tracksAt.push_back(chunk.at);
     } else if (chunk.kind == kPlaylistList && readByClass) {
       account_.declaredPlaylists += chunk.length;
     } else if (chunk.kind == kPlaylist && readByClass) {

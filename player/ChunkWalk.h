@@ -33,6 +33,7 @@ struct FileAccount {
   uint64_t entries = 0;            // of these playlists
   uint64_t declaredEntries = 0;
   std::vector<uint32_t> entriesOf;  // of each of them
+  std::vector<uint64_t> tracksAt;   // where the tracks begin
   uint64_t rawBytes = 0;            // in data sets whose type says nothing about what they hold
   uint64_t unexplainedBytes = 0;
   Findings findings;

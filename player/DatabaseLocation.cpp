@@ -2,10 +2,10 @@
 
 #include <cerrno>
 #include <optional>
-#include <strings.h>
 #include <system_error>
 
 #include "player/Error.h"
+#include "player/Folder.h"
 #include "player/PlayerFolders.h"
 
 namespace player {
@@ -13,25 +13,6 @@ namespace player {
 namespace fs = std::filesystem;
 
 namespace {
-
-bool isNamed(const fs::path &path, const char *name) {
-  return strcasecmp(path.filename().c_str(), name) == 0;
-}
-
-// What a directory calls `name`: exactly so, else without regard to case, else nothing.
-std::optional<fs::path> childNamed(const fs::path &directory, const char *name) {
-  std::error_code error;
-  const fs::path exact = directory / name;
-  if (fs::exists(fs::symlink_status(exact, error))) return exact;
-  std::optional<fs::path> found;
-  fs::directory_iterator entry(directory, error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    // Of several the first by name, so that the answer does not depend on the order of the directory.
-    if (isNamed(entry->path(), name) && (!found || entry->path() < *found)) found = entry->path();
-  }
-  if (error) throw PlayerError(directory.string(), error.value());
-  return found;
-}
 
 // 0 for what cannot be asked.
 uintmax_t sizeOf(const fs::path &file) {

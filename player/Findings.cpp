@@ -23,6 +23,8 @@ std::string_view kindName(FindingKind kind) {
       return "missing-file";
     case FindingKind::UnnamedFile:
       return "unnamed-file";
+    case FindingKind::UnusedFile:
+      return "unused-file";
   }
   return {};
 }

@@ -16,13 +16,14 @@ enum class FindingKind {
   UnexplainedBytes,  // that belong to no chunk
   WrongLength,       // a chunk's length does not fit what it holds or what holds it
   WrongCount,        // a header announces another number than follows
-  ClassDiffers,      // the class answers another number than the file holds
+  ClassDiffers,      // the class answers otherwise than the file holds
   EntryWithoutSong,  // a playlist entry with a track ID that no song has
   LossyText,         // a text that Unicode cannot hold whole
   MissingFile,       // a song whose file is not on the volume
   UnnamedFile,       // a file in the music folder that no song names
+  UnusedFile,        // a file beside the database that does not fit it
 };
-constexpr size_t kFindingKinds = 8;
+constexpr size_t kFindingKinds = 9;
 
 // "unexplained-bytes": the kind's name in reports that programs read.
 std::string_view kindName(FindingKind kind);

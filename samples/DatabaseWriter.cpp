@@ -254,6 +254,7 @@ void AppendTrack(ChunkWriter &out, const Track &track) {
   fields.Word(0x3c, track.samplerate);
   fields.Byte(0xb1, track.moviefileflag);
   fields.Word(0xd0, track.mediaType);
+  for (const auto &[offset, value] : track.words) fields.Word(offset, value);
   for (const DataObject &object : track.objects) AppendObject(out, object);
   out.Finish(chunk);
 }

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -120,6 +121,7 @@ struct Track {
   uint32_t mediaType = 0;
   std::vector<DataObject> objects{};
   std::optional<uint32_t> headerLength{};
+  std::map<uint32_t, uint32_t> words{};  // what else stands in the header, by offset; written last
 };
 
 // The texts of an ordinary song; an empty one makes no object.

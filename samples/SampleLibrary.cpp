@@ -12,6 +12,10 @@ namespace {
 
 constexpr int64_t kFrom1904To1970 = 2082844800;  // seconds
 
+uint32_t Since1904(int64_t unixTime) {
+  return unixTime == 0 ? 0 : static_cast<uint32_t>(unixTime + kFrom1904To1970);
+}
+
 // The upper half of Mac Roman, 0x80 to 0xff; 0xf0 stands for a logo that has no code point of its own.
 constexpr std::u16string_view kMacRoman =
     u"ÄÅÇÉÑÖÜáàâäãåçéèêëíìîïñóòôöõúùûü†°¢£§•¶ß®©™´¨≠ÆØ∞±≤≥¥µ∂∑∏π∫ªºΩæø¿¡¬√ƒ≈∆«»…\u00a0ÀÃÕŒœ–—“”‘’÷◊ÿŸ⁄€‹›ﬁﬂ‡·"
@@ -46,12 +50,53 @@ uint32_t TypeCode(const SampleSong &song) {
   return code << 8 | ' ';
 }
 
-Track NumbersOf(size_t index) {
+std::map<uint32_t, uint32_t> PlayerWords(size_t index) {
+  const SampleSong &song = SampleSongs().at(index);
+  const SampleFacts facts = SampleFactsOf(index);
+  const uint64_t id = SamplePersistentId(index);
+  const bool isSpoken = song.mediaType == 4 || song.mediaType == 8;
+  const uint32_t video = song.mediaType == 2 ? 1 : 0;
+  return {{0x50, facts.plays},
+          {0x54, facts.plays},
+          {0x58, Since1904(facts.lastPlayed)},
+          {0x5c, facts.disc},
+          {0x60, facts.discs},
+          {0x68, Since1904(song.added)},
+          {0x6c, facts.bookmark},
+          {0x70, static_cast<uint32_t>(id)},
+          {0x74, static_cast<uint32_t>(id >> 32)},
+          {0x78, uint32_t{facts.bpm} << 16},
+          {0x90, uint32_t{facts.explicitMark} << 16},
+          {0x98, facts.skips},
+          {0x9c, facts.skips},
+          {0xa0, Since1904(facts.lastSkipped)},
+          {0xa4, isSpoken ? 0x10100U : 0U},  // not in shuffle, goes on where it stopped
+          {0xb0, video << 8 | uint32_t{facts.heardMark} << 16}};
+}
+
+std::map<uint32_t, uint32_t> DesktopWords(size_t index) {
+  const SampleFacts facts = SampleFactsOf(index);
+  const uint64_t id = SamplePersistentId(index);
+  return {{0x4c, facts.plays},
+          {0x60, facts.plays},
+          {0x64, Since1904(facts.lastPlayed)},
+          {0x6c, uint32_t{facts.rating} << 24},
+          {0x78, Since1904(SampleSongs().at(index).added)},
+          {0x80, static_cast<uint32_t>(id >> 32)},
+          {0x84, static_cast<uint32_t>(id)},
+          {0xa4, uint32_t{facts.bpm} << 16}};
+}
+
+Track NumbersOf(size_t index, Variant variant) {
   const SampleSong &song = SampleSongs().at(index);
   Track track;
+  const bool little = variant == Variant::LittleEndian;
+  const SampleFacts facts = SampleFactsOf(index);
   track.id = TrackId(index);
   track.res = {1, TypeCode(song), song.compilation ? 0x10000U : 0U,
-               static_cast<uint32_t>(song.added + kFrom1904To1970)};
+               Since1904(song.added - facts.changedBefore)};
+  if (little) track.res[2] |= uint32_t{facts.rating} << 24;
+  track.words = little ? PlayerWords(index) : DesktopWords(index);
   track.filesize = static_cast<uint32_t>(PlaceholderFile(song).size());
   track.duration = song.duration;
   track.number = song.number;
@@ -75,7 +120,7 @@ std::vector<Track> Tracks(Variant variant) {
   std::vector<Track> tracks;
   for (size_t i = 0; i < SampleSongs().size(); ++i) {
     const SampleSong &song = SampleSongs()[i];
-    Track track = NumbersOf(i);
+    Track track = NumbersOf(i, variant);
     track.objects =
         SongObjects(variant, TextsOf(song, little ? u":iPod_Control:Music:" : u"Sample Disk:Music:"));
     for (const ExtraText &extra : song.extra) {
@@ -139,6 +184,25 @@ std::string PlaceholderFile(const SampleSong &song) {
     bytes += static_cast<char>(random.Below(256));
   }
   return bytes;
+}
+
+std::string SamplePlayCounts() {
+  constexpr uint32_t kHeader = 0x60;
+  constexpr uint32_t kEntry = 0x1c;
+  ChunkWriter out(Variant::LittleEndian);
+  const auto count = static_cast<uint32_t>(SampleSongs().size());
+  out.PutWord(out.Begin("mhdp", kHeader, count) + 8, kEntry);
+  for (uint32_t song = 0; song < count; ++song) {
+    const SampleFacts facts = SampleFactsOf(song);
+    out.AppendWord(facts.newPlays);
+    out.AppendWord(Since1904(facts.newPlays != 0 ? facts.newLastPlayed : facts.lastPlayed));
+    out.AppendWord(facts.bookmark);
+    out.AppendWord(facts.newRating != 0 ? facts.newRating : facts.rating);
+    out.AppendWord(uint32_t{facts.heardMark} << 8);
+    out.AppendWord(facts.newSkips);
+    out.AppendWord(Since1904(facts.newSkips != 0 ? facts.newLastSkipped : facts.lastSkipped));
+  }
+  return out.TakeBytes();
 }
 
 std::string SamplePlayerDatabase() {

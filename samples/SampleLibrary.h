@@ -39,6 +39,35 @@ struct SampleSong {
   std::string_view enclosure{};  // address of a podcast episode, 8-bit
 };
 
+// What the sample player knows of a song besides: what was played, rated and marked. Dates are seconds since
+// 1970 on the player's clock, 0: never.
+struct SampleFacts {
+  uint8_t rating = 0;  // 20 a star
+  uint32_t plays = 0;
+  int64_t lastPlayed = 0;
+  uint32_t skips = 0;
+  int64_t lastSkipped = 0;
+  uint32_t disc = 0;
+  uint32_t discs = 0;
+  uint16_t bpm = 0;
+  uint32_t bookmark = 0;      // milliseconds
+  uint8_t heardMark = 0;      // 1 heard, 2 not yet
+  uint8_t explicitMark = 0;   // 1 explicit, 2 clean
+  int64_t changedBefore = 0;  // the file is so many seconds older than its place on the player
+  // Since the last synchronisation:
+  uint32_t newPlays = 0;
+  int64_t newLastPlayed = 0;
+  uint32_t newSkips = 0;
+  int64_t newLastSkipped = 0;
+  uint8_t newRating = 0;  // 0: as before
+};
+
+// By the song's position in SampleSongs().
+SampleFacts SampleFactsOf(size_t song);
+
+// Never 0, and no two songs share one.
+uint64_t SamplePersistentId(size_t song);
+
 struct SamplePlaylist {
   std::u16string_view name{};
   std::vector<size_t> songs{};  // positions in SampleSongs(); a song may stand more than once
@@ -51,6 +80,9 @@ std::vector<SamplePlaylist> SamplePlaylists();
 
 // The bytes of the placeholder that stands for the song's file; no two songs share them.
 std::string PlaceholderFile(const SampleSong &song);
+
+// What the player wrote down since the last synchronisation: the file "Play Counts".
+std::string SamplePlayCounts();
 
 // The player's database: albums, tracks, podcasts, playlists, in this order.
 std::string SamplePlayerDatabase();

@@ -33,6 +33,7 @@ void WritePlayer(const fs::path &player) {
     if (!song.missing) WriteFile(control / "Music" / song.file, PlaceholderFile(song));
   }
   WriteFile(control / "iTunes" / "iTunesDB", samples::SamplePlayerDatabase());
+  WriteFile(control / "iTunes" / "Play Counts", samples::SamplePlayCounts());
 }
 
 }  // namespace

@@ -77,6 +77,35 @@ void addListing(CLI::App &program, Action &action, const char *name, const char 
   addEncoding(*command.app, command.arguments->encoding);
 }
 
+void addColumns(CLI::App &command, std::vector<std::string> &columns) {
+  command
+      .add_option(
+          "--columns", columns,
+          "The columns to show, by the names of an export's fields, with commas between; else those that fit")
+      ->delimiter(',')
+      ->allow_extra_args(false);
+}
+
+void addSongs(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "songs", "List the songs of a player or database", listSongs);
+  addPath(*command.app, command.arguments->path);
+  addColumns(*command.app, command.arguments->columns);
+  addEncoding(*command.app, command.arguments->encoding);
+}
+
+void addPlays(CLI::App &program, Action &action) {
+  const auto command = addCommand(
+      program, action, "plays", "List what was played most, lately, never, and what was skipped", showPlays);
+  PlaysArguments &arguments = *command.arguments;
+  addPath(*command.app, arguments.path);
+  command->add_option("--by", arguments.by, "What to list [song]")
+      ->check(CLI::IsMember({"song", "artist", "album"}));
+  command->add_option("--top", arguments.top, "The lines of each list [10]")
+      ->check(CLI::Range(1, 1'000'000'000));
+  addEncoding(*command.app, arguments.encoding);
+}
+
 void addPlaylist(CLI::App &program, Action &action) {
   const auto command =
       addCommand(program, action, "playlist", "List the songs of one playlist", listPlaylist);
@@ -85,6 +114,7 @@ void addPlaylist(CLI::App &program, Action &action) {
       ->add_option("PLAYLIST", command.arguments->playlist,
                    "Its number, its name, or the beginning of its name")
       ->required();
+  addColumns(*command.app, command.arguments->columns);
   addEncoding(*command.app, command.arguments->encoding);
 }
 
@@ -103,6 +133,12 @@ void checkExport(const CLI::App &command, const ExportArguments &arguments) {
   const bool list = arguments.format == "m3u8";
   if (list && !arguments.fields.empty())
     throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
+  const bool listens = arguments.format == "listenbrainz";
+  if (listens && !arguments.fields.empty())
+    throw CLI::ValidationError("--fields", "a listen has no fields to choose");
+  if (listens && !arguments.sinceSync)
+    throw CLI::ValidationError("--format",
+                               "listenbrainz is for plays since the last synchronisation: add --since-sync");
   if (!list && command.count("--paths") != 0)
     throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
   if (!list && arguments.format != "csv" && !isUtf8Name(arguments.encoding))
@@ -117,12 +153,14 @@ void addExport(CLI::App &program, Action &action) {
                  exportLibrary, checkExport);
   ExportArguments &arguments = *command.arguments;
   addPath(*command.app, arguments.path);
-  command->add_option("--format", arguments.format, "csv, json, ndjson, m3u8 or sqlite")
+  command->add_option("--format", arguments.format, "csv, json, ndjson, m3u8, sqlite or listenbrainz")
       ->required()
-      ->check(CLI::IsMember({"csv", "json", "ndjson", "m3u8", "sqlite"}));
+      ->check(CLI::IsMember({"csv", "json", "ndjson", "m3u8", "sqlite", "listenbrainz"}));
   command->add_option("-o,--output", arguments.output, "The file to write; else standard output");
   command->add_option("--playlist", arguments.playlist,
                       "Only the songs of this playlist: its number, its name, or the beginning of its name");
+  command->add_flag("--since-sync", arguments.sinceSync,
+                    "Only the songs that were played or skipped since the last synchronisation");
   command
       ->add_option("--fields", arguments.fields,
                    "The fields of a song, in order, with commas between; else all of them")
@@ -197,9 +235,10 @@ void addCall(CLI::App &program, Action &action) {
 
 void addCommands(CLI::App &program, Action &action) {
   addListing(program, action, "info", "Sum up a player or database", showInfo);
-  addListing(program, action, "songs", "List the songs of a player or database", listSongs);
+  addSongs(program, action);
   addListing(program, action, "playlists", "List the playlists of a player or database", listPlaylists);
   addPlaylist(program, action);
+  addPlays(program, action);
   addCheck(program, action);
   addExport(program, action);
   addRescue(program, action);

@@ -63,6 +63,13 @@ std::vector<std::string> cellsOf(const samples::SampleSong &song, size_t number,
   cells.emplace_back(time);  // no sample is as long as an hour
   cells.push_back(utf8(song.genre));
   if (song.year != 0) cells.push_back(std::to_string(song.year));
+  const samples::SampleFacts facts = samples::SampleFactsOf(number);
+  const uint8_t rating = !desktop && facts.newRating != 0 ? facts.newRating : facts.rating;
+  if (rating != 0) cells.push_back(std::string(rating / 20, '*'));
+  const uint32_t plays = facts.plays + (desktop ? 0 : facts.newPlays);
+  if (plays != 0) cells.push_back(std::to_string(plays));
+  if (plays != 0)
+    cells.push_back(date(!desktop && facts.newPlays != 0 ? facts.newLastPlayed : facts.lastPlayed));
   cells.push_back(date(song.added));
   cells.push_back(std::to_string(song.bitrate) + " kbit/s");
   char rate[32];
@@ -92,8 +99,9 @@ TEST(SongsCommand, ShowsEveryFieldOfEverySongOfThePlayer) {
   const std::vector<std::string> lines = linesOf(outcome.out);
   const auto &songs = samples::SampleSongs();
   ASSERT_EQ(lines.size(), songs.size() + 3);
-  expectCellsInOrder(lines[0], {"#", "Title", "Artist", "Album", "Track", "Time", "Genre", "Year", "Size",
-                                "Added", "Bit rate", "Sample rate", "Kind", "Composer", "File"});
+  expectCellsInOrder(
+      lines[0], {"#", "Title", "Artist", "Album", "Track", "Time", "Genre", "Year", "Size", "Rating", "Plays",
+                 "Last played", "Added", "Bit rate", "Sample rate", "Kind", "Composer", "File"});
   for (size_t i = 0; i < songs.size(); ++i) expectCellsInOrder(lines[i + 1], cellsOf(songs[i], i, false));
   EXPECT_THAT(lines.back(), StartsWith(std::to_string(songs.size()) + " songs, "));
 }

@@ -8,6 +8,7 @@
 
 #include "host/Error.h"
 #include "player/DatabaseLocation.h"
+#include "zemhost/check/SongComparison.h"
 #include "zemhost/library/Phrases.h"
 
 namespace zemhost {
@@ -45,8 +46,22 @@ class Check {
         add(player::FindingKind::LossyText,
             songLabel(index, song) + ": the " + field + " holds characters that are not valid");
       }
+      compareReaders(index, song);
       if (account_.filesLeftOut.empty()) checkFile(index, song);
     }
+  }
+
+  void compareReaders(int32_t index, const Song &song) {
+    const auto differs = [&](const std::string &text) {
+      add(player::FindingKind::ClassDiffers, songLabel(index, song) + ": " + text);
+    };
+    if (song.facts.id != static_cast<uint32_t>(song.id)) {
+      differs("the file holds no song of the ID " + std::to_string(song.id) + " at its place");
+      return;
+    }
+    for (const std::string &text :
+         songDifferences(song, library_.textsInFile(index), library_.libType() == 0))
+      differs(text);
   }
 
   void checkFile(int32_t index, const Song &song) {

@@ -31,13 +31,15 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
 
 int checkDatabase(const CheckArguments &arguments) {
   OpenDatabase database = loadDatabase(Host::load(), arguments.path);
-  CheckReport report{database.location, database.compressed, accountOf(database), {}, {}, {}};
+  CheckReport report{database.location, database.compressed, database.account, {}, {}, {}};
   report.findings = report.file.findings;
   if (database.bytesAfterStream > 0) {
     report.findings.add(
         player::FindingKind::UnexplainedBytes,
         std::to_string(database.bytesAfterStream) + " bytes stand after the compressed stream");
   }
+  if (!database.songs->warning().empty())
+    report.findings.add(player::FindingKind::UnusedFile, database.songs->warning());
   const MusicLibrary library(std::move(database));
   report.reconciliation = reconcile(report.file, library.object());
   addDifferences(report.reconciliation, library, report.file, report.findings);

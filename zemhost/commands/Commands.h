@@ -4,6 +4,7 @@
 // name. It writes to standard output, or to the file that was asked for, and returns the exit status
 // (ExitStatus.h). Bad input throws HostError or PlayerError.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,27 @@ struct ListingArguments {
   std::string encoding = "UTF-8";
 };
 int showInfo(const ListingArguments &arguments);
-int listSongs(const ListingArguments &arguments);
 int listPlaylists(const ListingArguments &arguments);
+
+struct SongsArguments {
+  std::string path;
+  std::vector<std::string> columns;  // none: those that fit
+  std::string encoding = "UTF-8";
+};
+int listSongs(const SongsArguments &arguments);
+
+struct PlaysArguments {
+  std::string path;
+  std::string by = "song";  // or artist, album
+  size_t top = 10;          // lines of each list
+  std::string encoding = "UTF-8";
+};
+int showPlays(const PlaysArguments &arguments);
 
 struct PlaylistArguments {
   std::string path;
-  std::string playlist;  // its number, its name, or the beginning of its name
+  std::string playlist;              // its number, its name, or the beginning of its name
+  std::vector<std::string> columns;  // none: those that fit
   std::string encoding = "UTF-8";
 };
 int listPlaylist(const PlaylistArguments &arguments);
@@ -37,9 +53,10 @@ int checkDatabase(const CheckArguments &arguments);
 
 struct ExportArguments {
   std::string path;
-  std::string format;               // csv, json, ndjson, m3u8 or sqlite
+  std::string format;               // csv, json, ndjson, m3u8, sqlite or listenbrainz
   std::string output;               // a file; empty or "-": standard output
   std::string playlist;             // empty: the whole library
+  bool sinceSync = false;           // only the songs played or skipped since the last synchronisation
   std::vector<std::string> fields;  // of a song; none: all of them
   std::string paths = "host";       // of an m3u8 list: host, relative or device
   std::string encoding = "UTF-8";

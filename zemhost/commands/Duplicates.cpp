@@ -36,7 +36,8 @@ void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library
     for (const int32_t index : groups[number].songs) {
       const Song song = library.song(index);
       table.addRow({std::to_string(number + 1), std::to_string(index), song.title, song.artist, song.album,
-                    durationText(song.duration), sizeText(song.size), dateText(song.dateAdded), song.path});
+                    durationText(song.duration), sizeText(song.size),
+                    song.facts.added ? dateText(*song.facts.added) : "", song.path});
       if (index != groups[number].songs.front()) spare.add(song.duration, song.size);
     }
   }

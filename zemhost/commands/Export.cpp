@@ -21,8 +21,13 @@ namespace {
 // The songs that are asked for, and what to say of those that cannot be given.
 class Selection {
  public:
-  Selection(const MusicLibrary &library, const std::string &wanted)
-      : library_(library), playlist_(wanted.empty() ? -1 : choosePlaylist(library, wanted)) {}
+  Selection(const MusicLibrary &library, const ExportArguments &arguments)
+      : library_(library),
+        playlist_(arguments.playlist.empty() ? -1 : choosePlaylist(library, arguments.playlist)),
+        sinceSync_(arguments.sinceSync) {
+    if (sinceSync_ && !library.hasCounts())
+      printError(library.location().name + ": no counts since the last synchronisation stand beside it");
+  }
 
   // The playlist's number; -1: the whole library.
   int32_t playlist() const { return playlist_; }
@@ -36,7 +41,7 @@ class Selection {
       const int32_t song = playlist_ < 0 ? i : library_.entry(playlist_, i).song;
       if (song < 0) {
         ++missing;
-      } else {
+      } else if (!sinceSync_ || isCounted(song)) {
         sink(song);
       }
     }
@@ -47,8 +52,15 @@ class Selection {
   }
 
  private:
+  // Whether it was played or skipped since the last synchronisation.
+  bool isCounted(int32_t song) const {
+    const auto counted = library_.song(song).sinceSync;
+    return counted && (counted->plays != 0 || counted->skips.value_or(0) != 0);
+  }
+
   const MusicLibrary &library_;
   int32_t playlist_;
+  bool sinceSync_;
 };
 
 M3uPaths pathsNamed(const std::string &name) {
@@ -77,6 +89,7 @@ std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const Expo
   if (arguments.format == "sqlite") return makeSqliteWriter(arguments.output, columns);
   auto out = std::make_unique<EncodedOutput>(arguments.encoding, library.host(), arguments.output);
   if (arguments.format == "csv") return makeCsvWriter(std::move(out), columns);
+  if (arguments.format == "listenbrainz") return makeListenWriter(std::move(out));
   if (arguments.format == "json") return makeJsonWriter(std::move(out), columns);
   return makeNdjsonWriter(std::move(out), columns);
 }
@@ -89,6 +102,7 @@ void writePlaylist(ExportWriter &writer, const PlaylistColumns &columns, const M
 }
 
 std::vector<std::string> fieldsOf(const ExportArguments &arguments) {
+  if (arguments.format == "listenbrainz") return listenFields();
   std::vector<std::string> fields = arguments.fields;
   if (fields.empty() || arguments.format != "sqlite") return fields;
   // The keys that entries refer to.
@@ -99,7 +113,8 @@ std::vector<std::string> fieldsOf(const ExportArguments &arguments) {
 }
 
 // The songs, and behind them the playlists in the formats that have a place for those. These hold a song once
-// that stands in a playlist twice, as entries refer to it.
+// that stands in a playlist twice, as entries refer to it. Of what was counted since the last synchronisation
+// there are songs alone: most of those that entries refer to are not among them.
 void writeTables(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
   const bool holdsPlaylists = arguments.format == "json" || arguments.format == "sqlite";
   const SongColumns songs(library, fieldsOf(arguments));
@@ -112,7 +127,7 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
     }
     writer->song(songs.row(song));
   });
-  if (holdsPlaylists) {
+  if (holdsPlaylists && !arguments.sinceSync) {
     const PlaylistColumns playlists(library);
     const int32_t count = library.playlistCount();
     for (int32_t number = 0; number < count; ++number) {
@@ -127,7 +142,7 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
 
 int exportLibrary(const ExportArguments &arguments) {
   const MusicLibrary library(openAndWarn(arguments.path));
-  const Selection selection(library, arguments.playlist);
+  const Selection selection(library, arguments);
   if (arguments.format == "m3u8") {
     writeM3u(library, selection, arguments);
   } else {

@@ -8,7 +8,7 @@ OpenDatabase openAndWarn(const std::filesystem::path &path) { return openAndWarn
 
 OpenDatabase openAndWarn(const Host &host, const std::filesystem::path &path) {
   OpenDatabase database = openDatabase(host, path);
-  if (!database.warning.empty()) printError(database.warning);
+  for (const std::string &warning : database.warnings) printError(warning);
   return database;
 }
 

@@ -12,7 +12,7 @@ int listPlaylist(const PlaylistArguments &arguments) {
   const MusicLibrary library(openAndWarn(arguments.path));
   const int32_t playlist = choosePlaylist(library, arguments.playlist);
   EncodedOutput out(arguments.encoding, library.host());
-  SongTable table(out);
+  SongTable table(out, arguments.columns);
   const int32_t count = library.entryCount(playlist);
   for (int32_t position = 0; position < count; ++position) {
     const PlaylistEntry entry = library.entry(playlist, position);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
 #include "zemhost/output/EncodedOutput.h"
@@ -13,7 +14,9 @@ namespace zemhost {
 
 class SongTable {
  public:
-  explicit SongTable(EncodedOutput &out);
+  // `names` are those of the columns to show, in order, as exports call them; none: a choice that fits the
+  // width at hand. Throws HostError for a name that there is not, with all that there are.
+  SongTable(EncodedOutput &out, const std::vector<std::string> &names);
 
   // One row, and its share in the totals. `number` is what stands in the first column.
   void addSong(int32_t number, const Song &song);
@@ -25,7 +28,10 @@ class SongTable {
   void finish();
 
  private:
+  using Cell = std::string (*)(const Song &song);
+
   EncodedOutput &out_;
+  std::vector<Cell> cells_;  // beside the columns of the table, but for the first
   Table table_;
   Totals totals_;
   uint64_t missing_ = 0;

@@ -7,10 +7,10 @@
 
 namespace zemhost {
 
-int listSongs(const ListingArguments &arguments) {
+int listSongs(const SongsArguments &arguments) {
   const MusicLibrary library(openAndWarn(arguments.path));
   EncodedOutput out(arguments.encoding, library.host());
-  SongTable table(out);
+  SongTable table(out, arguments.columns);
   const int32_t count = library.songCount();
   for (int32_t index = 0; index < count; ++index) table.addSong(index, library.song(index));
   table.finish();

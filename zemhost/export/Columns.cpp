@@ -1,6 +1,10 @@
 #include "zemhost/export/Columns.h"
 
 #include <algorithm>
+#include <array>
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -30,16 +34,49 @@ Json dateOrNull(uint32_t secondsSince1904) {
   return textOrNull(std::move(text));
 }
 
+template <typename Fact>
+Json known(const std::optional<Fact> &fact) {
+  return fact ? Json(*fact) : Json();
+}
+
+Json dateOrNull(const std::optional<uint32_t> &date) { return date ? dateOrNull(*date) : Json(); }
+
+Json hexOrNull(const std::optional<uint64_t> &number) {
+  if (!number) return {};
+  std::array<char, 17> digits{};
+  std::snprintf(digits.data(), digits.size(), "%016" PRIX64, *number);
+  return digits.data();
+}
+
+// Of an adjustment of -255 to 255.
+Json percentOrNull(const std::optional<int32_t> &volume) {
+  return volume ? Json(std::lround(*volume * 100.0 / 255)) : Json();
+}
+
+// How much louder a song is to be played.
+Json decibelsOrNull(const std::optional<uint32_t> &soundCheck) {
+  return soundCheck ? Json(std::round(-1000 * std::log10(*soundCheck / 1000.0)) / 100) : Json();
+}
+
 // A song's texts that have a number instead of a method, and the columns of those with a settled meaning.
 constexpr int32_t kComment = 8;
+constexpr int32_t kCategory = 9;
 constexpr int32_t kGrouping = 13;
 constexpr int32_t kDescription = 14;
 constexpr int32_t kEnclosureUrl = 15;
 constexpr int32_t kFeedUrl = 16;
 constexpr int32_t kSubtitle = 18;
+constexpr int32_t kShow = 19;
 constexpr int32_t kAlbumArtist = 22;
-constexpr int32_t kNumbersWithAColumn[] = {kComment, kGrouping, kDescription, kEnclosureUrl,
-                                           kFeedUrl, kSubtitle, kAlbumArtist};
+constexpr int32_t kSortArtist = 23;
+constexpr int32_t kSortTitle = 27;
+constexpr int32_t kSortAlbum = 28;
+constexpr int32_t kSortAlbumArtist = 29;
+constexpr int32_t kSortComposer = 30;
+constexpr int32_t kSortShow = 31;
+constexpr int32_t kNumbersWithAColumn[] = {
+    kComment,     kCategory,   kGrouping,  kDescription, kEnclosureUrl,    kFeedUrl,      kSubtitle, kShow,
+    kAlbumArtist, kSortArtist, kSortTitle, kSortAlbum,   kSortAlbumArtist, kSortComposer, kSortShow};
 // Players number their texts from 1 up to about 50, and a few from 100 and 200.
 constexpr int32_t kLastNumber = 300;
 
@@ -68,7 +105,22 @@ struct SongColumns::State {
     return number == kEnclosureUrl || number == kFeedUrl ? addressText(bytes) : otherText(bytes);
   }
   Json otherTexts() const;
+  // A text to sort by, without the control characters at its end that some programs write.
+  Json sortText(int32_t number) const {
+    Json text = numberedText(number);
+    if (!text.is_string()) return text;
+    std::string &bytes = text.get_ref<std::string &>();
+    while (!bytes.empty() && static_cast<unsigned char>(bytes.back()) < ' ') bytes.pop_back();
+    return textOrNull(std::move(bytes));
+  }
+  const player::SongFacts &facts() { return song().facts; }
+  const std::optional<player::PlayCount> &sinceSync() { return song().sinceSync; }
+  // The class reads these at their places whatever the length of the header, into the song's texts where it
+  // is shorter.
+  Json compilationFlag() { return facts().compilation ? Json(compilation(index).boolean()) : Json(); }
+  Json mediaTypeWord() { return facts().mediaType ? wordOf(mediaType) : Json(); }
   Json movie() {
+    if (!facts().movie) return {};
     // The class looks the flag up by track ID, so a song whose ID an earlier one has hides its own.
     const int32_t id = song().id;
     return indexOfID(id).integer() == index ? Json(movieFlag(id).boolean()) : Json();
@@ -138,10 +190,48 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"size_bytes", Integer}, [](S &s) { return Json(s.song().size); }},
       {{"bit_rate_kbps", Integer}, [](S &s) { return Json(s.song().bitRate); }},
       {{"sample_rate_hz", Integer}, [](S &s) { return Json(s.song().sampleRate); }},
-      {{"date_added", Text}, [](S &s) { return dateOrNull(s.song().dateAdded); }},
-      {{"compilation", Boolean}, [](S &s) { return Json(s.compilation(s.index).boolean()); }},
+      {{"date_added", Text}, [](S &s) { return dateOrNull(s.facts().added); }},
+      {{"date_modified", Text}, [](S &s) { return dateOrNull(s.song().modified); }},
+      {{"date_released", Text}, [](S &s) { return dateOrNull(s.facts().released); }},
+      {{"date_purchased", Text}, [](S &s) { return dateOrNull(s.facts().purchased); }},
+      {{"play_count", Integer}, [](S &s) { return known(s.facts().plays); }},
+      {{"last_played", Text}, [](S &s) { return dateOrNull(s.facts().lastPlayed); }},
+      {{"skip_count", Integer}, [](S &s) { return known(s.facts().skips); }},
+      {{"last_skipped", Text}, [](S &s) { return dateOrNull(s.facts().lastSkipped); }},
+      {{"plays_since_sync", Integer},
+       [](S &s) { return s.sinceSync() ? Json(s.sinceSync()->plays) : Json(); }},
+      {{"skips_since_sync", Integer},
+       [](S &s) { return s.sinceSync() ? known(s.sinceSync()->skips) : Json(); }},
+      {{"rating", Integer}, [](S &s) { return known(s.facts().rating); }},
+      {{"bookmark", Integer}, [](S &s) { return known(s.facts().bookmark); }},
+      {{"heard", Boolean}, [](S &s) { return known(s.facts().heard); }},
+      {{"disc", Integer}, [](S &s) { return known(s.facts().disc); }},
+      {{"discs", Integer}, [](S &s) { return known(s.facts().discs); }},
+      {{"bpm", Integer}, [](S &s) { return known(s.facts().bpm); }},
+      {{"season", Integer}, [](S &s) { return known(s.facts().season); }},
+      {{"episode", Integer}, [](S &s) { return known(s.facts().episode); }},
+      {{"compilation", Boolean}, [](S &s) { return s.compilationFlag(); }},
       {{"movie", Boolean}, [](S &s) { return s.movie(); }},
-      {{"media_type", Integer}, [](S &s) { return s.wordOf(s.mediaType); }},
+      {{"media_type", Integer}, [](S &s) { return s.mediaTypeWord(); }},
+      {{"media_kind", Text}, [](S &s) { return textOrNull(mediaKindText(s.facts().mediaType.value_or(0))); }},
+      {{"explicit", Boolean}, [](S &s) { return known(s.facts().explicitContent); }},
+      {{"lyrics", Boolean}, [](S &s) { return known(s.facts().lyrics); }},
+      {{"checked", Boolean}, [](S &s) { return known(s.facts().checked); }},
+      {{"protected", Boolean}, [](S &s) { return known(s.facts().isProtected); }},
+      {{"bought", Boolean}, [](S &s) { return known(s.facts().bought); }},
+      {{"skipped_in_shuffle", Boolean}, [](S &s) { return known(s.facts().skippedInShuffle); }},
+      {{"remembers_position", Boolean}, [](S &s) { return known(s.facts().remembersPosition); }},
+      {{"volume_percent", Integer}, [](S &s) { return percentOrNull(s.facts().volume); }},
+      {{"sound_check_db", Real}, [](S &s) { return decibelsOrNull(s.facts().soundCheck); }},
+      {{"start_ms", Integer}, [](S &s) { return known(s.facts().start); }},
+      {{"stop_ms", Integer}, [](S &s) { return known(s.facts().stop); }},
+      {{"channels", Integer}, [](S &s) { return known(s.facts().channels); }},
+      {{"gapless", Boolean}, [](S &s) { return known(s.facts().gapless); }},
+      {{"gapless_delay", Integer}, [](S &s) { return known(s.facts().delay); }},
+      {{"gapless_padding", Integer}, [](S &s) { return known(s.facts().padding); }},
+      {{"samples", Integer}, [](S &s) { return known(s.facts().samples); }},
+      {{"gapless_album", Boolean}, [](S &s) { return known(s.facts().gaplessAlbum); }},
+      {{"persistent_id", Text}, [](S &s) { return hexOrNull(s.facts().persistentId); }},
       {{"path", Text}, [](S &s) { return textOrNull(s.song().path); }},
       {{"absolute_path", Text}, [](S &s) { return textOrNull(s.absolutePath(s.song().path).text()); }},
       {{"file", Text}, [](S &s) { return textOrNull(songFile(s.library, s.song().path).string()); }},
@@ -150,6 +240,14 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"description", Text}, [](S &s) { return s.numberedText(kDescription); }},
       {{"subtitle", Text}, [](S &s) { return s.numberedText(kSubtitle); }},
       {{"album_artist", Text}, [](S &s) { return s.numberedText(kAlbumArtist); }},
+      {{"category", Text}, [](S &s) { return s.numberedText(kCategory); }},
+      {{"show", Text}, [](S &s) { return s.numberedText(kShow); }},
+      {{"sort_title", Text}, [](S &s) { return s.sortText(kSortTitle); }},
+      {{"sort_artist", Text}, [](S &s) { return s.sortText(kSortArtist); }},
+      {{"sort_album", Text}, [](S &s) { return s.sortText(kSortAlbum); }},
+      {{"sort_album_artist", Text}, [](S &s) { return s.sortText(kSortAlbumArtist); }},
+      {{"sort_composer", Text}, [](S &s) { return s.sortText(kSortComposer); }},
+      {{"sort_show", Text}, [](S &s) { return s.sortText(kSortShow); }},
       {{"enclosure_url", Text}, [](S &s) { return s.numberedText(kEnclosureUrl); }},
       {{"feed_url", Text}, [](S &s) { return s.numberedText(kFeedUrl); }},
       {{"other_texts", Texts}, [](S &s) { return s.otherTexts(); }},

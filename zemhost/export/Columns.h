@@ -19,6 +19,7 @@ using Json = nlohmann::ordered_json;
 
 enum class ColumnType {
   Integer,
+  Real,
   Boolean,
   Text,  // UTF-8
   Texts  // an object of texts, by number

@@ -44,6 +44,14 @@ std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out,
 std::unique_ptr<ExportWriter> makeNdjsonWriter(std::unique_ptr<EncodedOutput> out,
                                                const SongColumnList &columns);
 
+// The fields that the following writer takes, in this order.
+const std::vector<std::string> &listenFields();
+
+// One JSON object a line for each song that was played since the last synchronisation, as ListenBrainz
+// imports them. The player keeps the time of the last play alone, so a song is one listen. Songs that lack
+// what a listen must have are left out, and counted on standard error.
+std::unique_ptr<ExportWriter> makeListenWriter(std::unique_ptr<EncodedOutput> out);
+
 // A SQLite database with the tables songs, playlists and entries. The columns must hold
 // song_index and track_id, which entries refer to.
 std::unique_ptr<ExportWriter> makeSqliteWriter(const std::filesystem::path &target,

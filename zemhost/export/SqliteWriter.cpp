@@ -73,6 +73,8 @@ class Insert {
       result = sqlite3_bind_null(statement_, place);
     } else if (value.is_boolean()) {
       result = sqlite3_bind_int(statement_, place, value.get<bool>() ? 1 : 0);
+    } else if (value.is_number_float()) {
+      result = sqlite3_bind_double(statement_, place, value.get<double>());
     } else if (value.is_number()) {
       result = sqlite3_bind_int64(statement_, place, value.get<int64_t>());
     } else {
@@ -94,6 +96,7 @@ class Insert {
 };
 
 const char *typeName(ColumnType type) {
+  if (type == ColumnType::Real) return "REAL";
   return type == ColumnType::Integer || type == ColumnType::Boolean ? "INTEGER" : "TEXT";
 }
 

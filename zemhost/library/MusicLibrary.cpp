@@ -1,5 +1,6 @@
 #include "zemhost/library/MusicLibrary.h"
 
+#include <system_error>
 #include <utility>
 
 #include "zemhost/library/ClassWords.h"
@@ -45,11 +46,36 @@ struct MusicLibrary::State {
   explicit State(OpenDatabase database)
       : host(std::move(database.host)),
         location(std::move(database.location)),
-        object(std::move(database.object)) {}
+        object(std::move(database.object)),
+        content(std::move(database.content)),
+        songs(std::move(database.songs)) {}
+
+  // What a step gives that reads the file; a failure names the file.
+  template <typename Step>
+  auto read(const Step &step) const {
+    try {
+      return step();
+    } catch (const std::system_error &error) {
+      throw HostError(location.name + ": " + error.code().message());
+    }
+  }
+
+  // A song stands at the same place in the class's list and in the file. Where other IDs show that it does
+  // not, as may be in a damaged file, nothing more is known of it.
+  void addFacts(int32_t index, Song &song) const {
+    const auto place = static_cast<size_t>(index);
+    if (place >= songs->count()) return;
+    const player::SongFacts facts = read([&] { return songs->facts(place); });
+    if (facts.id != static_cast<uint32_t>(song.id)) return;
+    song.facts = facts;
+    if (const player::PlayCount *counted = songs->counted(place)) song.sinceSync = *counted;
+  }
 
   Host host;
   player::DatabaseLocation location;
   Object object;
+  carbon::Descriptor content;  // which the songs are read from
+  std::shared_ptr<const player::PlayerSongs> songs;
   int32_t libType = object.get("LibType").integer();
 
   TextMethods title{object, "Title"};
@@ -69,7 +95,7 @@ struct MusicLibrary::State {
   Method year = numberMethod(object, "GetYear");
   Method bitRate = numberMethod(object, "GetBitrate");
   Method sampleRate = numberMethod(object, "GetSamplerate");
-  Method dateAdded = numberMethod(object, "GetDataAdded");
+  Method modified = numberMethod(object, "GetDataAdded");
 
   Method playlistCount = object.method("CountPlayLists As Integer");
   Method playlistName = object.method("GetPlayListName(playlist As Integer) As String");
@@ -117,7 +143,8 @@ Song MusicLibrary::song(int32_t index) const {
   song.year = number(my.year, index);
   song.bitRate = rateWord(my.bitRate(index).integer(), my.libType);
   song.sampleRate = sampleRateHertz(rateWord(my.sampleRate(index).integer(), my.libType));
-  song.dateAdded = number(my.dateAdded, index);
+  song.modified = number(my.modified, index);
+  my.addFacts(index, song);
   return song;
 }
 
@@ -135,10 +162,18 @@ std::vector<std::string> MusicLibrary::lossyTexts(int32_t index) const {
   return names;
 }
 
+std::vector<player::SongText> MusicLibrary::textsInFile(int32_t index) const {
+  const auto place = static_cast<size_t>(index);
+  return place < state_->songs->count() ? state_->read([&] { return state_->songs->texts(place); })
+                                        : std::vector<player::SongText>();
+}
+
 FolderItem MusicLibrary::file(const std::string &path) const {
   if (path.empty()) return {};
   return FolderItem::fromMacPath(state_->absolutePath(path).text());
 }
+
+bool MusicLibrary::hasCounts() const { return state_->songs->hasCounts(); }
 
 uint32_t MusicLibrary::duration(int32_t index) const { return number(state_->duration, index); }
 uint32_t MusicLibrary::size(int32_t index) const { return number(state_->size, index); }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 
 namespace zemhost {
 
+// What the class answers of a song, and beside it what only the player's own files say.
 struct Song {
   int32_t id = 0;
   std::string title, artist, album, genre, composer, fileType;  // UTF-8; empty when the song has none
@@ -22,7 +24,11 @@ struct Song {
   uint32_t year = 0;
   uint32_t bitRate = 0;     // kilobits per second
   uint32_t sampleRate = 0;  // hertz
-  uint32_t dateAdded = 0;   // seconds since the start of 1904, in no time zone
+  uint32_t modified = 0;    // when its file changed; seconds since the start of 1904, in no time zone
+  // What the player's files say; all unknown when its place in them is not sure.
+  player::SongFacts facts;
+  std::optional<player::PlayCount>
+      sinceSync;  // of this, what the player counted since the last synchronisation
 };
 
 // What a list adds up to.
@@ -56,8 +62,12 @@ class MusicLibrary {
   Song song(int32_t index) const;
   // The names of those of a song's texts that Unicode cannot hold whole: "title".
   std::vector<std::string> lossyTexts(int32_t index) const;
+  // A song's texts as they stand in the file, read without the class.
+  std::vector<player::SongText> textsInFile(int32_t index) const;
   // The file of a song's path on its volume, whether or not it is there; nil when that names no place here.
   FolderItem file(const std::string &path) const;
+  // Whether the player left counts since the last synchronisation that fit the database.
+  bool hasCounts() const;
   // Only these two of a song's numbers, for adding up.
   uint32_t duration(int32_t index) const;
   uint32_t size(int32_t index) const;

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -52,18 +53,21 @@ void load(const Object &object, const std::string &name, const std::filesystem::
   }
 }
 
-}  // namespace
-
-player::FileAccount accountOf(const OpenDatabase &database) {
+void readContent(OpenDatabase &database) {
   try {
-    return player::walkChunks(database.content.number());
+    database.account = player::walkChunks(database.content.number());
+    database.songs = std::make_shared<const player::PlayerSongs>(database.content.number(), database.account,
+                                                                 database.location.file);
   } catch (const std::system_error &error) {
     throw HostError(database.location.name, error.code().value());
   }
 }
 
+}  // namespace
+
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}};
+  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {},
+                        {}};
   const player::DatabaseLocation &location = database.location;
   const player::FileProbe probe = player::probeFile(location.file);
   if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
@@ -91,16 +95,18 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
     database.content = carbon::Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
     if (database.content.number() < 0) throw HostError(location.name, errno);
   }
+  readContent(database);
   return database;
 }
 
 OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path) {
   OpenDatabase database = loadDatabase(host, path);
-  const Reconciliation counts = reconcile(accountOf(database), database.object);
+  const Reconciliation counts = reconcile(database.account, database.object);
   if (!counts.agrees()) {
-    database.warning = database.location.name + ": " + counts.summary() +
-                       "; to see what is wrong run: zemhost check " + shellWord(path.string());
+    database.warnings.push_back(database.location.name + ": " + counts.summary() +
+                                "; to see what is wrong run: zemhost check " + shellWord(path.string()));
   }
+  if (!database.songs->warning().empty()) database.warnings.push_back(database.songs->warning());
   return database;
 }
 

@@ -30,6 +30,13 @@ std::string sampleRateText(uint32_t hertz);
 // 1904, in no time zone.
 std::string dateText(uint32_t secondsSince1904);
 
+// "music", "music, film": what the bits of a media type mean, those without a name as their number; empty for
+// 0.
+std::string mediaKindText(uint32_t bits);
+
+// A star for each 20 of a rating of 0 to 100, and a half for 10 more: "****", "***½".
+std::string ratingText(uint32_t rating);
+
 // The number in decimal.
 std::string numberText(uint32_t number);
 

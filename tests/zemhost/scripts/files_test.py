@@ -53,7 +53,7 @@ class Files(unittest.TestCase):
 
     def test_wrong_options_are_named(self):
         self.refused(2, "--format is required")
-        self.refused(2, "xml not in {csv,json,ndjson,m3u8,sqlite}", "--format", "xml")
+        self.refused(2, "xml not in {csv,json,ndjson,m3u8,sqlite,listenbrainz}", "--format", "xml")
         self.refused(1, 'no field is named "titel"; there are: song_index, track_id, title, ', "--format", "csv",
                      "--fields", "title,titel", "-o", self.out)
         self.refused(1, 'the field "title" is asked for twice', "--format", "csv", "--fields", "title,year,title")

@@ -5,8 +5,10 @@ import csv
 import datetime
 import io
 import json
+import math
 import os
 import sqlite3
+import sys
 import tempfile
 import unittest
 
@@ -14,7 +16,10 @@ import jsonschema
 
 from answers import FolderItem, answers
 from database_file import File
-from program import DESKTOP, PLAYER, SOURCE, generated, real_files, run
+from program import DESKTOP, PLAYER, SHARED, SOURCE, generated, real_files, run
+
+sys.path.append(os.path.join(SOURCE, "tests", "player", "model"))
+import song_model  # noqa: E402
 
 with open(os.path.join(SOURCE, "docs", "export-schema.json"), encoding="utf-8") as schema_file:
     SCHEMA = json.load(schema_file)
@@ -23,7 +28,7 @@ FIELDS = list(SONG["properties"])
 
 # Fields that are a method's answer and nothing else.
 WORDS = {"track": "GetNumOfTrack", "track_total": "GetTotalTrack", "year": "GetYear", "duration_ms": "GetDuration",
-         "size_bytes": "GetFileSize", "media_type": "GetMediaType", "title_encode": "GetTitleEncode",
+         "size_bytes": "GetFileSize", "title_encode": "GetTitleEncode",
          "path_encode": "GetPathEncode", "album_encode": "GetAlbumEncode", "artist_encode": "GetArtistEncode",
          "genre_encode": "GetGenreEncode", "composer_encode": "GetComposerEncode",
          "file_type_encode": "GetFileTypeEncode"}
@@ -31,8 +36,23 @@ TEXTS = {"title": "GetTitle", "artist": "GetArtist", "album": "GetAlbum", "genre
          "composer": "GetComposer", "file_type": "GetFileType", "track_text": "GetTrackTotalInfo", "path": "GetPath",
          "absolute_path": "GetAbsolutePath"}
 NUMBERED = {"comment": 8, "grouping": 13, "description": 14, "subtitle": 18, "album_artist": 22, "enclosure_url": 15,
-            "feed_url": 16}
-OTHERS = {"track_id": "GetID", "compilation": "GetCompilation", "numbered_texts": "CountSongUnknown",
+            "feed_url": 16, "category": 9, "show": 19}
+SORTED = {"sort_title": 27, "sort_artist": 23, "sort_album": 28, "sort_album_artist": 29, "sort_composer": 30,
+          "sort_show": 31}
+# Facts as the model has them, by the names of their fields.
+FACTS = {"play_count": "plays", "skip_count": "skips", "rating": "rating", "bookmark": "bookmark", "heard": "heard",
+         "disc": "disc", "discs": "discs", "bpm": "bpm", "season": "season", "episode": "episode",
+         "explicit": "explicit", "lyrics": "lyrics", "checked": "checked", "protected": "protected",
+         "bought": "bought", "skipped_in_shuffle": "skipped_in_shuffle", "remembers_position": "remembers_position",
+         "start_ms": "start", "stop_ms": "stop", "channels": "channels", "gapless": "gapless",
+         "gapless_delay": "delay", "gapless_padding": "padding", "samples": "samples",
+         "gapless_album": "gapless_album"}
+DATES = {"date_added": "added", "date_released": "released", "date_purchased": "purchased",
+         "last_played": "last_played", "last_skipped": "last_skipped"}
+KINDS = [(6, "video podcast"), (1, "music"), (2, "film"), (4, "podcast"), (8, "audiobook"), (0x20, "music video"),
+         (0x40, "TV show"), (0x400, "home video"), (0x1000, "game"), (0x4000, "ringtone"), (0x8000, "rental"),
+         (0x10000, "booklet"), (0x20000, "app"), (0x100000, "voice memo"), (0x200000, "lecture")]
+OTHERS = {"track_id": "GetID", "_media_type": "GetMediaType", "compilation": "GetCompilation", "numbered_texts": "CountSongUnknown",
           "_bit_rate": "GetBitrate", "_sample_rate": "GetSamplerate", "_date": "GetDataAdded",
           "_file": "GetFolderItem"}
 NUMBERS = range(0, 60)
@@ -40,6 +60,43 @@ NUMBERS = range(0, 60)
 
 def unsigned(word):
     return word & 0xFFFFFFFF
+
+
+def date_text(seconds):
+    if not seconds:
+        return None
+    return (datetime.datetime(1904, 1, 1) + datetime.timedelta(seconds=seconds)).isoformat()
+
+
+def kind_text(bits):
+    names = []
+    for bit, name in KINDS:
+        if bits & bit == bit:
+            names.append(name)
+            bits &= ~bit
+    if bits & 0xC00000:
+        names.append("book")
+    bits &= ~0xC00000
+    return ", ".join(names + ([hex(bits)] if bits else [])) or None
+
+
+def add_facts(song, facts, counted):
+    """What the player's files say besides the class, and of the class's answers those that the header is long enough
+    for."""
+    assert facts["id"] == song["track_id"] & 0xFFFFFFFF
+    song.update({name: facts[fact] for name, fact in FACTS.items()})
+    song.update({name: date_text(facts[fact]) for name, fact in DATES.items()})
+    for name in ("compilation", "movie", "media_type"):
+        if facts[name] is None:
+            song[name] = None
+    song["media_kind"] = kind_text(facts["media_type"] or 0)
+    song["plays_since_sync"] = counted and counted["plays"]
+    song["skips_since_sync"] = counted and counted["skips"]
+    volume = facts["volume"]
+    song["volume_percent"] = None if volume is None else round(volume * 100 / 255)
+    loudness = facts["sound_check"]
+    song["sound_check_db"] = loudness and math.floor(-1000 * math.log10(loudness / 1000) + 0.5) / 100
+    song["persistent_id"] = facts["persistent_id"] and f"{facts['persistent_id']:016X}"
 
 
 def expected_songs(path, database_file):
@@ -93,8 +150,7 @@ def expected_song(index, have, library_type, database_file):
     hertz = rate(have["_sample_rate"])
     song["sample_rate_hz"] = (hertz >> 16) + (hertz >> 15 & 1)
     seconds = unsigned(have["_date"])
-    moment = datetime.datetime(1904, 1, 1) + datetime.timedelta(seconds=seconds)
-    song["date_added"] = moment.isoformat() if seconds else None
+    song["date_modified"] = date_text(seconds)
     assert seconds == int.from_bytes(raw["words"][0x20:0x24], "big" if library_type == 0 else "little")
 
     texts = {number: have["text", number] for number in NUMBERS if have["text", number] is not None}
@@ -103,6 +159,9 @@ def expected_song(index, have, library_type, database_file):
             texts[number] = raw["texts"][number]  # 8-bit, where the class can only read UTF-16
     for name, number in NUMBERED.items():
         song[name] = texts.pop(number, None)
+    for name, number in SORTED.items():
+        song[name] = texts.pop(number, "").rstrip("".join(map(chr, range(32)))) or None
+    song["media_type"] = unsigned(have["_media_type"])
     song["other_texts"] = {str(number): text for number, text in texts.items()} or None
 
     item = have["_file"]
@@ -169,9 +228,14 @@ class ReadBack(unittest.TestCase):
         little = generated(os.path.join(cls.folder.name, "little.itunesdb"), 300, 4, 40, "little")
         big = generated(os.path.join(cls.folder.name, "big.library"), 60, 3, 20, "big")
         cls.databases = {}
-        for path in [PLAYER, DESKTOP, little, big] + real_files():
-            file = File(os.path.join(path, "iPod_Control", "iTunes", "iTunesDB") if path == PLAYER else path)
+        with_counts = os.path.join(SHARED, "data", "players", "fourth-generation", "iTunesDB")
+        for path in [PLAYER, DESKTOP, little, big, *real_files(), *filter(os.path.exists, [with_counts])]:
+            database = os.path.join(path, "iPod_Control", "iTunes", "iTunesDB") if path == PLAYER else path
+            file = File(database)
             songs = expected_songs(path, file)
+            facts, entries = song_model.known(database)
+            for song, fact, counted in zip(songs, facts, entries or [None] * len(songs), strict=True):
+                add_facts(song, fact, counted)
             playlists = expected_playlists(path, file)
             for song in songs:
                 song["file"] = on_this_machine(song, path)
@@ -201,6 +265,8 @@ class ReadBack(unittest.TestCase):
         songs, playlists = self.databases[PLAYER]
         self.assertEqual((len(songs), len(playlists)), (29, 7))
         self.assertEqual(songs[0]["date_added"], "2005-03-12T00:00:00")  # the day the sample was given
+        self.assertNotEqual(songs[25]["date_added"], songs[25]["date_modified"])
+        self.assertEqual([songs[0]["play_count"], songs[0]["plays_since_sync"]], [33, 2])
         self.assertEqual(songs[27]["enclosure_url"], "http://attic-radio.example/episodes/12.mp3")
         self.assertTrue(any(song["compilation"] for song in songs))
         self.assertTrue(any(song["movie"] for song in songs))
@@ -251,8 +317,9 @@ class ReadBack(unittest.TestCase):
         got = []
         for row in database.execute("SELECT * FROM songs ORDER BY rowid"):
             song = dict(row)
-            song["compilation"] = bool(song["compilation"])
-            song["movie"] = None if song["movie"] is None else bool(song["movie"])
+            for name in FIELDS:
+                if "boolean" in SONG["properties"][name]["type"] and song[name] is not None:
+                    song[name] = bool(song[name])
             song["other_texts"] = song["other_texts"] and json.loads(song["other_texts"])
             got.append(song)
         self.assert_songs(got, songs)

@@ -1,0 +1,30 @@
+#include "player/Folder.h"
+
+#include <strings.h>
+#include <system_error>
+
+#include "player/Error.h"
+
+namespace player {
+
+namespace fs = std::filesystem;
+
+bool isNamed(const fs::path &path, const char *name) {
+  return strcasecmp(path.filename().c_str(), name) == 0;
+}
+
+std::optional<fs::path> childNamed(const fs::path &directory, const char *name) {
+  std::error_code error;
+  const fs::path exact = directory / name;
+  if (fs::exists(fs::symlink_status(exact, error))) return exact;
+  std::optional<fs::path> found;
+  fs::directory_iterator entry(directory, error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    // Of several the first by name, so that the answer does not depend on the order of the directory.
+    if (isNamed(entry->path(), name) && (!found || entry->path() < *found)) found = entry->path();
+  }
+  if (error) throw PlayerError(directory.string(), error.value());
+  return found;
+}
+
+}  // namespace player

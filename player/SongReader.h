@@ -1,0 +1,42 @@
+#pragma once
+
+// The songs of a database, each read from its place in the file when it is asked for.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "player/SongFacts.h"
+
+namespace player {
+
+struct SongText {
+  uint32_t type = 0;  // 1 title, 2 path, 3 album, ...
+  std::string text;   // UTF-8; what is no character has become U+FFFD
+};
+
+class SongReader {
+ public:
+  // `file` must stay open. `songs` holds where the songs begin, as a walk over the file found them.
+  SongReader(int file, bool bigEndian, std::vector<uint64_t> songs);
+
+  size_t count() const { return songs_.size(); }
+
+  // What the song's header says. Throws std::system_error when the file cannot be read; all that it lacks is
+  // unknown.
+  SongFacts facts(size_t index) const;
+
+  // The texts of the song that are stored in UTF-16, in the order of the file, to where its objects end or
+  // break off. Those of more than a mebibyte are left out.
+  std::vector<SongText> texts(size_t index) const;
+
+ private:
+  int file_;
+  bool bigEndian_;
+  std::vector<uint64_t> songs_;
+};
+
+// UTF-8 of UTF-16, with U+FFFD for what is no character; a last odd byte is left out.
+std::string utf8OfUtf16(std::string_view bytes, bool bigEndian);
+
+}  // namespace player

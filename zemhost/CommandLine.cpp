@@ -145,6 +145,8 @@ void checkExport(const CLI::App &command, const ExportArguments &arguments) {
     throw CLI::ValidationError("--encoding", arguments.format + " is always UTF-8");
   if (arguments.format == "sqlite" && arguments.writesStandardOutput())
     throw CLI::ValidationError("--output", "sqlite needs a file to write");
+  if (command.count("--output") != 0 && arguments.output.empty())
+    throw CLI::ValidationError("--output", "the name is empty");
 }
 
 void addExport(CLI::App &program, Action &action) {
@@ -174,10 +176,14 @@ void addExport(CLI::App &program, Action &action) {
   addEncoding(*command.app, arguments.encoding);
 }
 
+void checkRescue(const CLI::App &, const RescueArguments &arguments) {
+  if (arguments.destination.empty()) throw CLI::ValidationError("DEST", "the name is empty");
+}
+
 void addRescue(CLI::App &program, Action &action) {
-  const auto command =
-      addCommand(program, action, "rescue",
-                 "Copy the music off a player under its real names, and its playlists", rescueMusic);
+  const auto command = addCommand(program, action, "rescue",
+                                  "Copy the music off a player under its real names, and its playlists",
+                                  rescueMusic, checkRescue);
   RescueArguments &arguments = *command.arguments;
   addPath(*command.app, arguments.path);
   command->add_option("DEST", arguments.destination, "The folder to copy to; it is made when it is missing")

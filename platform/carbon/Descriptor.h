@@ -23,6 +23,8 @@ class Descriptor {
 
   explicit operator bool() const { return number_ >= 0; }
   int number() const { return number_; }
+  // Hands the descriptor to the caller, who closes it.
+  int release() { return std::exchange(number_, -1); }
 
  private:
   int number_ = -1;

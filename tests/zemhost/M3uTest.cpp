@@ -35,5 +35,14 @@ TEST(M3uEntry, PathIsNeverReadAsACommentOrTrimmed) {
   EXPECT_EQ(m3uEntry({1000, "a", "b", " c.mp3"}), "#EXTINF:1,a - b\n./ c.mp3\n");
 }
 
+TEST(M3uEntry, PathIsNeverReadAsAnAddressADriveOrANetworkShare) {
+  for (const char *path : {"http://evil.example/x.mp3", "a+b-c.1:x", "C:/x.mp3", "//evil.example/share/x.mp3",
+                           "\\\\evil\\share\\x.mp3", "/\\evil/x.mp3", "\\x.mp3", "file:///etc/passwd"})
+    EXPECT_EQ(m3uEntry({1000, "a", "b", path}), std::string("#EXTINF:1,a - b\n./") + path + "\n");
+  for (const char *path :
+       {"/http:/x/y.mp3", "a b: c/d.mp3", ":a:b.mp3", "1: one.mp3", "a\\b.mp3", "x.mp3", "a/b:c"})
+    EXPECT_EQ(m3uEntry({1000, "a", "b", path}), std::string("#EXTINF:1,a - b\n") + path + "\n");
+}
+
 }  // namespace
 }  // namespace zemhost

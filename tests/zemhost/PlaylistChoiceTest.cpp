@@ -48,6 +48,11 @@ TEST(ChoosePlaylist, SeveralThatFitAreListed) {
             R"("Twice" may be any of the playlists 0 "Twice", 1 "Twice")");
 }
 
+TEST(ChoosePlaylist, OfManyThatFitSomeAreListed) {
+  EXPECT_THAT(refusal("Same", std::vector<std::string>(5000, "Same")),
+              testing::EndsWith("18 \"Same\", 19 \"Same\", and 4980 more"));
+}
+
 TEST(ChoosePlaylist, NoneThatFitsIsSaid) {
   EXPECT_THAT(refusal("Rock"), HasSubstr("no playlist is named \"Rock\""));
   EXPECT_THAT(refusal("7"), HasSubstr("no playlist is named \"7\""));

@@ -1,26 +1,17 @@
 // `zemhost rescue` through the built program: what lies where afterwards, and that nothing else is touched.
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
-#include <map>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
-#include "samples/DatabaseWriter.h"
-#include "samples/SampleLibrary.h"
-#include "tests/support/TemporaryFolder.h"
-#include "tests/zemhost/Program.h"
+#include "tests/zemhost/RescueFixture.h"
 
 namespace zemhost {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -29,63 +20,7 @@ using testing::Key;
 using testing::Pair;
 using testing::SizeIs;
 
-std::string contentOf(const fs::path &file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-using Files = std::map<std::string, std::string>;
-
-// Every file below a folder with its content.
-Files filesBelow(const fs::path &folder) {
-  Files files;
-  if (!fs::exists(folder)) return files;
-  for (const auto &entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file())
-      files[entry.path().lexically_relative(folder).string()] = contentOf(entry.path());
-  }
-  return files;
-}
-
-class Rescue : public testing::Test {
- protected:
-  Outcome run(const fs::path &from, const std::vector<std::string> &more = {}) const {
-    std::vector<std::string> arguments = {"rescue", from, destination_};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return runZemhost(arguments);
-  }
-
-  // A player whose songs are "title" and "artist" texts; the file of song i is F00/i.mp3 with its number in
-  // it.
-  fs::path makePlayer(const std::vector<std::pair<std::u16string, std::u16string>> &songs,
-                      std::vector<samples::Playlist> lists = {}) const {
-    std::vector<samples::Track> tracks;
-    for (size_t i = 0; i < songs.size(); ++i) {
-      const std::string name = std::to_string(i) + ".mp3";
-      const std::string content = "song " + std::to_string(i);
-      folder_.write("My iPod/iPod_Control/Music/F00/" + name, content);
-      samples::SongTexts texts;
-      texts.title = songs[i].first;
-      texts.artist = songs[i].second;
-      texts.path = u":iPod_Control:Music:F00:" + std::u16string(name.begin(), name.end());
-      samples::Track track;
-      track.id = static_cast<uint32_t>(52 + i);
-      track.filesize = static_cast<uint32_t>(content.size());
-      track.objects = samples::SongObjects(samples::Variant::LittleEndian, texts);
-      tracks.push_back(std::move(track));
-    }
-    samples::Playlist master;
-    master.name = u"Library";
-    lists.insert(lists.begin(), master);
-    folder_.write("My iPod/iPod_Control/iTunes/iTunesDB",
-                  samples::WriteLibrary(samples::OrdinaryLibrary(std::move(tracks), std::move(lists)),
-                                        samples::Variant::LittleEndian));
-    return folder_.path() / "My iPod";
-  }
-
-  support::TemporaryFolder folder_;
-  fs::path destination_ = folder_.path() / "music" / "of mine";
-};
+class Rescue : public RescueFixture {};
 
 TEST_F(Rescue, SongsOfThePlayerGetTheirNamesAndKeepContentAndTimes) {
   const Outcome outcome = run(kPlayer);
@@ -130,54 +65,6 @@ TEST_F(Rescue, PlaylistsNameTheCopies) {
     for (const std::string &line : linesOf(content)) {
       EXPECT_TRUE(line.starts_with('#') || fs::exists(destination_ / line)) << name << ": " << line;
     }
-  }
-}
-
-TEST_F(Rescue, SecondTimeCopiesNothingAndChangesNothing) {
-  run(kPlayer);
-  const Files before = filesBelow(destination_);
-  const Outcome again = run(kPlayer);
-  EXPECT_THAT(again.out,
-              testing::StartsWith("0 songs copied, 0 B\n28 songs are already there\n6 playlists written\n"));
-  EXPECT_EQ(filesBelow(destination_), before);
-}
-
-TEST_F(Rescue, CompleteCopyWithAnotherTimeIsKnownByItsContent) {
-  run(kPlayer);
-  for (const auto &entry : fs::recursive_directory_iterator(destination_)) {
-    if (entry.is_regular_file()) fs::last_write_time(entry.path(), fs::file_time_type::clock::now());
-  }
-  EXPECT_THAT(run(kPlayer).out, HasSubstr("\n28 songs are already there\n"));
-}
-
-TEST_F(Rescue, CopyOnAFileSystemThatKeepsTwoSecondsIsKnownByItsTime) {
-  const fs::path player = makePlayer({{u"One", u"A"}});
-  const fs::path source = player / "iPod_Control/Music/F00/0.mp3";
-  const fs::file_time_type even = std::chrono::floor<std::chrono::minutes>(fs::last_write_time(source));
-  fs::last_write_time(source, even + std::chrono::milliseconds(1234));
-  // Other content shows that the time was enough.
-  const fs::path copy = folder_.write("music/of mine/A/Unknown Album/One.mp3", "SONG 0");
-  fs::last_write_time(copy, even);
-  EXPECT_THAT(run(player).out, HasSubstr("1 song is already there\n"));
-  fs::last_write_time(copy, even + std::chrono::milliseconds(1235));
-  EXPECT_THAT(run(player).out, HasSubstr("1 song copied, "));
-}
-
-TEST_F(Rescue, OtherFileIsNeverReplaced) {
-  const fs::path player = makePlayer({{u"One", u"A"}, {u"Two", u"A"}}, {{.name = u"List"}});
-  const std::string other = folder_.write("music/of mine/A/Unknown Album/One.mp3", "SONG 0");
-  folder_.write("music/of mine/List.m3u8", "mine");
-  for (int round = 0; round < 2; ++round) {
-    const Outcome outcome = run(player);
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.out, HasSubstr("\n2 names were taken by another file, so a number was added\n"));
-    const Files files = filesBelow(destination_);
-    EXPECT_THAT(files, SizeIs(5));
-    EXPECT_THAT(files, Contains(Pair("A/Unknown Album/One.mp3", "SONG 0")));
-    EXPECT_THAT(files, Contains(Pair("A/Unknown Album/One (2).mp3", "song 0")));
-    EXPECT_THAT(files, Contains(Pair("A/Unknown Album/Two.mp3", "song 1")));
-    EXPECT_THAT(files, Contains(Pair("List.m3u8", "mine")));
-    EXPECT_THAT(files, Contains(Key("List (2).m3u8")));
   }
 }
 
@@ -236,19 +123,6 @@ TEST_F(Rescue, DryRunWritesNothing) {
   EXPECT_FALSE(fs::exists(folder_.path() / "music"));
 }
 
-TEST_F(Rescue, PlaceOnThePlayerIsRefused) {
-  const fs::path player = makePlayer({{u"One", u"A"}});
-  fs::create_directory_symlink(player, folder_.path() / "link");
-  const Files before = filesBelow(player);
-  for (const fs::path &place :
-       {player, player / "Notes" / "music", player / "x" / ".." / "y", folder_.path() / "link"}) {
-    const Outcome outcome = runZemhost({"rescue", player, place});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "zemhost: " + place.string() + ": this lies on the player, which is only read\n");
-  }
-  EXPECT_EQ(filesBelow(player), before);
-}
-
 TEST_F(Rescue, BareDatabaseIsRefused) {
   const fs::path file = folder_.write("iTunesDB", samples::SamplePlayerDatabase());
   const Outcome outcome = run(file);
@@ -282,13 +156,33 @@ TEST_F(Rescue, SongsThatCannotBeCopiedAreNamedAndTheOthersAreThere) {
               EndsWith("1 song copied, 6 B\n"
                        "1 playlist written\n"
                        "3 problems:\n"
-                       "- song 2 \"Three\" by C: its file is missing: My iPod:iPod_Control:Music:F00:2.mp3\n"
                        "- song 1 \"Two\" by B: " +
                        (player / "iPod_Control/Music/F00/1.mp3").string() +
                        ": Not a directory\n"
+                       "- song 2 \"Three\" by C: its file is missing: My iPod:iPod_Control:Music:F00:2.mp3\n"
                        "- playlist 1 \"All\" lacks 2 songs\n"));
   EXPECT_THAT(filesBelow(destination_),
               ElementsAre(Key("A/Unknown Album/One.mp3"), Key("All.m3u8"), Key("B")));
+}
+
+TEST_F(Rescue, PlaylistsOfOneNameAreAllThere) {
+  run(makePlayer({{u"One", u"A"}},
+                 std::vector<samples::Playlist>(300, {.name = u"Same", .entries = {{.ref = 52}}})));
+  const Files files = filesBelow(destination_);
+  EXPECT_THAT(files, SizeIs(301));
+  EXPECT_THAT(files, Contains(Key("Same (300).m3u8")));
+}
+
+TEST_F(Rescue, EmptyNameOfAPlaceIsAUsageError) {
+  const Outcome outcome = runZemhost({"rescue", kPlayer, ""});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("DEST: the name is empty"));
+  for (const char *option : {"-o", "--output"}) {
+    const Outcome exported = runZemhost({"export", kPlayer, "--format", "csv", option, ""});
+    EXPECT_EQ(exported.status, 2);
+    EXPECT_EQ(exported.out, "");
+    EXPECT_THAT(exported.err, HasSubstr("--output: the name is empty"));
+  }
 }
 
 TEST_F(Rescue, FileOfAnotherSizeThanTheDatabaseTellsIsNamed) {

@@ -63,9 +63,37 @@ TEST(SafeName, IsCutBetweenCharactersAndKeepsSuffixAndExtension) {
   EXPECT_EQ(safe(std::string(254, 'x') + " yz"), std::string(254, 'x'));  // no blank at the new end
 }
 
-TEST(SafeName, MakesExtensionsSafeToo) {
-  EXPECT_EQ(safeName("a", "Unknown", "", ".m:4*a"), "a.m_4_a");
-  EXPECT_EQ(safeName("a", "Unknown", "", "."), "a");
+TEST(SafeName, DevicesAreKnownAfterTheCutToo) {
+  EXPECT_EQ(safe("CON" + std::string(300, ' ') + "x"), "CON_");
+  EXPECT_EQ(safe("CON ." + std::string(300, 'x')).substr(0, 7), "CON _.x");
+  EXPECT_EQ(safe("nul." + std::string(300, 'x')), "nul_." + std::string(250, 'x'));
+  EXPECT_EQ(safeName("Aux" + std::string(249, ' ') + "x", "Unknown", "", ".m4a"), "Aux_.m4a");
+  EXPECT_EQ(safe("CONIN$"), "CONIN$_");
+}
+
+TEST(SafeName, MarksOfDirectionAndSeparatorsOfLinesGo) {
+  EXPECT_EQ(safe("a\u202Egpj.exe"), "agpj.exe");
+  EXPECT_EQ(safe("\u200Eone\u2028two\u2029\u2066three\u2069\u061C\uFEFF"), "onetwothree");
+  EXPECT_EQ(safe("\u202E.hidden"), "_hidden");
+  EXPECT_EQ(safe("\u200F \u202C"), "Unknown");
+  EXPECT_EQ(safe("\u202ECON"), "CON_");
+  EXPECT_EQ(safe("e\u202E\u0301"), "\u00E9");
+  EXPECT_EQ(safe("\u200D\U0001F469\u200D\U0001F4BB"),
+            "\u200D\U0001F469\u200D\U0001F4BB");  // joins, and stays
+}
+
+TEST(SafeName, FileThatRunsByItselfIsNotMade) {
+  EXPECT_EQ(safe("AutoRun.inf"), "AutoRun_.inf");
+  EXPECT_EQ(safeName("autorun", "Unknown", "", ".inf"), "autorun_.inf");
+  EXPECT_EQ(safeName("autorun.inf", "Unknown", "", ".mp3"), "autorun.inf.mp3");
+}
+
+TEST(SafeExtension, IsOneOfMusicOrVideo) {
+  for (const char *extension : {".mp3", ".M4A", ".m4p", ".aif", ".wav", ".mov", ".flac"})
+    EXPECT_EQ(safeExtension(extension), extension);
+  for (const char *extension :
+       {"", ".", ".exe", ".inf", ".desktop", ".html", ".m3u8", ".mp3 ", ".bin", ".pls"})
+    EXPECT_EQ(safeExtension(extension), ".bin");
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <system_error>
-#include <unordered_set>
 #include <vector>
 
 #include "host/Error.h"
@@ -16,6 +16,11 @@ namespace zemhost {
 namespace fs = std::filesystem;
 
 namespace {
+
+bool isBelow(const fs::path &path, const fs::path &folder) {
+  const auto [end, unused] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
+  return end == folder.end();
+}
 
 class Check {
  public:
@@ -65,16 +70,14 @@ class Check {
   }
 
   void checkFile(int32_t index, const Song &song) {
-    const FolderItem item = library_.file(song.path);
-    const fs::path path = item.path();
-    std::error_code error;
-    if (fs::is_regular_file(path, error)) {
+    const SongFile file = library_.file(song.path);
+    if (file.isThere()) {
       ++account_.filesThere;
-      named_.insert(path.string());
+      named_.insert(file.path.string());
       return;
     }
     ++account_.filesMissing;
-    add(player::FindingKind::MissingFile, missingFileText(index, song, item));
+    add(player::FindingKind::MissingFile, missingFileText(index, song, file));
   }
 
   void checkPlaylists() {
@@ -100,12 +103,14 @@ class Check {
 
   void checkMusicFolder(const fs::path &root) {
     const fs::path folder = player::musicFolder(root);
-    if (folder.empty()) return;
+    if (folder.empty() || !isBelow(folder, fs::canonical(root))) return;
     std::vector<std::string> unnamed;
     std::error_code error;
     fs::recursive_directory_iterator entry(folder, error);
     for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-      if (!entry->is_regular_file(error) || named_.contains(entry->path().string())) continue;
+      // A link is no file of the folder, and may lead anywhere.
+      const bool isFile = fs::is_regular_file(entry->symlink_status(error));
+      if (!isFile || named_.contains(entry->path().string())) continue;
       ++account_.filesUnnamed;
       if (unnamed.size() < player::Findings::kKept) unnamed.push_back(entry->path().string());
     }
@@ -118,7 +123,7 @@ class Check {
   const MusicLibrary &library_;
   player::Findings &findings_;
   LibraryAccount account_;
-  std::unordered_set<std::string> named_;  // files that songs name, as the system calls them
+  std::set<std::string> named_;  // files that songs name, as the system calls them
 };
 
 }  // namespace

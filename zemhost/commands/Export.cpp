@@ -79,7 +79,7 @@ void writeM3u(const MusicLibrary &library, const Selection &selection, const Exp
   if (list.leftOut() != 0) {
     printError(library.location().name + ": " + countText(list.leftOut(), "song", "songs") + " left out: " +
                (paths == M3uPaths::Device
-                    ? "no path is known"
+                    ? "no path from the player's root is known"
                     : "the path names no place on this machine; --paths device lists what is known"));
   }
 }

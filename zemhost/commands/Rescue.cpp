@@ -41,6 +41,7 @@ void writeSummary(const RescueResult &result, bool dryRun) {
                       "file has another size than the database states and is copied as it is",
                       "files have another size than the database states and are copied as they are"),
             result.otherSizes);
+  writeList(countText(result.remarks.size(), "remark", "remarks"), result.remarks);
   writeList(countText(result.problems.size(), "problem", "problems"), result.problems);
 }
 

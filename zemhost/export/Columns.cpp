@@ -82,12 +82,6 @@ constexpr int32_t kLastNumber = 300;
 
 }  // namespace
 
-std::filesystem::path songFile(const MusicLibrary &library, const std::string &path) {
-  const bool onPlayer = library.libType() != 0;
-  if (path.empty() || (onPlayer && library.location().volumeRoot.empty())) return {};
-  return library.file(path).path();
-}
-
 struct SongColumns::State {
   State(const MusicLibrary &source, const std::vector<std::string> &names);
 
@@ -234,7 +228,7 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"persistent_id", Text}, [](S &s) { return hexOrNull(s.facts().persistentId); }},
       {{"path", Text}, [](S &s) { return textOrNull(s.song().path); }},
       {{"absolute_path", Text}, [](S &s) { return textOrNull(s.absolutePath(s.song().path).text()); }},
-      {{"file", Text}, [](S &s) { return textOrNull(songFile(s.library, s.song().path).string()); }},
+      {{"file", Text}, [](S &s) { return textOrNull(s.library.file(s.song().path).path.string()); }},
       {{"comment", Text}, [](S &s) { return s.numberedText(kComment); }},
       {{"grouping", Text}, [](S &s) { return s.numberedText(kGrouping); }},
       {{"description", Text}, [](S &s) { return s.numberedText(kDescription); }},

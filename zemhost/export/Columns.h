@@ -67,7 +67,4 @@ class PlaylistColumns {
   std::unique_ptr<State> state_;
 };
 
-// The song's file on this machine, whether or not it is there; empty when the path names no place here.
-std::filesystem::path songFile(const MusicLibrary &library, const std::string &path);
-
 }  // namespace zemhost

@@ -22,8 +22,8 @@ class M3uExport {
   // `folder` is where the list will lie; it matters to relative paths alone. Writes the heading.
   M3uExport(const MusicLibrary &library, EncodedOutput &out, M3uPaths paths, std::filesystem::path folder);
 
-  // Adds a song. One whose path names no place on this machine is left out, and counted, unless the paths are
-  // the device's.
+  // Adds a song. One whose path names no place on this machine is left out, and counted; with the
+  // device's paths, one whose path does not go down from the root by names alone.
   void addSong(int32_t index);
 
   // The number of songs left out.
@@ -31,6 +31,7 @@ class M3uExport {
 
  private:
   std::string pathOf(const Song &song) const;
+  bool isPlain(const std::string &path) const;
 
   const MusicLibrary &library_;
   EncodedOutput &out_;

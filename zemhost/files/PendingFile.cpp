@@ -1,10 +1,9 @@
 #include "zemhost/files/PendingFile.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <random>
+#include <optional>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -27,15 +26,15 @@ fs::path folderOf(const fs::path &target) {
   return target.has_parent_path() ? target.parent_path() : fs::path(".");
 }
 
-// The permissions of the file that is to be replaced; 0 when there is none.
-mode_t checkTarget(const fs::path &target) {
+// The permissions of the file that is to be replaced, when there is one.
+std::optional<mode_t> checkTarget(const fs::path &target) {
   if (target.empty()) throw HostError("an output file needs a name");
   struct stat status {};
   if (lstat(target.c_str(), &status) != 0) {
     if (errno != ENOENT) fail(target.string(), errno);
     // "songs/" names a folder that does not exist.
     if (!target.has_filename()) fail(target.string(), ENOENT);
-    return 0;
+    return std::nullopt;
   }
   if (S_ISDIR(status.st_mode)) fail(target.string(), EISDIR);
   if (S_ISLNK(status.st_mode))
@@ -47,37 +46,33 @@ mode_t checkTarget(const fs::path &target) {
 }  // namespace
 
 PendingFile::PendingFile(fs::path target) : target_(std::move(target)) {
-  const mode_t permissions = checkTarget(target_);
-  std::random_device random;
-  do {
-    std::array<char, 24> last{};
-    std::snprintf(last.data(), last.size(), ".zemhost-%08x.part", random());
-    temporary_ = TemporaryPath(folderOf(target_) / last.data());
-    descriptor_ = open(temporary_.path().c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-    if (descriptor_ >= 0) break;
-    const int error = errno;
-    temporary_.keep();  // it is another's, or there is none
-    if (error != EEXIST) fail(target_.string(), error);
-  } while (true);
+  const std::optional<mode_t> permissions = checkTarget(target_);
+  replaces_ = permissions.has_value();
+  try {
+    file_ = makeTemporaryFile(folderOf(target_));
+  } catch (const std::system_error &error) {
+    fail(target_.string(), error.code().value());
+  }
   // A file system without permissions refuses this, and has none to keep.
-  if (permissions != 0 && fchmod(descriptor_, permissions) != 0) errno = 0;
-}
-
-PendingFile::~PendingFile() {
-  if (descriptor_ >= 0) close(descriptor_);
+  if (permissions && fchmod(descriptor(), *permissions) != 0) errno = 0;
 }
 
 void PendingFile::commit() {
-  if (fsync(descriptor_) != 0) fail(target_.string(), errno);
-  const int descriptor = std::exchange(descriptor_, -1);
-  if (close(descriptor) != 0) fail(target_.string(), errno);
-  if (rename(temporary_.path().c_str(), target_.c_str()) != 0) fail(target_.string(), errno);
-  temporary_.keep();
+  if (fsync(descriptor()) != 0) fail(target_.string(), errno);
+  if (close(file_.content.release()) != 0) fail(target_.string(), errno);
+  const carbon::Descriptor folder(open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (replaces_) {
+    if (rename(file_.path.path().c_str(), target_.c_str()) != 0) fail(target_.string(), errno);
+    file_.path.keep();
+  } else {
+    try {
+      file_.path.nameAs(AT_FDCWD, target_.string());
+    } catch (const std::system_error &error) {
+      fail(target_.string(), error.code().value());
+    }
+  }
   // The new name too; the file is complete under it whether or not the folder can be synchronised.
-  const int folder = open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder < 0) return;
-  fsync(folder);
-  close(folder);
+  if (folder) fsync(folder.number());
 }
 
 void writeAll(int descriptor, std::string_view bytes, const std::string &name) {

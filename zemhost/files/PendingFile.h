@@ -21,29 +21,28 @@ namespace zemhost {
 class PendingFile {
  public:
   // Makes the temporary file. What stands under `target` is replaced at the end when it is a regular file;
-  // its permissions are kept. Throws HostError, naming the target, when that is a directory, a symbolic link
-  // or a special file, and when the file cannot be made.
+  // its permissions are kept. What comes there meanwhile, where nothing stood, is not replaced. Throws
+  // HostError, naming the target, when that is a directory, a symbolic link or a special file, and when the
+  // file cannot be made.
   explicit PendingFile(std::filesystem::path target);
   PendingFile(const PendingFile &) = delete;
   PendingFile &operator=(const PendingFile &) = delete;
-  // Removes the temporary file unless it was committed.
-  ~PendingFile();
 
-  // Brings the bytes to the disk, then renames. Throws HostError, naming the target; the temporary file is
-  // removed by the destructor then, and what was under the name before is untouched.
+  // Brings the bytes to the disk, then renames. Throws HostError, naming the target; the temporary file
+  // goes with the object then, and what was under the name before is untouched.
   void commit();
 
   // The open temporary file, for reading and writing; owned by this object.
-  int descriptor() const { return descriptor_; }
+  int descriptor() const { return file_.content.number(); }
   // Where the temporary file is, for libraries that open it by themselves.
-  const std::filesystem::path &temporary() const { return temporary_.path(); }
+  const std::filesystem::path &temporary() const { return file_.path.path(); }
   // The target as the person named it, for messages.
   std::string name() const { return target_.string(); }
 
  private:
   std::filesystem::path target_;
-  TemporaryPath temporary_;
-  int descriptor_ = -1;
+  bool replaces_ = false;
+  TemporaryFile file_;
 };
 
 // Writes all of the bytes. Throws HostError, naming `name` and the reason ("No space left on device").

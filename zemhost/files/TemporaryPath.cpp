@@ -5,9 +5,11 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <random>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -83,6 +85,42 @@ void TemporaryPath::remove() noexcept {
 
 void TemporaryPath::keep() noexcept {
   if (slot_ != kNone) slots[std::exchange(slot_, kNone)].used = false;
+}
+
+void TemporaryPath::nameAs(int folder, const std::string &name) {
+  const char *const from = slots[slot_].path.data();
+  const char *const to = name.c_str();
+  int error = renameat2(AT_FDCWD, from, folder, to, RENAME_NOREPLACE) == 0 ? 0 : errno;
+  if (error == EINVAL || error == ENOSYS) {
+    // Not every file system knows that call: a second name does the same, and the first one goes.
+    error = linkat(AT_FDCWD, from, folder, to, 0) == 0 ? 0 : errno;
+    if (error == 0) {
+      remove();
+      return;
+    }
+    // Nor a second name for a file: take the name first, which fails where it is taken.
+    if (error != EEXIST) {
+      const carbon::Descriptor taken(
+          openat(folder, to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+      error = taken && renameat(AT_FDCWD, from, folder, to) == 0 ? 0 : errno;
+      if (taken && error != 0) unlinkat(folder, to, 0);
+    }
+  }
+  if (error != 0) throw std::system_error(error, std::generic_category());
+  keep();
+}
+
+TemporaryFile makeTemporaryFile(const std::filesystem::path &folder) {
+  std::random_device random;
+  for (;;) {
+    std::array<char, 32> name{};
+    std::snprintf(name.data(), name.size(), ".zemhost-%08x%08x.part", random(), random());
+    std::filesystem::path path = folder / name.data();
+    const SignalsHeld held;  // between its making and its being known it would stay behind
+    carbon::Descriptor content(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (content) return {TemporaryPath(std::move(path)), std::move(content)};
+    if (errno != EEXIST) throw std::system_error(errno, std::generic_category());
+  }
 }
 
 TemporaryPath makeTemporaryDirectory() {

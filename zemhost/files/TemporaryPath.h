@@ -4,6 +4,9 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <string>
+
+#include "platform/carbon/Descriptor.h"
 
 namespace zemhost {
 
@@ -27,6 +30,10 @@ class TemporaryPath {
   void remove() noexcept;
   // Lets it live, after it was given its final name.
   void keep() noexcept;
+  // Gives it its final name in an open folder, and lets it live. What has the name is never replaced, not
+  // even where another program takes it at the same moment. Throws std::system_error; EEXIST for a name that
+  // is taken.
+  void nameAs(int folder, const std::string &name);
 
  private:
   static constexpr size_t kNone = static_cast<size_t>(-1);
@@ -34,6 +41,15 @@ class TemporaryPath {
   std::filesystem::path path_;
   size_t slot_ = kNone;
 };
+
+// A new empty file that nobody else writes, with a name of its own in a folder.
+struct TemporaryFile {
+  TemporaryPath path;
+  carbon::Descriptor content;  // for reading and writing
+};
+
+// Throws std::system_error when it cannot be made, HostError as TemporaryPath does.
+TemporaryFile makeTemporaryFile(const std::filesystem::path &folder);
 
 // A new directory for this program alone (mode 0700) under the variable TMPDIR, else under /tmp. Throws
 // HostError, naming the place, when it cannot be made.

@@ -77,6 +77,7 @@ struct MusicLibrary::State {
   carbon::Descriptor content;  // which the songs are read from
   std::shared_ptr<const player::PlayerSongs> songs;
   int32_t libType = object.get("LibType").integer();
+  std::unique_ptr<SongFiles> files = std::make_unique<SongFiles>(location, libType);  // remembers folders
 
   TextMethods title{object, "Title"};
   TextMethods artist{object, "Artist"};
@@ -86,7 +87,6 @@ struct MusicLibrary::State {
   TextMethods fileType{object, "FileType"};
   Method songCount = object.method("CountSongs As Integer");
   Method path = object.method("GetPath(index As Integer) As String");
-  Method absolutePath = object.method("GetAbsolutePath(path As String) As String");
   Method id = numberMethod(object, "GetID");
   Method track = numberMethod(object, "GetNumOfTrack");
   Method trackTotal = numberMethod(object, "GetTotalTrack");
@@ -168,10 +168,8 @@ std::vector<player::SongText> MusicLibrary::textsInFile(int32_t index) const {
                                         : std::vector<player::SongText>();
 }
 
-FolderItem MusicLibrary::file(const std::string &path) const {
-  if (path.empty()) return {};
-  return FolderItem::fromMacPath(state_->absolutePath(path).text());
-}
+SongFile MusicLibrary::file(const std::string &path) const { return state_->files->find(path); }
+carbon::Descriptor MusicLibrary::open(const SongFile &file) const { return state_->files->open(file); }
 
 bool MusicLibrary::hasCounts() const { return state_->songs->hasCounts(); }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "zemhost/library/OpenDatabase.h"
+#include "zemhost/library/SongFiles.h"
 
 namespace zemhost {
 
@@ -64,8 +65,10 @@ class MusicLibrary {
   std::vector<std::string> lossyTexts(int32_t index) const;
   // A song's texts as they stand in the file, read without the class.
   std::vector<player::SongText> textsInFile(int32_t index) const;
-  // The file of a song's path on its volume, whether or not it is there; nil when that names no place here.
-  FolderItem file(const std::string &path) const;
+  // The file of a song's path, whether or not it is there: the only way to one.
+  SongFile file(const std::string &path) const;
+  // Opens it for reading; no descriptor, and errno, when that fails.
+  carbon::Descriptor open(const SongFile &file) const;
   // Whether the player left counts since the last synchronisation that fit the database.
   bool hasCounts() const;
   // Only these two of a song's numbers, for adding up.

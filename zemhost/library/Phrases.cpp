@@ -21,10 +21,10 @@ std::string playlistLabel(int32_t number, const std::string &name) {
   return numbered("playlist", number, name);
 }
 
-std::string missingFileText(int32_t index, const Song &song, const FolderItem &item) {
+std::string missingFileText(int32_t index, const Song &song, const SongFile &file) {
   const std::string label = songLabel(index, song);
   if (song.path.empty()) return label + " names no file";
-  return label + ": its file is missing: " + (item ? item.macPath() : song.path);
+  return label + ": its file is missing: " + file.name + (file.isOutside() ? " lies outside the player" : "");
 }
 
 std::string variantText(bool bigEndian) {

@@ -15,8 +15,8 @@ std::string songLabel(int32_t index, const Song &song);
 // `playlist 2 "Night Train"`.
 std::string playlistLabel(int32_t number, const std::string &name);
 
-// That a song's file, which this item stands for, is not there.
-std::string missingFileText(int32_t index, const Song &song, const FolderItem &item);
+// That a song's file is not there, or is not taken since it lies outside the player.
+std::string missingFileText(int32_t index, const Song &song, const SongFile &file);
 
 // What the byte order of a database says of its origin.
 std::string variantText(bool bigEndian);

@@ -1,5 +1,6 @@
 #include "zemhost/library/PlaylistChoice.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
@@ -47,11 +48,13 @@ int32_t choosePlaylist(const std::vector<std::string> &names, std::string_view w
                     std::to_string(names.size()) + " of them");
   }
   if (found.size() == 1) return found.front();
+  constexpr size_t kShown = 20;
   std::string list;
-  for (const int32_t number : found) {
+  for (size_t i = 0; i < std::min(found.size(), kShown); ++i) {
     if (!list.empty()) list += ", ";
-    list += std::to_string(number) + " " + inQuotes(names[static_cast<size_t>(number)]);
+    list += std::to_string(found[i]) + " " + inQuotes(names[static_cast<size_t>(found[i])]);
   }
+  if (found.size() > kShown) list += ", and " + std::to_string(found.size() - kShown) + " more";
   throw HostError(inQuotes(wanted) + " may be any of the playlists " + list);
 }
 

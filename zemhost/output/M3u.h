@@ -19,8 +19,9 @@ struct M3uSong {
 
 // The two lines of a song: "#EXTINF:221,Artist - Title" and the path. Whole seconds, rounded, or -1; the
 // title alone where there is no artist, the path's last part where there is no title. Control characters,
-// line breaks among them, become blanks, and a path that would read as a comment or lose its first blank gets
-// "./" in front, so a song is always two lines.
+// line breaks among them, become blanks, and a path that would read as a comment, an address, a drive or a
+// network share, or lose its first blank, gets "./" in front. So a song is always two lines, and names a
+// file.
 std::string m3uEntry(const M3uSong &song);
 
 }  // namespace zemhost

@@ -1,13 +1,14 @@
 #pragma once
 
-// Copying one file so that its final name never stands for half of it.
+// Copying the content of one file, and telling whether it is there already.
 
 #include <cstdint>
 #include <ctime>
-#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <string>
+
+#include "platform/carbon/Descriptor.h"
 
 namespace zemhost {
 
@@ -20,6 +21,7 @@ class CopyFailure : public std::runtime_error {
   };
 
   CopyFailure(Reach reach, int error);
+  CopyFailure(Reach reach, int error, const std::string &what);
 
   Reach reach() const { return reach_; }
   int error() const { return error_; }
@@ -29,24 +31,20 @@ class CopyFailure : public std::runtime_error {
   int error_;
 };
 
-struct FileFacts {
-  uint64_t size = 0;
-  timespec modified{};
-};
+// Whether the open files hold the same bytes. Throws CopyFailure (ThisFile) when one of them cannot be read.
+bool sameContent(const carbon::Descriptor &one, const carbon::Descriptor &other);
 
-// The facts of a regular file, symbolic links followed. Throws CopyFailure (ThisFile) when there is none.
-FileFacts factsOf(const std::filesystem::path &file);
+// Whether a file system that was given one time may have kept the other: it drops what is finer than it
+// knows, down to the two seconds of FAT.
+bool isKeptTime(const timespec &kept, const timespec &given);
 
-// Whether `copy` is a complete copy of `source`, whose facts are given: a regular file of the same size that
-// either has the same time of modification, as far as its file system keeps times, or the same content. False
-// when there is no such file; throws CopyFailure when one of them cannot be read.
-bool isCopyOf(const std::filesystem::path &copy, const std::filesystem::path &source, const FileFacts &facts);
+// Copies the bytes of `source` to `copy`, which is empty, brings them to the disk, and gives it the source's
+// times. `onBytes` gets the number of bytes that came through, again and again. Throws CopyFailure.
+void copyContent(const carbon::Descriptor &source, const carbon::Descriptor &copy,
+                 const std::function<void(uint64_t)> &onBytes);
 
-// Copies `source` to `partial`, brings it to the disk, gives it the source's times, and renames it to
-// `target`, which must not exist and whose folder is made when it is missing. `onBytes` is told how many
-// bytes came through, again and again. Throws CopyFailure; `partial` may then be left, and `target` is not
-// there.
-void copyFile(const std::filesystem::path &source, const std::filesystem::path &partial,
-              const std::filesystem::path &target, const std::function<void(uint64_t)> &onBytes);
+// Throws the CopyFailure for an error of writing. A name that this file system cannot hold, or a file in the
+// way of a folder, says nothing of other files.
+[[noreturn]] void failTarget(int error);
 
 }  // namespace zemhost

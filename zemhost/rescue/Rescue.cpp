@@ -1,110 +1,66 @@
 #include "zemhost/rescue/Rescue.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
 #include <iostream>
 #include <optional>
-#include <sys/file.h>
-#include <sys/statvfs.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
 #include "host/Error.h"
-#include "platform/carbon/Descriptor.h"
-#include "player/FileBytes.h"
-#include "zemhost/files/OutputFile.h"
 #include "zemhost/files/Signals.h"
-#include "zemhost/files/TemporaryPath.h"
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
-#include "zemhost/output/M3u.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
+#include "zemhost/rescue/CopyReport.h"
+#include "zemhost/rescue/DestinationFolder.h"
+#include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/Progress.h"
 #include "zemhost/rescue/RescuePlan.h"
+#include "zemhost/rescue/RescuedLists.h"
 
 namespace zemhost {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-constexpr const char *kPartialName = ".zemhost-rescue.part";
 constexpr const char *kContinue = "run the same command again to go on where it ended";
-// Tells a list that was written here, and may be written anew, from another file.
-constexpr const char *kListMark = "# written by zemhost rescue\n";
-
-[[noreturn]] void fail(const fs::path &path, int error) {
-  throw HostError(path.string() + ": " + std::generic_category().message(error));
-}
-
-bool isBelow(const fs::path &path, const fs::path &folder) {
-  const auto [end, unused] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
-  return end == folder.end();
-}
-
-bool isOwnList(const fs::path &file) {
-  const carbon::Descriptor list(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  if (list.number() < 0) return false;
-  const std::string start = m3uHeading() + kListMark;
-  try {
-    return player::readAt(list.number(), 0, start.size()) == start;
-  } catch (const std::system_error &) {
-    return false;
-  }
-}
 
 class Rescue {
  public:
   Rescue(const MusicLibrary &library, const RescueRequest &request)
-      : library_(library), request_(request), plan_(library, request.pattern, request.destination) {}
+      : library_(library),
+        request_(request),
+        destination_(request.destination, library.location().volumeRoot),
+        report_(destination_),
+        plan_(library, request.pattern, destination_, report_) {}
 
   RescueResult run() {
-    checkPlaces();
-    if (!request_.dryRun) openDestination();
+    if (library_.location().volumeRoot.empty() && library_.libType() != 0) {
+      throw HostError(library_.location().name +
+                      ": the database is on no player, so the files of its songs cannot be found");
+    }
+    if (!request_.dryRun) {
+      destination_.make();
+      setInterruptionAdvice(kContinue);
+    }
     planSongs();
     result_.problems = plan_.problems();
     result_.otherSizes = plan_.otherSizes();
-    result_.evaded = plan_.evaded();
+    result_.remarks = plan_.remarks();
     if (request_.dryRun) {
       tellPlan();
     } else {
       warnOfSpace();
       copySongs();
-      writePlaylists();
+      RescuedLists(
+          library_, plan_, destination_, [this](int32_t song) { return copyOf(song); }, result_)
+          .write(chosenLists());
     }
+    result_.evaded += plan_.evaded();
     return std::move(result_);
   }
 
  private:
-  void checkPlaces() const {
-    const fs::path &root = library_.location().volumeRoot;
-    if (root.empty() && library_.libType() != 0) {
-      throw HostError(library_.location().name +
-                      ": the database is on no player, so the files of its songs cannot be found");
-    }
-    std::error_code error;
-    const fs::path destination = fs::weakly_canonical(fs::absolute(request_.destination), error);
-    if (error) fail(request_.destination, error.value());
-    if (!root.empty() && isBelow(destination, fs::canonical(root, error)))
-      throw HostError(request_.destination.string() + ": this lies on the player, which is only read");
-  }
-
-  void openDestination() {
-    std::error_code error;
-    fs::create_directories(request_.destination, error);
-    if (error) fail(request_.destination, error.value());
-    folder_ = carbon::Descriptor(open(request_.destination.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder_.number() < 0) fail(request_.destination, errno);
-    // Where a file system knows no locks, there is none.
-    if (flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-      throw HostError(request_.destination.string() + ": another rescue is writing here");
-    partial_ = TemporaryPath(request_.destination / kPartialName);
-    setInterruptionAdvice(kContinue);
-  }
-
   void planSongs() {
     if (request_.playlists.empty()) {
       const int32_t songs = library_.songCount();
@@ -127,48 +83,78 @@ class Rescue {
         continue;
       }
       ++result_.copied;
-      result_.copiedBytes += file.facts.size;
-      std::cout << safeText(file.source.string()) << " -> "
+      result_.copiedBytes += file.source.size;
+      std::cout << safeText(file.source.path.string()) << " -> "
                 << safeText((request_.destination / file.target).string()) << '\n';
     }
     result_.playlists = chosenLists().size();
   }
 
   void warnOfSpace() const {
-    struct statvfs room {};
-    if (fstatvfs(folder_.number(), &room) != 0) return;
-    const uint64_t free = static_cast<uint64_t>(room.f_bavail) * static_cast<uint64_t>(room.f_frsize);
-    if (free >= plan_.bytesLeft()) return;
+    const std::optional<uint64_t> free = destination_.bytesFree();
+    if (!free || *free >= plan_.bytesLeft()) return;
     printError(request_.destination.string() + ": " + totalSizeText(plan_.bytesLeft()) +
-               " are still to be copied and only " + totalSizeText(free) +
+               " are still to be copied and only " + totalSizeText(*free) +
                " are free; copying until it is full");
   }
 
   void copySongs() {
     Progress progress(plan_.songsLeft(), plan_.bytesLeft());
-    for (const PlannedFile &file : plan_.files()) {
-      if (file.there) {
-        ++result_.alreadyThere;
-        arrived_.push_back(true);
-        continue;
-      }
-      arrived_.push_back(false);
+    arrived_.resize(plan_.files().size());
+    for (size_t place = 0; place < arrived_.size(); ++place) {
+      const PlannedFile &file = plan_.files()[place];
       try {
-        copyFile(file.source, partial_.path(), request_.destination / file.target,
-                 [&](uint64_t bytes) { progress.addBytes(bytes); });
-        arrived_.back() = true;
-        ++result_.copied;
-        result_.copiedBytes += file.facts.size;
-        progress.addSong(file.target);
+        const bool copied = copySong(place, progress);
+        arrived_[place] = true;
+        ++(copied ? result_.copied : result_.alreadyThere);
+        if (copied) {
+          result_.copiedBytes += file.source.size;
+          progress.addSong(file.target);
+        }
+        addToReport(file);
       } catch (const CopyFailure &failure) {
         if (failure.reach() == CopyFailure::Reach::Destination)
           stop(request_.destination.string() + ": " + failure.what());
         stopIfPlayerIsGone(failure.what());
         const std::string label = songLabel(file.song, library_.song(file.song));
-        result_.problems.push_back(label + ": " + file.source.string() + ": " + failure.what());
+        result_.problems.push_back(label + ": " + file.source.path.string() + ": " + failure.what());
       }
     }
-    partial_.remove();
+  }
+
+  // False when a copy is there already.
+  bool copySong(size_t place, Progress &progress) {
+    while (!plan_.files()[place].there) {
+      const PlannedFile &file = plan_.files()[place];
+      const carbon::Descriptor source = library_.open(file.source);
+      if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
+      try {
+        destination_.copy(source, file.target, [&](uint64_t bytes) { progress.addBytes(bytes); });
+        return true;
+      } catch (const CopyFailure &failure) {
+        if (failure.error() != EEXIST) throw;
+        plan_.evade(place);  // another run was there first
+      }
+    }
+    return false;
+  }
+
+  void addToReport(const PlannedFile &file) {
+    if (reportFailed_) return;
+    try {
+      report_.add({file.target, file.identity, file.source.size, file.source.modified});
+    } catch (const HostError &failure) {
+      // The copies are as good without it; the next run compares their contents.
+      reportFailed_ = true;
+      result_.remarks.emplace_back(failure.what());
+    }
+  }
+
+  // The copy of a song, of this run or an earlier one.
+  std::string copyOf(int32_t song) const {
+    const ptrdiff_t place = plan_.fileOf(song);
+    const bool arrived = place >= 0 && arrived_[static_cast<size_t>(place)];
+    return arrived ? plan_.files()[static_cast<size_t>(place)].target : plan_.earlierCopy(song);
   }
 
   [[noreturn]] void stop(const std::string &why) const {
@@ -178,7 +164,7 @@ class Rescue {
   }
 
   void stopIfPlayerIsGone(const std::string &why) const {
-    const fs::path &database = library_.location().file;
+    const std::filesystem::path &database = library_.location().file;
     if (access(database.c_str(), F_OK) != 0)
       stop("the player is gone: " + database.parent_path().string() + ": " + why);
   }
@@ -190,55 +176,14 @@ class Rescue {
     return lists;
   }
 
-  void writePlaylists() {
-    for (const int32_t list : chosenLists()) {
-      const std::string name = library_.playlistName(list);
-      fs::path file = request_.destination / plan_.playlistFile(name, list);
-      std::error_code error;
-      while (fs::exists(fs::symlink_status(file, error)) && !isOwnList(file)) {
-        ++result_.evaded;
-        file = request_.destination / plan_.playlistFile(name, list);
-      }
-      try {
-        writePlaylist(list, name, file);
-        ++result_.playlists;
-      } catch (const HostError &failure) {
-        result_.problems.push_back(playlistLabel(list, name) + ": " + failure.what());
-      }
-    }
-  }
-
-  void writePlaylist(int32_t list, const std::string &name, const fs::path &file) {
-    OutputFile out(file);
-    out.write(m3uHeading());
-    out.write(kListMark);
-    out.write("#PLAYLIST:" + safeText(name) + "\n");
-    uint64_t missing = 0;
-    const int32_t entries = library_.entryCount(list);
-    for (int32_t position = 0; position < entries; ++position) {
-      const int32_t index = library_.entry(list, position).song;
-      const ptrdiff_t place = index < 0 ? -1 : plan_.fileOf(index);
-      if (place < 0 || !arrived_[static_cast<size_t>(place)]) {
-        ++missing;
-        continue;
-      }
-      const Song song = library_.song(index);
-      out.write(m3uEntry(
-          {song.duration, song.artist, song.title, plan_.files()[static_cast<size_t>(place)].target}));
-    }
-    out.finish();
-    if (missing > 0) {
-      result_.problems.push_back(playlistLabel(list, name) + " lacks " + countText(missing, "song", "songs"));
-    }
-  }
-
   const MusicLibrary &library_;
   const RescueRequest &request_;
+  DestinationFolder destination_;
+  CopyReport report_;
   RescuePlan plan_;
   RescueResult result_;
-  carbon::Descriptor folder_;  // the destination, locked
-  TemporaryPath partial_;
   std::vector<bool> arrived_;  // beside the planned files
+  bool reportFailed_ = false;
 };
 
 }  // namespace

@@ -26,6 +26,7 @@ struct RescueResult {
   uint64_t playlists = 0;               // written
   uint64_t evaded = 0;                  // songs with a number, since another file has their name
   std::vector<std::string> otherSizes;  // songs whose file has another size than the database tells
+  std::vector<std::string> remarks;     // what is called or kept otherwise than one would expect
   std::vector<std::string> problems;    // what could not be copied or written, and why
 };
 

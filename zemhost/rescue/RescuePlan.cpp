@@ -1,80 +1,109 @@
 #include "zemhost/rescue/RescuePlan.h"
 
 #include <cerrno>
-#include <sys/stat.h>
 #include <utility>
 
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
 
-namespace fs = std::filesystem;
-
-namespace {
-
-constexpr size_t kNoFile = static_cast<size_t>(-1);
-
-std::string numbered(uint32_t number) { return number == 1 ? "" : " (" + std::to_string(number) + ")"; }
-
-bool isThere(const fs::path &path) {
-  struct stat status {};
-  return lstat(path.c_str(), &status) == 0;
-}
-
-}  // namespace
-
-RescuePlan::RescuePlan(const MusicLibrary &library, const NamePattern &pattern, fs::path destination)
-    : library_(library), pattern_(pattern), destination_(std::move(destination)) {}
+RescuePlan::RescuePlan(const MusicLibrary &library, const NamePattern &pattern,
+                       const DestinationFolder &destination, const CopyReport &report)
+    : library_(library), pattern_(pattern), destination_(destination), report_(report) {}
 
 void RescuePlan::addSong(int32_t index) {
   if (fileOf_.contains(index)) return;
   const Song song = library_.song(index);
-  const FolderItem item = library_.file(song.path);
   PlannedFile file;
   file.song = index;
-  file.source = item.path();
+  file.source = library_.file(song.path);
+  file.identity = songIdentity(song, file.source);
+  const std::string path = file.source.path.string();
   try {
-    file.facts = factsOf(file.source);
-    if (file.facts.size != song.size) {
-      otherSizes_.push_back(songLabel(index, song) + ": " + std::to_string(file.facts.size) + " bytes, and " +
-                            std::to_string(song.size) + " by the database: " + file.source.string());
+    if (path.empty() || file.source.error == ENOENT || file.source.error == ENOTDIR) {
+      problems_.push_back(missingFileText(index, song, file.source));
+      return;
+    }
+    if (!file.source.isThere()) throw CopyFailure(CopyFailure::Reach::ThisFile, file.source.error);
+    if (file.source.size != song.size) {
+      otherSizes_.push_back(songLabel(index, song) + ": " + std::to_string(file.source.size) +
+                            " bytes, and " + std::to_string(song.size) + " by the database: " + path);
     }
     place(index, song, std::move(file));
   } catch (const CopyFailure &failure) {
-    const bool missing = failure.error() == ENOENT || failure.error() == ENOTDIR;
-    problems_.push_back(missing
-                            ? missingFileText(index, song, item)
-                            : songLabel(index, song) + ": " + item.path().string() + ": " + failure.what());
+    problems_.push_back(songLabel(index, song) + ": " + path + ": " + failure.what());
   }
 }
 
 void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
-  const std::string folder = folderFor(pattern_.names(song));
-  const std::string extension = file.source.extension().string();
-  uint32_t &number =
-      numberToTry_.try_emplace(foldedText(folder + pattern_.fileName(song, "", extension)), 1).first->second;
-  for (;; ++number) {
-    file.target = folder + pattern_.fileName(song, numbered(number), extension);
-    const auto [known, isNew] = taken_.try_emplace(foldedText(file.target), files_.size());
-    if (!isNew) {
-      if (known->second == kNoFile || files_[known->second].source != file.source) continue;
-      fileOf_[index] = known->second;
-      return;
-    }
-    const fs::path target = destination_ / file.target;
-    file.there = isCopyOf(target, file.source, file.facts);
-    if (file.there || !isThere(target)) break;
-    known->second = kNoFile;
-    ++evaded_;
+  const std::string extension = file.source.path.extension().string();
+  const std::string wanted =
+      folderFor(pattern_.names(song)) + pattern_.fileName(song, "", safeExtension(extension));
+  const auto [known, isNew] =
+      shared_.try_emplace({file.source.path.string(), foldedText(wanted)}, files_.size());
+  if (!isNew) {
+    fileOf_[index] = known->second;
+    return;
+  }
+  try {
+    file.target = freeName(song, file);
+  } catch (const CopyFailure &) {
+    shared_.erase(known);
+    throw;
   }
   if (!file.there) {
     ++songsLeft_;
-    bytesLeft_ += file.facts.size;
+    bytesLeft_ += file.source.size;
+  }
+  if (safeExtension(extension) != extension) {
+    remarks_.push_back(songLabel(index, song) + ": " + file.source.path.string() + ": " +
+                       (extension.empty() ? "no extension" : "the extension \"" + extension + "\"") +
+                       " is of neither music nor video; the copy is " + file.target);
   }
   fileOf_[index] = files_.size();
   files_.push_back(std::move(file));
+}
+
+void RescuePlan::evade(size_t place) {
+  PlannedFile &file = files_[place];
+  if (isFree(file.target, file)) return;
+  file.target = freeName(library_.song(file.song), file);
+}
+
+std::string RescuePlan::freeName(const Song &song, PlannedFile &file) {
+  const std::string folder = folderFor(pattern_.names(song));
+  const std::string extension(safeExtension(file.source.path.extension().string()));
+  return names_.take(
+      [&](std::string_view suffix) { return folder + pattern_.fileName(song, suffix, extension); },
+      [&](const std::string &target) { return isFree(target, file); });
+}
+
+// Whether the file may lie there: nothing does, or a copy of it.
+bool RescuePlan::isFree(const std::string &target, PlannedFile &file) {
+  file.there = isCopy(target, file);
+  if (file.there || !destination_.statusOf(target)) return true;
+  ++evaded_;
+  return false;
+}
+
+// The same size and time are not enough: two songs of one name can share them. Either the report of the run
+// that copied the file says that it is this song, or the contents are the same.
+bool RescuePlan::isCopy(const std::string &target, const PlannedFile &file) const {
+  const auto status = destination_.statusOf(target);
+  if (!status || !S_ISREG(status->st_mode)) return false;
+  const SongFile &source = file.source;
+  if (static_cast<uint64_t>(status->st_size) != source.size) return false;
+  const CopyRecord *const record = report_.ofFile(target);
+  if (record != nullptr && record->song == file.identity && record->size == source.size &&
+      record->modified.tv_sec == source.modified.tv_sec &&
+      record->modified.tv_nsec == source.modified.tv_nsec && isKeptTime(status->st_mtim, source.modified))
+    return true;
+  const carbon::Descriptor from = library_.open(source);
+  if (!from) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
+  return sameContent(destination_.open(target), from);
 }
 
 // With a slash at the end; empty for the destination itself.
@@ -87,16 +116,30 @@ std::string RescuePlan::folderFor(const std::vector<std::string> &names) {
   return folder;
 }
 
-std::string RescuePlan::playlistFile(const std::string &name, int32_t number) {
-  for (uint32_t attempt = 1;; ++attempt) {
-    std::string file = safeName(name, "Playlist " + std::to_string(number), numbered(attempt), ".m3u8");
-    if (taken_.try_emplace(foldedText(file), kNoFile).second) return file;
-  }
+std::string RescuePlan::playlistFile(const std::string &name, int32_t number,
+                                     const std::function<bool(const std::string &)> &isFree) {
+  const std::string fallback = "Playlist " + std::to_string(number);
+  return names_.take([&](std::string_view suffix) { return safeName(name, fallback, suffix, ".m3u8"); },
+                     isFree);
 }
 
 ptrdiff_t RescuePlan::fileOf(int32_t song) const {
   const auto found = fileOf_.find(song);
   return found == fileOf_.end() ? -1 : static_cast<ptrdiff_t>(found->second);
+}
+
+std::string RescuePlan::earlierCopy(int32_t index) const {
+  const Song song = library_.song(index);
+  const CopyRecord *const record = report_.ofSong(songIdentity(song, library_.file(song.path)));
+  if (record == nullptr) return {};
+  try {
+    const auto status = destination_.statusOf(record->file);
+    const bool there =
+        status && S_ISREG(status->st_mode) && static_cast<uint64_t>(status->st_size) == record->size;
+    return there ? record->file : std::string();
+  } catch (const CopyFailure &) {
+    return {};
+  }
 }
 
 }  // namespace zemhost

@@ -4,44 +4,59 @@
 // interrupted copying goes on when it is asked for again.
 
 #include <cstdint>
-#include <filesystem>
+#include <functional>
+#include <map>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
-#include "zemhost/rescue/FileCopy.h"
+#include "zemhost/rescue/CopyReport.h"
+#include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/NamePattern.h"
+#include "zemhost/rescue/TargetNames.h"
 
 namespace zemhost {
 
 struct PlannedFile {
   int32_t song = 0;  // the first that names it
-  std::filesystem::path source;
-  std::string target;  // below the destination, UTF-8
-  FileFacts facts;
-  bool there = false;  // a complete copy is there already
+  SongFile source;
+  std::string target;    // below the destination, UTF-8
+  bool there = false;    // a complete copy is there already
+  std::string identity;  // of the song, for the report
 };
 
 class RescuePlan {
  public:
-  RescuePlan(const MusicLibrary &library, const NamePattern &pattern, std::filesystem::path destination);
+  RescuePlan(const MusicLibrary &library, const NamePattern &pattern, const DestinationFolder &destination,
+             const CopyReport &report);
 
   // Plans the song's file. A song whose file another one names too shares its copy where it would get the
   // same name.
   void addSong(int32_t index);
 
-  // A name for a playlist's file, not taken by a song or another playlist.
-  std::string playlistFile(const std::string &name, int32_t number);
+  // Gives a file another name, since its own was taken after it was planned; finds a copy there as addSong()
+  // does. Throws CopyFailure.
+  void evade(size_t file);
+
+  // A name for a playlist's file, not taken by a song or another playlist, that `isFree` takes.
+  std::string playlistFile(const std::string &name, int32_t number,
+                           const std::function<bool(const std::string &)> &isFree);
 
   const std::vector<PlannedFile> &files() const { return files_; }
   // The place in files() of a song's file; -1 when there is none.
   ptrdiff_t fileOf(int32_t song) const;
+  // The copy of a song that an earlier run made and that is still there, below the destination; empty when
+  // there is none.
+  std::string earlierCopy(int32_t song) const;
+
   // What was planned in vain, in plain words, each naming its song.
   const std::vector<std::string> &problems() const { return problems_; }
   // The songs whose file has another size than the database tells, likewise.
   const std::vector<std::string> &otherSizes() const { return otherSizes_; }
+  // The songs whose file's extension is of neither music nor video, likewise.
+  const std::vector<std::string> &remarks() const { return remarks_; }
   // Songs that got a number because a file that is no copy of theirs has the name.
   uint64_t evaded() const { return evaded_; }
   // Of the files that are still to be copied.
@@ -51,18 +66,22 @@ class RescuePlan {
  private:
   std::string folderFor(const std::vector<std::string> &names);
   void place(int32_t index, const Song &song, PlannedFile file);
+  std::string freeName(const Song &song, PlannedFile &file);
+  bool isFree(const std::string &target, PlannedFile &file);
+  bool isCopy(const std::string &target, const PlannedFile &file) const;
 
   const MusicLibrary &library_;
   const NamePattern &pattern_;
-  std::filesystem::path destination_;
+  const DestinationFolder &destination_;
+  const CopyReport &report_;
   std::vector<PlannedFile> files_;
   std::unordered_map<int32_t, size_t> fileOf_;
-  // By names in which differences of case and composition have gone.
-  std::unordered_map<std::string, std::string> folders_;   // as first written
-  std::unordered_map<std::string, size_t> taken_;          // the place in files(), or kNoFile
-  std::unordered_map<std::string, uint32_t> numberToTry_;  // of a name that was taken before
+  std::map<std::string, std::string> folders_;  // as first written, by names without case and composition
+  std::map<std::pair<std::string, std::string>, size_t> shared_;  // by the source's path and the name wanted
+  TargetNames names_;
   std::vector<std::string> problems_;
   std::vector<std::string> otherSizes_;
+  std::vector<std::string> remarks_;
   uint64_t evaded_ = 0;
   uint64_t songsLeft_ = 0;
   uint64_t bytesLeft_ = 0;

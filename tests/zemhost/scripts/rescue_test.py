@@ -2,6 +2,7 @@
 
 import os
 import re
+import shutil
 import signal
 import subprocess
 import tempfile
@@ -11,8 +12,14 @@ import unittest
 from database_writer import library
 from program import Terminal, run, start, wait_until
 
-PARTIAL = ".zemhost-rescue.part"
+BROKEN_CALLS = os.environ["BROKEN_CALLS_LIBRARY"]
+REPORT = "rescue-report.ndjson"
 CONTINUE = "run the same command again to go on where it ended"
+
+
+def partials(folder):
+    """The files that are not complete yet, or that a killed rescue left."""
+    return [name for name in os.listdir(folder) if name.startswith(".zemhost-")]
 
 
 def files_below(folder):
@@ -22,13 +29,13 @@ def files_below(folder):
 class Player:
     """A player with tiny songs, each with a content of its own, in albums of twelve."""
 
-    def __init__(self, folder, count, size=200):
+    def __init__(self, folder, count, size=200, word="song"):
         self.root = os.path.join(folder, "player")
         self.contents = {}  # by the name that a rescue gives the song
         songs = []
         for place in range(count):
             path = f"F{place % 50:02}/S{place:05}.mp3"
-            content = f"song {place} ".encode() * (size // 10 + 1)
+            content = f"{word} {place} ".encode() * (size // 10 + 1)
             file = os.path.join(self.root, "iPod_Control", "Music", path)
             if place < 50:
                 os.makedirs(os.path.dirname(file))
@@ -57,7 +64,7 @@ class InterruptedRescue(unittest.TestCase):
 
     def copied(self):
         """The songs that are there, after a look at each: no half file under a final name."""
-        names = files_below(self.destination) - {PARTIAL, "Some.m3u8"}
+        names = files_below(self.destination) - {REPORT, "Some.m3u8", *partials(self.destination)}
         for name in names:
             path = os.path.join(self.destination, name)
             with open(path, "rb") as file:
@@ -69,11 +76,12 @@ class InterruptedRescue(unittest.TestCase):
         return run("rescue", self.player.root, self.destination)
 
     def expect_complete(self, before):
+        left = partials(self.destination)
         ended = self.rescue()
         self.assertEqual((ended.status, ended.message), (0, ""))
         total = len(self.player.contents)
         self.assertEqual(self.copied(), total)
-        self.assertNotIn(PARTIAL, os.listdir(self.destination))
+        self.assertEqual(partials(self.destination), left)
         summary = ended.text.splitlines()[total - before:]
         self.assertTrue(summary[0].startswith(f"{total - before} songs copied, "), summary)
         self.assertEqual(summary[1:], [f"{before} songs are already there", "1 playlist written"])
@@ -100,7 +108,7 @@ class InterruptedRescue(unittest.TestCase):
         self.assertRegex(refused.message, rf"\Azemhost: {self.destination}: No space left on device; "
                                           rf"{before} of 20000 songs are there; {CONTINUE}\n\Z")
         self.assertTrue(0 < before < 20_000)
-        self.assertNotIn(PARTIAL, os.listdir(self.destination))
+        self.assertEqual(partials(self.destination), [])
         subprocess.run(["mount", "-o", "remount,size=300m", self.destination], check=True)
         self.expect_complete(before)
 
@@ -134,20 +142,21 @@ class InterruptedRescue(unittest.TestCase):
             process.send_signal(signal.SIGCONT)
             _, err = process.communicate(timeout=20)
             self.assertEqual((process.returncode, err.decode()), (-number, f"zemhost: {word}; {CONTINUE}\n"))
-            self.assertNotIn(PARTIAL, os.listdir(self.destination))
+            self.assertEqual(partials(self.destination), [])
             self.expect_complete(self.copied())
 
     def test_a_player_that_is_gone_is_said_to_be(self):
         self.player = Player(self.folder, 2000)
         process = self.start_and_stop(100)
-        os.rename(self.player.root, self.player.root + " unplugged")
+        control = os.path.join(self.player.root, "iPod_Control")
+        os.rename(control, self.player.root + " unplugged")
         process.send_signal(signal.SIGCONT)
         _, err = process.communicate(timeout=20)
         before = self.copied()
         self.assertEqual(process.returncode, 1)
         self.assertRegex(err.decode(), rf"\Azemhost: the player is gone: {self.player.root}/iPod_Control/iTunes: .*; "
                                        rf"{before} of 2000 songs are there; {CONTINUE}\n\Z")
-        os.rename(self.player.root + " unplugged", self.player.root)
+        os.rename(self.player.root + " unplugged", control)
         self.expect_complete(before)
 
     def test_only_one_at_a_time_writes_to_a_place(self):
@@ -160,6 +169,35 @@ class InterruptedRescue(unittest.TestCase):
         process.communicate(timeout=60)
         self.assertEqual(process.returncode, 0)
         self.assertEqual(self.copied(), 2000)
+
+    def test_two_at_once_without_locks_leave_no_wrong_file_and_lose_none(self):
+        for broken in (" flock ", " flock renameat2 ", " flock renameat2 linkat "):
+            # They want the same names for songs of the same size and time.
+            players = [Player(os.path.join(self.folder, word), 300, 5000, word) for word in ("song", "tune")]
+            environment = {**os.environ, "LD_PRELOAD": BROKEN_CALLS, "BROKEN_CALLS": broken}
+            self.destination = tempfile.mkdtemp(dir=self.folder)
+            running = [start("rescue", player.root, self.destination, env=environment) for player in players]
+            ended = [(process.communicate(timeout=200)[1], process.returncode) for process in running]
+            self.assertEqual(ended, [(b"", 0)] * 2)
+            wanted = sorted(content for player in players for content, _ in player.contents.values())
+            found = []
+            for name in files_below(self.destination):
+                if name.endswith(".mp3"):
+                    with open(os.path.join(self.destination, name), "rb") as file:
+                        found.append(file.read())
+            self.assertEqual(sorted(found), wanted)
+            self.assertEqual(partials(self.destination), [])
+            for player in players:
+                shutil.rmtree(os.path.dirname(player.root))
+
+    def test_what_is_lost_when_a_file_is_closed_is_no_copy(self):
+        self.player = Player(self.folder, 3)
+        environment = {**os.environ, "LD_PRELOAD": BROKEN_CALLS, "BROKEN_CALLS": " close "}
+        refused = run("rescue", self.player.root, self.destination, env=environment)
+        self.assertEqual((refused.status, refused.message),
+                         (1, f"zemhost: {self.destination}: No space left on device; 0 of 3 songs are there; "
+                             f"{CONTINUE}\n"))
+        self.assertEqual(files_below(self.destination), set())
 
     def test_a_terminal_shows_a_line_that_changes(self):
         self.player = Player(self.folder, 2000)

@@ -1,0 +1,155 @@
+#include "zemhost/rescue/DestinationFolder.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/statvfs.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "host/Error.h"
+#include "zemhost/files/Beneath.h"
+#include "zemhost/files/TemporaryPath.h"
+#include "zemhost/rescue/FileCopy.h"
+
+namespace zemhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr auto kThisFile = CopyFailure::Reach::ThisFile;
+
+constexpr int kLookUpOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+bool isSame(const struct stat &one, const struct stat &other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+struct stat statusOfOpen(int file) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) throw CopyFailure(kThisFile, errno);
+  return status;
+}
+
+// The folder itself, or the nearest above it that exists.
+carbon::Descriptor openNearest(fs::path path) {
+  for (;;) {
+    carbon::Descriptor folder(::open(path.c_str(), kLookUpOnly));
+    if (folder || !path.has_relative_path()) return folder;
+    path = path.parent_path();
+  }
+}
+
+std::string parentOf(const std::string &name) {
+  const size_t slash = name.rfind('/');
+  return slash == std::string::npos ? "." : name.substr(0, slash);
+}
+
+std::string lastOf(const std::string &name) { return name.substr(name.rfind('/') + 1); }
+
+}  // namespace
+
+DestinationFolder::DestinationFolder(fs::path path, const fs::path &playerRoot) : path_(std::move(path)) {
+  if (!playerRoot.empty()) {
+    playerRoot_ = carbon::Descriptor(::open(playerRoot.c_str(), kLookUpOnly));
+    struct stat above {};
+    if (!playerRoot_ || fstat(playerRoot_.number(), &player_) != 0 ||
+        fstatat(playerRoot_.number(), "..", &above, 0) != 0)
+      throw HostError(playerRoot.string(), errno);
+    playerIsMounted_ = above.st_dev != player_.st_dev;
+  }
+  std::error_code error;
+  const fs::path whole = fs::weakly_canonical(fs::absolute(path_, error), error);
+  if (error) throw HostError(path_.string(), error.value());
+  if (liesOnPlayer(openNearest(whole).number()))
+    throw HostError(path_.string() + ": this lies on the player, which is only read");
+  folder_ = carbon::Descriptor(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+void DestinationFolder::make() {
+  std::error_code error;
+  fs::create_directories(path_, error);
+  if (error) throw HostError(path_.string(), error.value());
+  folder_ = carbon::Descriptor(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder_) throw HostError(path_.string(), errno);
+  // Where a file system knows no locks, there is none.
+  if (flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    throw HostError(path_.string() + ": another rescue is writing here");
+}
+
+std::optional<uint64_t> DestinationFolder::bytesFree() const {
+  struct statvfs room {};
+  if (fstatvfs(folder_.number(), &room) != 0) return std::nullopt;
+  return static_cast<uint64_t>(room.f_bavail) * static_cast<uint64_t>(room.f_frsize);
+}
+
+// Told by what the folders are, whatever names and links led there.
+bool DestinationFolder::liesOnPlayer(int folder) const {
+  if (!playerRoot_) return false;
+  carbon::Descriptor here(openat(folder, ".", kLookUpOnly));
+  if (!here) return false;
+  struct stat status = statusOfOpen(here.number());
+  if (playerIsMounted_ && status.st_dev == player_.st_dev) return true;
+  while (!isSame(status, player_)) {
+    carbon::Descriptor above(openat(here.number(), "..", kLookUpOnly));
+    if (!above) return false;
+    const struct stat next = statusOfOpen(above.number());
+    if (isSame(next, status)) return false;  // the root of the machine
+    here = std::move(above);
+    status = next;
+  }
+  return true;
+}
+
+// The folder that a name lies in; none when it does not exist.
+carbon::Descriptor DestinationFolder::folderOf(const std::string &name, bool make) const {
+  const std::string folder = parentOf(name);
+  const fs::path whole = (path_ / folder).lexically_normal();
+  carbon::Descriptor open = openBeneath(folder_.number(), folder, kLookUpOnly);
+  if (!open && errno == ENOENT && make) {
+    const carbon::Descriptor parent = folderOf(folder, make);
+    if (mkdirat(parent.number(), lastOf(folder).c_str(), 0777) != 0 && errno != EEXIST) failTarget(errno);
+    open = openBeneath(folder_.number(), folder, kLookUpOnly);
+  }
+  if (!open && errno == EXDEV)
+    throw CopyFailure(kThisFile, EXDEV, whole.string() + ": a symbolic link leads out of " + path_.string());
+  if (!open && (make || errno != ENOENT)) failTarget(errno);
+  if (open && liesOnPlayer(open.number()))
+    throw CopyFailure(kThisFile, EXDEV, whole.string() + ": this lies on the player, which is only read");
+  return open;
+}
+
+std::optional<struct stat> DestinationFolder::statusOf(const std::string &name) const {
+  if (!folder_) return std::nullopt;
+  const carbon::Descriptor folder = folderOf(name, false);
+  struct stat status {};
+  if (!folder) return std::nullopt;
+  if (fstatat(folder.number(), lastOf(name).c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
+  if (errno != ENOENT) throw CopyFailure(kThisFile, errno);
+  return std::nullopt;
+}
+
+carbon::Descriptor DestinationFolder::open(const std::string &name) const {
+  const carbon::Descriptor folder = folderOf(name, false);
+  carbon::Descriptor file(openat(folder.number(), lastOf(name).c_str(),
+                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!file) throw CopyFailure(kThisFile, errno);
+  return file;
+}
+
+void DestinationFolder::copy(const carbon::Descriptor &source, const std::string &name,
+                             const std::function<void(uint64_t)> &onBytes) const {
+  try {
+    TemporaryFile partial = makeTemporaryFile(path_);
+    copyContent(source, partial.content, onBytes);
+    if (close(partial.content.release()) != 0) failTarget(errno);
+    const carbon::Descriptor folder = folderOf(name, true);
+    partial.path.nameAs(folder.number(), lastOf(name));
+  } catch (const std::system_error &error) {
+    failTarget(error.code().value());
+  }
+}
+
+}  // namespace zemhost

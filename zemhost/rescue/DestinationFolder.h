@@ -1,0 +1,56 @@
+#pragma once
+
+// The folder that music is copied to, and its own files alone: nothing is written on the player, and no
+// symbolic link is followed out of the folder.
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include "platform/carbon/Descriptor.h"
+
+namespace zemhost {
+
+class DestinationFolder {
+ public:
+  // A folder that need not exist, for the music of the player with this root (empty: of none). Throws
+  // HostError, naming it, when it lies on the player.
+  DestinationFolder(std::filesystem::path path, const std::filesystem::path &playerRoot);
+
+  // Makes the folder where it is missing, and locks it where its file system knows locks. Throws HostError,
+  // naming it, when it cannot be made or another rescue is writing there.
+  void make();
+
+  const std::filesystem::path &path() const { return path_; }
+  // How many bytes fit on its disk; nothing when that is not known.
+  std::optional<uint64_t> bytesFree() const;
+
+  // What has a name below the folder ("artist/title.mp3"), links not followed; nothing when it is free.
+  // Throws CopyFailure (ThisFile) when that name would lead out of the folder or onto the player.
+  std::optional<struct stat> statusOf(const std::string &name) const;
+  // Opens it for reading, without waiting. Throws CopyFailure (ThisFile).
+  carbon::Descriptor open(const std::string &name) const;
+
+  // Copies an open file under a free name, its folders made where they are missing. The bytes get there under
+  // a name of their own, are brought to the disk and get the source's times first, so that the final name
+  // never stands for a part. `onBytes` gets the number of bytes that came through, again and again. Throws
+  // CopyFailure; EEXIST when the name is not free any more. Nothing is left of a copy that failed.
+  void copy(const carbon::Descriptor &source, const std::string &name,
+            const std::function<void(uint64_t)> &onBytes) const;
+
+ private:
+  bool liesOnPlayer(int folder) const;
+  carbon::Descriptor folderOf(const std::string &name, bool make) const;
+
+  std::filesystem::path path_;
+  carbon::Descriptor folder_;  // locked once it is made; none while it does not exist
+  carbon::Descriptor playerRoot_;
+  struct stat player_ {};
+  bool playerIsMounted_ = false;  // so that all its files are on a device of their own
+};
+
+}  // namespace zemhost

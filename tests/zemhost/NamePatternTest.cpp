@@ -75,9 +75,9 @@ TEST(NamePattern, FaultsAreNamed) {
     EXPECT_THAT(refusal(empty), testing::EndsWith("a part between slashes is empty")) << empty;
   }
   EXPECT_THAT(refusal("../{title}"), testing::EndsWith("a part between slashes is \"..\""));
-  EXPECT_THAT(refusal("{track:x}"), testing::EndsWith("x is no width from 1 to 20"));
-  EXPECT_THAT(refusal("{track:021}"), testing::EndsWith("021 is no width from 1 to 20"));
-  EXPECT_THAT(refusal("{track:}"), testing::EndsWith(" is no width from 1 to 20"));
+  EXPECT_THAT(refusal("{track:x}"), testing::EndsWith("x is not a width from 1 to 20"));
+  EXPECT_THAT(refusal("{track:021}"), testing::EndsWith("021 is not a width from 1 to 20"));
+  EXPECT_THAT(refusal("{track:}"), testing::EndsWith(" is not a width from 1 to 20"));
   EXPECT_THAT(refusal("{title:02}"), testing::EndsWith("only numbers have a width, and {title} is a text"));
 }
 

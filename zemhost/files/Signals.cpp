@@ -14,7 +14,7 @@ namespace {
 std::atomic<const char *> advice{nullptr};
 std::atomic<bool> lineOpen{false};
 
-// As much of a line as standard error takes; there is nobody to tell of a failure.
+// As much of a line as standard error takes; nobody could be shown a failure.
 void say(const char *text) noexcept {
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, std::strlen(text));
 }
@@ -50,7 +50,7 @@ void handleSignals() {
     sigaction(number, nullptr, &before);
     if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
   }
-  std::signal(SIGXFSZ, SIG_IGN);  // so that writing fails, which is told
+  std::signal(SIGXFSZ, SIG_IGN);  // so that writing fails, which is reported
 }
 
 void setInterruptionAdvice(const char *text) { advice = text; }

@@ -57,8 +57,7 @@ class SignalsHeld {
 TemporaryPath::TemporaryPath(std::filesystem::path path) : path_(std::move(path)) {
   // A signal may find the program in another directory than this one is relative to.
   const std::string full = std::filesystem::absolute(path_).string();
-  if (full.size() >= PATH_MAX)
-    throw HostError(path_.string() + ": " + std::generic_category().message(ENAMETOOLONG));
+  if (full.size() >= PATH_MAX) throw HostError(path_.string(), ENAMETOOLONG);
   for (size_t i = 0; i < slots.size(); ++i) {
     if (slots[i].used) continue;
     std::memcpy(slots[i].path.data(), full.c_str(), full.size() + 1);

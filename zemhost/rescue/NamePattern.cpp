@@ -88,7 +88,7 @@ NamePattern::NamePattern(std::string_view text) : components_(1) {
         if (width.starts_with('0')) part.fill = '0';
         const auto [last, error] = std::from_chars(width.data(), width.data() + width.size(), part.width);
         if (error != std::errc() || last != width.data() + width.size() || part.width > kWidest)
-          fail(text, std::string(width) + " is no width from 1 to " + std::to_string(kWidest));
+          fail(text, std::string(width) + " is not a width from 1 to " + std::to_string(kWidest));
         if (kFields[static_cast<size_t>(part.field)].number == nullptr)
           fail(text, "only numbers have a width, and " + braced(inside.substr(0, colon)) + " is a text");
       }

@@ -19,8 +19,8 @@ std::string patternFields();
 class NamePattern {
  public:
   // Reads a pattern: text, fields in braces, '/' between folders, "{{" and "}}" for the braces themselves.
-  // Numbers may have a width, with zeros in front (":02") or blanks (":2"). Throws HostError, telling what is
-  // wrong and where, and the known fields when one is not known.
+  // Numbers may have a width, with zeros in front (":02") or blanks (":2"). Throws HostError, which says what
+  // is wrong and where, and the known fields when one is not known.
   explicit NamePattern(std::string_view text);
 
   // The folders and, last, the file's name without extension, of a song: each safe as a part of a path. A

@@ -19,7 +19,7 @@ class Progress {
   ~Progress() { clear(); }
 
   void addBytes(uint64_t bytes);
-  // A song came through; `name` is what a line tells of it.
+  // A song came through; `name` is what a line shows of it.
   void addSong(const std::string &name);
 
  private:

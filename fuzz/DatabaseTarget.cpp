@@ -147,7 +147,7 @@ void TryPlugin(uint8_t options, const std::string &file) {
     host.Set<int32_t>(object, "ResultEncode", static_cast<int32_t>(support::kShiftJIS));
   }
   REALfolderItem item = host.MakeItem(volume.Put(options, file));
-  host.specFails = (options & kNoSpecification) != 0;
+  host.specAnswer = (options & kNoSpecification) != 0 ? 0 : 1;
   const size_t strings = host.LiveStrings();
   (void)calls.Load(object, item);
   const size_t left = host.LiveStrings();

@@ -138,7 +138,7 @@ class Run {
     if (step.file) {
       const DatabaseFile &file = case_.files[*step.file];
       arguments.item = items_[*step.file];
-      host_.specFails = !file.hasSpecification;
+      host_.specAnswer = file.hasSpecification ? 1 : 0;
       if (file.path != DatabaseFile::Path::Own) {
         host_.pathOfItems = [&file]() -> std::optional<std::string> {
           if (file.path == DatabaseFile::Path::None) return std::nullopt;

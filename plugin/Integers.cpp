@@ -3,7 +3,6 @@
 namespace {
 
 constexpr int32_t kCompilationProp = 2;
-constexpr int32_t kDateAddedProp = 3;
 constexpr uint32_t kCompilationBit = 0x10000;
 
 enum class Family { Library, PlayList, Refer };
@@ -121,146 +120,14 @@ void ZemRbiTunesDB_SetIntegerData(REALobject instance, int32_t selector, int32_t
   }
 }
 
-int32_t ZemRbiTunesDB_GetID(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kID, index, 0);
-}
-int32_t ZemRbiTunesDB_GetProp(REALobject instance, int32_t index, int32_t num) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kProp, index, num);
-}
-int32_t ZemRbiTunesDB_GetIndexFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListEntryIndex, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetRefNumFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListEntryRef, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetReferIndex(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferIndex, trackID, 0);
-}
-int32_t ZemRbiTunesDB_CountSongUnknown(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kUnknownCount, index, 0);
-}
-
-int32_t ZemRbiTunesDB_GetNumTrack(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kTrackNumber, index, 0);
-}
-int32_t ZemRbiTunesDB_GetTotalTrack(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kTrackTotal, index, 0);
-}
-int32_t ZemRbiTunesDB_GetDuration(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kDuration, index, 0);
-}
-int32_t ZemRbiTunesDB_GetFileSize(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kFileSize, index, 0);
-}
-int32_t ZemRbiTunesDB_GetYear(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kYear, index, 0);
-}
-int32_t ZemRbiTunesDB_GetBitrate(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kBitrate, index, 0);
-}
-int32_t ZemRbiTunesDB_GetSamplerate(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kSamplerate, index, 0);
-}
-int32_t ZemRbiTunesDB_GetMediaType(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kMediaType, index, 0);
-}
-int32_t ZemRbiTunesDB_GetNumTrackFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListTrackNumber, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetTotalTrackFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListTrackTotal, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetDurationFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListDuration, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetFileSizeFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListFileSize, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetYearFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListYear, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetBitrateFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListBitrate, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetSamplerateFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListSamplerate, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetMediaTypeFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kPlayListMediaType, index, playlist);
-}
-int32_t ZemRbiTunesDB_GetReferNumTrack(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferTrackNumber, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferTotalTrack(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferTrackTotal, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferDuration(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferDuration, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferFileSize(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferFileSize, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferYear(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferYear, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferBitrate(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferBitrate, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferSamplerate(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferSamplerate, trackID, 0);
-}
-int32_t ZemRbiTunesDB_GetReferMediaType(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kReferMediaType, trackID, 0);
-}
-
-int32_t ZemRbiTunesDB_GetDataAdded(REALobject instance, int32_t index) {
-  return ZemRbiTunesDB_GetIntegerData(instance, kProp, index, kDateAddedProp);
-}
-int32_t ZemRbiTunesDB_GetDataAddedFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetDataAdded(instance, ZemRbiTunesDB_GetIndexFromPlayList(instance, playlist, index));
-}
-int32_t ZemRbiTunesDB_GetReferDateAdded(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetDataAdded(instance, ZemRbiTunesDB_GetReferIndex(instance, trackID));
-}
-
 REALboolean ZemRbiTunesDB_GetCompilation(REALobject instance, int32_t index) {
   const int32_t prop = ZemRbiTunesDB_GetIntegerData(instance, kProp, index, kCompilationProp);
   return ToBoolean((static_cast<uint32_t>(prop) & kCompilationBit) != 0);
-}
-REALboolean ZemRbiTunesDB_GetCompilationFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetCompilation(instance,
-                                      ZemRbiTunesDB_GetIndexFromPlayList(instance, playlist, index));
-}
-REALboolean ZemRbiTunesDB_GetReferCompilation(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetCompilation(instance, ZemRbiTunesDB_GetReferIndex(instance, trackID));
 }
 
 // The flag is always looked up by track ID, even where a library index comes in; host code knows it so.
 REALboolean ZemRbiTunesDB_GetMovieFileFlag(REALobject instance, int32_t index) {
   return ToBoolean(ZemRbiTunesDB_GetIntegerData(instance, kReferMovieFileFlag, index, 0) == 1);
-}
-REALboolean ZemRbiTunesDB_GetMovieFileFlagFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ZemRbiTunesDB_GetMovieFileFlag(instance,
-                                        ZemRbiTunesDB_GetIndexFromPlayList(instance, playlist, index));
-}
-REALboolean ZemRbiTunesDB_GetReferMovieFileFlag(REALobject instance, int32_t trackID) {
-  return ZemRbiTunesDB_GetMovieFileFlag(instance, ZemRbiTunesDB_GetReferIndex(instance, trackID));
-}
-
-void ZemRbiTunesDB_SetNumTrack(REALobject instance, int32_t index, int32_t number) {
-  ZemRbiTunesDB_SetIntegerData(instance, kTrackNumber, index, 0, number);
-}
-void ZemRbiTunesDB_SetTotalTrack(REALobject instance, int32_t index, int32_t total) {
-  ZemRbiTunesDB_SetIntegerData(instance, kTrackTotal, index, 0, total);
-}
-void ZemRbiTunesDB_SetFileSize(REALobject instance, int32_t index, int32_t filesize) {
-  ZemRbiTunesDB_SetIntegerData(instance, kFileSize, index, 0, filesize);
-}
-void ZemRbiTunesDB_SetYear(REALobject instance, int32_t index, int32_t year) {
-  ZemRbiTunesDB_SetIntegerData(instance, kYear, index, 0, year);
-}
-void ZemRbiTunesDB_SetMediaType(REALobject instance, int32_t index, int32_t flag) {
-  ZemRbiTunesDB_SetIntegerData(instance, kMediaType, index, 0, flag);
 }
 
 void ZemRbiTunesDB_SetCompilation(REALobject instance, int32_t index, REALboolean compilation) {

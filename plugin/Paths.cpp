@@ -5,32 +5,6 @@
 
 namespace {
 
-// A host string made on the way to a result, released when the result stands.
-class HeldString {
- public:
-  explicit HeldString(REALstring string) : string_(string) {}
-  HeldString(const HeldString &) = delete;
-  HeldString &operator=(const HeldString &) = delete;
-  ~HeldString() { REALUnlockString(string_); }
-  REALstring get() const { return string_; }
-
- private:
-  REALstring string_;
-};
-
-REALstring WithVolume(REALobject instance, const HeldString &path) {
-  return ZemRbiTunesDB_GetPathWithVolume(instance, path.get());
-}
-
-REALfolderItem ItemOf(const HeldString &path) { return ZemRbiTunesDB_GetFolderItemFromPath(path.get()); }
-
-// The item's path; the item was made on the way and is released.
-REALstring PathOf(REALfolderItem item) {
-  REALstring path = ZemRbiTunesDB_GetPathFromFolderItem(item);
-  REALUnlockObject(reinterpret_cast<REALobject>(item));
-  return path;
-}
-
 std::string_view BytesOf(REALstring string) {
   return {REALstringStruct::CString(string), static_cast<size_t>(REALstringStruct::Length(string))};
 }
@@ -66,34 +40,4 @@ REALfolderItem ZemRbiTunesDB_GetFolderItemFromPath(REALstring path) {
 
 REALstring ZemRbiTunesDB_GetPathFromFolderItem(REALfolderItem item) {
   return item == nullptr ? nullptr : REALpathFromFolderItem(item);
-}
-
-REALstring ZemRbiTunesDB_GetAbsolutePath(REALobject instance, int32_t index) {
-  return WithVolume(instance, HeldString(ZemRbiTunesDB_GetPath(instance, index)));
-}
-REALfolderItem ZemRbiTunesDB_GetFolderItem(REALobject instance, int32_t index) {
-  return ItemOf(HeldString(ZemRbiTunesDB_GetAbsolutePath(instance, index)));
-}
-REALstring ZemRbiTunesDB_GetAbsolutePath2(REALobject instance, int32_t index) {
-  return PathOf(ZemRbiTunesDB_GetFolderItem(instance, index));
-}
-
-REALstring ZemRbiTunesDB_GetAbsolutePathFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return WithVolume(instance, HeldString(ZemRbiTunesDB_GetPathFromPlayList(instance, playlist, index)));
-}
-REALfolderItem ZemRbiTunesDB_GetFolderItemFromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return ItemOf(HeldString(ZemRbiTunesDB_GetAbsolutePathFromPlayList(instance, playlist, index)));
-}
-REALstring ZemRbiTunesDB_GetAbsolutePath2FromPlayList(REALobject instance, int32_t playlist, int32_t index) {
-  return PathOf(ZemRbiTunesDB_GetFolderItemFromPlayList(instance, playlist, index));
-}
-
-REALstring ZemRbiTunesDB_GetReferAbsolutePath(REALobject instance, int32_t trackID) {
-  return WithVolume(instance, HeldString(ZemRbiTunesDB_GetReferPath(instance, trackID)));
-}
-REALfolderItem ZemRbiTunesDB_GetReferFolderItem(REALobject instance, int32_t trackID) {
-  return ItemOf(HeldString(ZemRbiTunesDB_GetReferAbsolutePath(instance, trackID)));
-}
-REALstring ZemRbiTunesDB_GetReferAbsolutePath2(REALobject instance, int32_t trackID) {
-  return PathOf(ZemRbiTunesDB_GetReferFolderItem(instance, trackID));
 }

@@ -7,13 +7,6 @@ int32_t ZemRbiTunesDB_GetPlayListType(REALobject instance, int32_t playlist, int
   return reqType == 0 ? db->PlayListType(p) : db->PlayListTypeII(p);
 }
 
-int32_t ZemRbiTunesDB_GetPlayListTypeI(REALobject instance, int32_t playlist) {
-  return ZemRbiTunesDB_GetPlayListType(instance, playlist, 0);
-}
-int32_t ZemRbiTunesDB_GetPlayListTypeII(REALobject instance, int32_t playlist) {
-  return ZemRbiTunesDB_GetPlayListType(instance, playlist, 1);
-}
-
 REALboolean ZemRbiTunesDB_GetPlaySong(REALobject instance, int32_t playlist, int32_t index) {
   const CiTunesDB *db = LoadedDatabase(instance);
   if (db == nullptr) return REALboolean::False;
@@ -55,34 +48,4 @@ REALboolean ZemRbiTunesDB_CompareSongObject(REALobject instance, int32_t object,
     indexB = song(indexB);
   }
   return ToBoolean(db->CompareSongsObjects(object, indexA, indexB, kTexts));
-}
-
-REALboolean ZemRbiTunesDB_CompareArtist(REALobject instance, int32_t indexA, int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectArtist, -1, indexA, indexB);
-}
-REALboolean ZemRbiTunesDB_CompareAlbum(REALobject instance, int32_t indexA, int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectAlbum, -1, indexA, indexB);
-}
-REALboolean ZemRbiTunesDB_CompareGenre(REALobject instance, int32_t indexA, int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectGenre, -1, indexA, indexB);
-}
-REALboolean ZemRbiTunesDB_CompareComposer(REALobject instance, int32_t indexA, int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectComposer, -1, indexA, indexB);
-}
-
-REALboolean ZemRbiTunesDB_ComparePlaylistArtist(REALobject instance, int32_t playlist, int32_t indexA,
-                                                int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectArtist, playlist, indexA, indexB);
-}
-REALboolean ZemRbiTunesDB_ComparePlaylistAlbum(REALobject instance, int32_t playlist, int32_t indexA,
-                                               int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectAlbum, playlist, indexA, indexB);
-}
-REALboolean ZemRbiTunesDB_ComparePlaylistGenre(REALobject instance, int32_t playlist, int32_t indexA,
-                                               int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectGenre, playlist, indexA, indexB);
-}
-REALboolean ZemRbiTunesDB_ComparePlaylistComposer(REALobject instance, int32_t playlist, int32_t indexA,
-                                                  int32_t indexB) {
-  return ZemRbiTunesDB_CompareSongObject(instance, kObjectComposer, playlist, indexA, indexB);
 }

@@ -15,9 +15,6 @@
 // so. Returned strings and folder items carry one reference, the caller's. The functions here may throw
 // std::bad_alloc; what the tables register answers the neutral value instead.
 
-// A Boolean of the host: 0 or 1, though host code may pass anything.
-enum class REALboolean : int32_t { False = 0, True = 1 };
-
 constexpr REALboolean ToBoolean(bool value) { return value ? REALboolean::True : REALboolean::False; }
 
 // The data block that the host keeps, zero-filled at first, in every object of the class.
@@ -125,6 +122,9 @@ enum IntegerSelector : int32_t {
   kReferMovieFileFlag = 35,
 };
 
+// The word of a song that holds the date it was added.
+constexpr int32_t kDateAddedProp = 3;
+
 // The value of a selector, as the loader stored it; 0 for a selector outside 0 to 35 and an index out of
 // range.
 int32_t ZemRbiTunesDB_GetIntegerData(REALobject instance, int32_t selector, int32_t index, int32_t playlist);
@@ -178,134 +178,13 @@ REALstring ZemRbiTunesDB_GetPathFromFolderItem(REALfolderItem item);
 REALboolean ZemRbiTunesDB_CompareSongObject(REALobject instance, int32_t object, int32_t playlist,
                                             int32_t indexA, int32_t indexB);
 
-// The methods, in the order of the table.
-int32_t ZemRbiTunesDB_GetID(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetProp(REALobject instance, int32_t index, int32_t num);
-int32_t ZemRbiTunesDB_GetIndexFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetRefNumFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetPlayListEncode(REALobject instance, int32_t playlist);
-int32_t ZemRbiTunesDB_GetPlayListTypeI(REALobject instance, int32_t playlist);
-int32_t ZemRbiTunesDB_GetPlayListTypeII(REALobject instance, int32_t playlist);
+// Methods with something of their own to do; those that only hand on are in Forwarders.h.
 int32_t ZemRbiTunesDB_GetPlayListType(REALobject instance, int32_t playlist, int32_t reqType);
-REALstring ZemRbiTunesDB_GetPlayListName(REALobject instance, int32_t playlist);
 REALstring ZemRbiTunesDB_GetPathWithVolume(REALobject instance, REALstring path);
-REALboolean ZemRbiTunesDB_CompareArtist(REALobject instance, int32_t indexA, int32_t indexB);
-REALboolean ZemRbiTunesDB_CompareAlbum(REALobject instance, int32_t indexA, int32_t indexB);
-REALboolean ZemRbiTunesDB_CompareGenre(REALobject instance, int32_t indexA, int32_t indexB);
-REALboolean ZemRbiTunesDB_CompareComposer(REALobject instance, int32_t indexA, int32_t indexB);
-REALboolean ZemRbiTunesDB_ComparePlaylistArtist(REALobject instance, int32_t playlist, int32_t indexA,
-                                                int32_t indexB);
-REALboolean ZemRbiTunesDB_ComparePlaylistAlbum(REALobject instance, int32_t playlist, int32_t indexA,
-                                               int32_t indexB);
-REALboolean ZemRbiTunesDB_ComparePlaylistGenre(REALobject instance, int32_t playlist, int32_t indexA,
-                                               int32_t indexB);
-REALboolean ZemRbiTunesDB_ComparePlaylistComposer(REALobject instance, int32_t playlist, int32_t indexA,
-                                                  int32_t indexB);
-int32_t ZemRbiTunesDB_CountSongUnknown(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetTrackTotalInfo(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetTitle(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetPath(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetAlbum(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetArtist(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetGenre(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetComposer(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetFileType(REALobject instance, int32_t index);
 REALboolean ZemRbiTunesDB_GetCompilation(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetDataAdded(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetUnknown(REALobject instance, int32_t index, int32_t num);
-int32_t ZemRbiTunesDB_GetTitleEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetPathEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetAlbumEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetArtistEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetGenreEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetComposerEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetFileTypeEncode(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetNumTrack(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetTotalTrack(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetDuration(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetFileSize(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetYear(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetBitrate(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetSamplerate(REALobject instance, int32_t index);
 REALboolean ZemRbiTunesDB_GetMovieFileFlag(REALobject instance, int32_t index);
-int32_t ZemRbiTunesDB_GetMediaType(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetAbsolutePath(REALobject instance, int32_t index);
-REALfolderItem ZemRbiTunesDB_GetFolderItem(REALobject instance, int32_t index);
-REALstring ZemRbiTunesDB_GetAbsolutePath2(REALobject instance, int32_t index);
-void ZemRbiTunesDB_SetTitle(REALobject instance, int32_t index, REALstring title);
-void ZemRbiTunesDB_SetAlbum(REALobject instance, int32_t index, REALstring album);
-void ZemRbiTunesDB_SetArtist(REALobject instance, int32_t index, REALstring artist);
-void ZemRbiTunesDB_SetGenre(REALobject instance, int32_t index, REALstring genre);
-void ZemRbiTunesDB_SetComposer(REALobject instance, int32_t index, REALstring composer);
-void ZemRbiTunesDB_SetNumTrack(REALobject instance, int32_t index, int32_t number);
-void ZemRbiTunesDB_SetTotalTrack(REALobject instance, int32_t index, int32_t total);
-void ZemRbiTunesDB_SetFileSize(REALobject instance, int32_t index, int32_t filesize);
-void ZemRbiTunesDB_SetYear(REALobject instance, int32_t index, int32_t year);
-void ZemRbiTunesDB_SetMediaType(REALobject instance, int32_t index, int32_t flag);
 void ZemRbiTunesDB_SetCompilation(REALobject instance, int32_t index, REALboolean compilation);
-REALstring ZemRbiTunesDB_GetTrackTotalInfoFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetTitleFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetPathFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetAlbumFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetArtistFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetGenreFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetComposerFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetFileTypeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALboolean ZemRbiTunesDB_GetCompilationFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetDataAddedFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetUnknownFromPlayList(REALobject instance, int32_t playlist, int32_t index,
-                                                int32_t num);
-int32_t ZemRbiTunesDB_GetTitleEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetPathEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetAlbumEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetArtistEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetGenreEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetComposerEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetFileTypeEncodeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetNumTrackFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetTotalTrackFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetDurationFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetFileSizeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetYearFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetBitrateFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetSamplerateFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALboolean ZemRbiTunesDB_GetMovieFileFlagFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetMediaTypeFromPlayList(REALobject instance, int32_t playlist, int32_t index);
 REALboolean ZemRbiTunesDB_GetPlaySong(REALobject instance, int32_t playlist, int32_t index);
 void ZemRbiTunesDB_SetPlaySong(REALobject instance, int32_t playlist, int32_t index, REALboolean play);
 int32_t ZemRbiTunesDB_GetFlags(REALobject instance, int32_t playlist, int32_t index);
 void ZemRbiTunesDB_SetFlags(REALobject instance, int32_t playlist, int32_t index, int32_t flags);
-REALstring ZemRbiTunesDB_GetAbsolutePathFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALfolderItem ZemRbiTunesDB_GetFolderItemFromPlayList(REALobject instance, int32_t playlist, int32_t index);
-REALstring ZemRbiTunesDB_GetAbsolutePath2FromPlayList(REALobject instance, int32_t playlist, int32_t index);
-int32_t ZemRbiTunesDB_GetReferIndex(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferTrackTotalInfo(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferTitle(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferPath(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferAlbum(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferArtist(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferGenre(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferComposer(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferFileType(REALobject instance, int32_t trackID);
-REALboolean ZemRbiTunesDB_GetReferCompilation(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferDateAdded(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferUnknown(REALobject instance, int32_t trackID, int32_t num);
-int32_t ZemRbiTunesDB_GetReferTitleEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferPathEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferAlbumEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferArtistEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferGenreEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferComposerEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferFileTypeEncode(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferNumTrack(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferTotalTrack(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferDuration(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferFileSize(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferYear(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferBitrate(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferSamplerate(REALobject instance, int32_t trackID);
-REALboolean ZemRbiTunesDB_GetReferMovieFileFlag(REALobject instance, int32_t trackID);
-int32_t ZemRbiTunesDB_GetReferMediaType(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferAbsolutePath(REALobject instance, int32_t trackID);
-REALfolderItem ZemRbiTunesDB_GetReferFolderItem(REALobject instance, int32_t trackID);
-REALstring ZemRbiTunesDB_GetReferAbsolutePath2(REALobject instance, int32_t trackID);

@@ -1,5 +1,5 @@
+#include "plugin/Forwarders.h"
 #include "plugin/MethodTable.h"
-#include "plugin/RbiTunesDB.h"
 
 // In registration order, which is the order in which the host lists them.
 REALmethodDefinition RbiTunesDBMethods[kMethodCount] = {

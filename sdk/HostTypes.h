@@ -34,6 +34,9 @@ using REALobject = REALobjectStruct *;
 using REALfolderItem = REALfolderItemStruct *;
 using REALstring = REALstringStruct *;
 
+// A Boolean: 0 or 1, though host code may pass anything.
+enum class REALboolean : int32_t { False = 0, True = 1 };
+
 // A slot for any function; the user casts it to the real signature before calling.
 using REALproc = void (*)();
 

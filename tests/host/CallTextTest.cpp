@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -94,6 +95,9 @@ struct Wrong {
   size_t position;
   const char *message;
 };
+
+// For the names of the tests.
+void PrintTo(const Wrong &wrong, std::ostream *out) { *out << "wrong at " << wrong.position; }
 
 class WrongCallText : public testing::TestWithParam<Wrong> {};
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -88,6 +89,9 @@ struct Fault {
   size_t position;
   const char *message;
 };
+
+// For the names of the tests.
+void PrintTo(const Fault &fault, std::ostream *out) { *out << "wrong at " << fault.position; }
 
 class WrongDeclaration : public testing::TestWithParam<Fault> {};
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <ostream>
 #include <random>
 #include <sstream>
 #include <string>
@@ -14,6 +15,10 @@
 #include "tests/support/Folders.h"
 
 namespace zemhost {
+
+// For the names of the tests.
+static void PrintTo(const EncodingRow &row, std::ostream *out) { *out << row.name; }
+
 namespace {
 
 using namespace std::literals;

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "plugin/RbiTunesDB.h"
+#include "plugin/Forwarders.h"
 #include "tests/plugin/PluginTest.h"
 
 namespace plugin_test {

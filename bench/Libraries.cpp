@@ -22,8 +22,7 @@ samples::GeneratedLibrary Generated(uint32_t songs, Texts texts) {
           .songs = songs,
           .playlists = kPlaylists,
           .entries = songs / 10,
-          .variant = texts == Texts::kUsual || texts == Texts::kHostile ? Variant::LittleEndian
-                                                                        : Variant::BigEndian};
+          .variant = texts <= Texts::kHostile ? Variant::LittleEndian : Variant::BigEndian};
 }
 
 std::u16string Numbered(std::u16string_view word, uint32_t number) {
@@ -36,6 +35,11 @@ Track SongWith(const samples::GeneratedLibrary &library, uint32_t index, Texts t
   Track track = library.Song(index);
   if (texts == Texts::kHostile) {
     track.id = 0;
+    return track;
+  }
+  if (texts == Texts::kTenObjects) {
+    for (uint32_t type = 20; track.objects.size() < 10; ++type)
+      track.objects.push_back(samples::TextObject(type, Numbered(u"Note ", index)));
     return track;
   }
   samples::SongTexts words;
@@ -75,6 +79,8 @@ const char *NameOf(Texts texts) {
   switch (texts) {
     case Texts::kUsual:
       return "usual";
+    case Texts::kTenObjects:
+      return "ten-objects";
     case Texts::kHostile:
       return "hostile";
     case Texts::kBigEndian:

@@ -10,12 +10,13 @@ namespace bench {
 
 enum class Texts {
   kUsual,  // as GeneratedLibrary makes them: 8 to 10 objects a song, a fifth of them Japanese, little-endian
-  kHostile,    // the same songs with every ID zero and entries that name unknown IDs
-  kBigEndian,  // the usual songs in a big-endian file, where every group is numbered
-  kMissing,    // big-endian songs with a title and a path only
-  kDistinct,   // big-endian songs, each with an artist, album, genre and composer of its own
-  kEqual,      // big-endian songs that all share them
-  kCrafted     // as kDistinct, of a family that meets in one place under a hash without a key
+  kTenObjects,  // the same songs, each with ten objects
+  kHostile,     // the same songs with every ID zero and entries that name unknown IDs
+  kBigEndian,   // the usual songs in a big-endian file, where every group is numbered
+  kMissing,     // big-endian songs with a title and a path only
+  kDistinct,    // big-endian songs, each with an artist, album, genre and composer of its own
+  kEqual,       // big-endian songs that all share them
+  kCrafted      // as kDistinct, of a family that meets in one place under a hash without a key
 };
 
 // The file's path. A big library has one playlist of every song and ten of a tenth each.

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <dlfcn.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -63,9 +64,9 @@ size_t CopyTexts(const std::vector<unsigned char> &file, std::vector<unsigned ch
   return used;
 }
 
-void Floor(benchmark::State &state, Texts texts) {
-  FILE *file = std::fopen(bench::LibraryFile(Songs(state), texts).c_str(), "rb");
-  const auto copyTexts = texts == Texts::kBigEndian ? CopyTexts<true> : CopyTexts<false>;
+void FloorOf(benchmark::State &state, const std::string &path, bool bigEndian) {
+  FILE *file = std::fopen(path.c_str(), "rb");
+  const auto copyTexts = bigEndian ? CopyTexts<true> : CopyTexts<false>;
   std::fseek(file, 0, SEEK_END);
   std::vector<unsigned char> image(static_cast<size_t>(std::ftell(file)));
   std::vector<unsigned char> block(image.size());
@@ -83,15 +84,53 @@ void Floor(benchmark::State &state, Texts texts) {
   std::fclose(file);
 }
 
+void Floor(benchmark::State &state, Texts texts) {
+  FloorOf(state, bench::LibraryFile(Songs(state), texts), texts == Texts::kBigEndian);
+}
+
 // Load through the plug-in's registered function, in a new object each time.
-void Load(benchmark::State &state, Texts texts) {
-  const std::string path = bench::LibraryFile(Songs(state), texts);
+void LoadOf(benchmark::State &state, const std::string &path) {
   Measure(
       state, [] { return std::make_unique<bench::Instance>(); },
       [&](const std::unique_ptr<bench::Instance> &instance) {
         if (!instance->Load(path)) std::abort();
       });
 }
+
+void Load(benchmark::State &state, Texts texts) { LoadOf(state, bench::LibraryFile(Songs(state), texts)); }
+
+// What Debian's libgpod takes to read the same file, where it is installed.
+class OtherReader {
+ public:
+  OtherReader() {
+    void *library = dlopen("libgpod.so.4", RTLD_NOW);
+    if (library == nullptr) return;
+    parse_ = reinterpret_cast<Parse>(dlsym(library, "itdb_parse_file"));
+    free_ = reinterpret_cast<Free>(dlsym(library, "itdb_free"));
+  }
+  bool IsThere() const { return parse_ != nullptr && free_ != nullptr; }
+
+  void Run(benchmark::State &state, const std::string &path) const {
+    void *database = nullptr;
+    Measure(
+        state,
+        [&] {
+          if (database != nullptr) free_(database);
+          return 0;
+        },
+        [&](int) {
+          database = parse_(path.c_str(), nullptr);
+          if (database == nullptr) std::abort();
+        });
+    free_(database);
+  }
+
+ private:
+  using Parse = void *(*)(const char *, void **);
+  using Free = void (*)(void *);
+  Parse parse_ = nullptr;
+  Free free_ = nullptr;
+};
 
 // The grouping of a freshly loaded library, by itself. Its cells are set back to unnumbered each time.
 void Group(benchmark::State &state, Texts texts) {
@@ -123,6 +162,14 @@ BENCHMARK_CAPTURE(Load, usual, Texts::kUsual)
     ->Arg(100000)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Floor, ten_objects, Texts::kTenObjects)
+    ->Arg(2000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(Load, ten_objects, Texts::kTenObjects)
+    ->Arg(2000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(Floor, big_endian, Texts::kBigEndian)
     ->Arg(100000)
     ->UseManualTime()
@@ -166,3 +213,24 @@ BENCHMARK_CAPTURE(Load, million, Texts::kUsual)
     ->Iterations(2);
 
 }  // namespace
+
+// Beside the generated libraries, the real little-endian one that ZEM_BENCH_REAL names, if it does.
+int main(int argc, char **argv) {
+  const OtherReader other;
+  const auto add = [](const char *name, auto work) {
+    benchmark::RegisterBenchmark(name, work)->UseManualTime()->Unit(benchmark::kMicrosecond);
+  };
+  if (const char *real = std::getenv("ZEM_BENCH_REAL")) {
+    const std::string path = real;
+    add("Floor/real", [path](benchmark::State &state) { FloorOf(state, path, false); });
+    add("Load/real", [path](benchmark::State &state) { LoadOf(state, path); });
+    if (other.IsThere()) add("Other/real", [&, path](benchmark::State &state) { other.Run(state, path); });
+  }
+  if (other.IsThere()) {
+    add("Other/ten_objects/2000",
+        [&](benchmark::State &state) { other.Run(state, bench::LibraryFile(2000, Texts::kTenObjects)); });
+  }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  benchmark::RunSpecifiedBenchmarks();
+}

@@ -7,32 +7,12 @@
 
 #include "db/LargePages.h"
 
-namespace {
-
-// Host strings and file offsets are signed 32-bit, so no text of the system is longer.
-constexpr size_t kMaxSize = INT32_MAX;
-
-}  // namespace
-
 TextBlock *TextBlock::Make(size_t room) {
   const size_t size = sizeof(TextBlock) + room;
   return new (AllocateLarge(size)) TextBlock(size);
 }
 
 void TextBlock::Free() noexcept { FreeLarge(this, size_); }
-
-void ByteString::Append(const BlockText &text) {
-  const auto offset = static_cast<size_t>(text.bytes.data() - reinterpret_cast<const char *>(text.block));
-  if (size_ != 0 || text.bytes.empty() || text.bytes.size() > kMaxSize || offset >= kNear - kShared) {
-    Append(text.bytes);
-    return;
-  }
-  Release();
-  text.block->Use();
-  far_ = text.bytes.data();
-  size_ = static_cast<uint32_t>(text.bytes.size());
-  room_ = kShared + static_cast<uint32_t>(offset);
-}
 
 void ByteString::Append(std::string_view bytes) {
   if (bytes.empty()) return;

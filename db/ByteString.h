@@ -87,6 +87,9 @@ class ByteString {
   static constexpr uint32_t kShared = 0x80000000;
   static constexpr uint32_t kNear = UINT32_MAX;  // the greatest: the bytes stand in near_
 
+  // Host strings and file offsets are signed 32-bit, so no text of the system is longer.
+  static constexpr size_t kMaxSize = INT32_MAX;
+
   TextBlock *Block() const noexcept {
     return reinterpret_cast<TextBlock *>(const_cast<char *>(far_) - (room_ - kShared));
   }
@@ -106,6 +109,19 @@ class ByteString {
   uint32_t size_ = 0;
   uint32_t room_ = kNear;  // of the memory at far_, when that is this text's own
 };
+
+inline void ByteString::Append(const BlockText &text) {
+  const auto offset = static_cast<size_t>(text.bytes.data() - reinterpret_cast<const char *>(text.block));
+  if (size_ != 0 || text.bytes.empty() || text.bytes.size() > kMaxSize || offset >= kNear - kShared) {
+    Append(text.bytes);
+    return;
+  }
+  Release();
+  text.block->Use();
+  far_ = text.bytes.data();
+  size_ = static_cast<uint32_t>(text.bytes.size());
+  room_ = kShared + static_cast<uint32_t>(offset);
+}
 
 // Room for one text that is made on the way out: on the stack for any usual length, on the heap beyond.
 class ScratchText {

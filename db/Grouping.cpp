@@ -31,6 +31,8 @@ class Groups {
     return textsNeeded_;
   }
 
+  bool Needed() const { return needed_; }
+
   // Where song i's text will be looked for. Asked for a stretch of songs before they join, so that the waits
   // for their texts and slots overlap. The songs of an album follow each other, so most texts need no search:
   // they are those of the song before.
@@ -151,6 +153,13 @@ void CiTunesDB::SetSongsObjectIndex() {
     if (enough) break;
   }
 
+  // In a file whose songs have these texts there may be nothing to number but what a few of them lack.
+  std::array<Groups *, all.size()> some = {};
+  const size_t count =
+      static_cast<size_t>(std::copy_if(all.begin(), all.end(), some.begin(),
+                                       [](const Groups *groups) { return groups->Needed(); }) -
+                          some.begin());
+
   constexpr size_t kStretch = 64;
   std::array<std::array<uint32_t, 5>, kStretch> hashes = {};
   int32_t artist = 0;
@@ -163,10 +172,10 @@ void CiTunesDB::SetSongsObjectIndex() {
     if (i % kStretch == 0) {
       const size_t end = std::min(i + kStretch, songs.size());
       for (size_t k = i; k < end; ++k) {
-        for (size_t g = 0; g < all.size(); ++g) hashes[k - i][g] = all[g]->Hash(std::as_const(songs)[k], k);
+        for (size_t g = 0; g < count; ++g) hashes[k - i][g] = some[g]->Hash(std::as_const(songs)[k], k);
       }
     }
-    for (size_t g = 0; g < all.size(); ++g) all[g]->Join(song, i, hashes[i % kStretch][g]);
+    for (size_t g = 0; g < count; ++g) some[g]->Join(song, i, hashes[i % kStretch][g]);
     if (i + 1 == songs.size()) break;
 
     // Every count lands in the artist's cell, and composers and file types share a counter but take the

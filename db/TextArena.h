@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,14 @@
 class TextArena {
  public:
   // A copy of the bytes, which stays where it is as long as the arena lives. Throws std::bad_alloc.
-  BlockText Keep(std::string_view bytes);
+  BlockText Keep(std::string_view bytes) {
+    if (blocks_.empty() || bytes.size() > room_ - used_) AddBlock(bytes.size());
+    TextBlock *block = blocks_.back().get();
+    char *at = block->Bytes() + used_;
+    std::memcpy(at, bytes.data(), bytes.size());
+    used_ += bytes.size();
+    return {{at, bytes.size()}, block};
+  }
 
   // The same for one of many texts of a kind. Songs of one album follow each other, so the text kept last for
   // the kind is handed out again when it is the same: that costs a comparison instead of memory.
@@ -31,8 +39,11 @@ class TextArena {
 
   using BlockUse = std::unique_ptr<TextBlock, Drop>;
 
+  // Begins a block with room for that many bytes at least.
+  void AddBlock(size_t bytes);
+
   std::vector<BlockUse> blocks_;
-  size_t blockRoom_ = 0;
-  size_t used_ = 0;  // of the last block
+  size_t room_ = 0;  // of the last block
+  size_t used_ = 0;
   std::array<BlockText, 32> last_;
 };

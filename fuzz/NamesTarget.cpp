@@ -69,7 +69,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const std::vector<std::string> names = pattern.names(song);
     Require(!names.empty(), "no name");
     for (const std::string &name : names) IsSafe(name);
-    IsSafe(pattern.fileName(song, suffix, parts[7]));
+    IsSafe(pattern.fileName(song, suffix, safeExtension(parts[7])));
   } catch (const HostError &error) {
     Require(std::string_view(error.what()).starts_with("the pattern "), "a message about something else");
   }

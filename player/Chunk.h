@@ -10,7 +10,8 @@
 
 namespace player {
 
-constexpr uint64_t kCommonHeader = 16;  // bytes that every header has
+constexpr uint64_t kCommonHeader = 16;  // bytes that every header has, but for
+constexpr uint64_t kListHeader = 12;    // those of lists, which some programs write short
 
 // Where a chunk may stand: each level holds those after it.
 enum class Level { File, DataSet, List, Record, Entry, Object };

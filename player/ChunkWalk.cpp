@@ -73,7 +73,7 @@ class Walk {
   // The header at an offset, when there is a sound one.
   bool readChunk(uint64_t at, Chunk &chunk) {
     const std::string_view bytes = window_.at(at, kCommonHeader);
-    if (bytes.size() < kCommonHeader) return false;
+    if (bytes.size() < kListHeader) return false;
     std::copy_n(bytes.begin(), 4, chunk.tag.begin());
     if (at > 0 && !isTag(chunk.tagText())) return false;
     chunk.at = at;
@@ -82,7 +82,8 @@ class Walk {
     chunk.count = word(bytes, 12);
     chunk.kind = kindOf(chunk.tagText());
     chunk.level = levelOf(chunk.kind, chunk.tagText());
-    if (chunk.jump < kCommonHeader || chunk.jump > window_.size() - at) return false;
+    const uint64_t least = chunk.level == Level::List ? kListHeader : kCommonHeader;
+    if (chunk.jump < least || chunk.jump > window_.size() - at) return false;
     return chunk.level != Level::Object ||
            (chunk.length >= chunk.jump && chunk.length <= window_.size() - at);
   }

@@ -13,12 +13,14 @@
 #include "platform/carbon/Descriptor.h"
 #include "player/FileBytes.h"
 #include "player/FileWord.h"
+#include "player/ForeignFile.h"
 
 namespace player {
 
 namespace {
 
 constexpr size_t kChunkHeader = 16;
+static_assert(kForeignHead <= kChunkHeader);
 
 // How much of the body is looked at to distinguish scrambled bytes from a damaged file.
 constexpr size_t kSample = 256;
@@ -52,13 +54,17 @@ FileProbe truncated(uint64_t expected, uint64_t actual) {
                   std::to_string(actual));
 }
 
-FileProbe probeOpenFile(int file, uint64_t size) {
+FileProbe probeOpenFile(int file, uint64_t size, const std::filesystem::path &name) {
   if (size == 0) return unusable("the file is empty");
   const std::string header = readAt(file, 0, kChunkHeader);
   const std::string_view tag = std::string_view(header).substr(0, 4);
   const bool littleEndian = tag.size() == 4 && tag.substr(2) == "bd";
   const bool bigEndian = tag == "hdfm";
-  if (!littleEndian && !bigEndian) return unusable("not an iTunesDB database");
+  if (!littleEndian && !bigEndian) {
+    const std::string foreign = foreignFileText(header, name);
+    if (foreign.empty()) return unusable("not an iTunesDB database");
+    return unusable("it is " + foreign + "; name the player, or its iTunesDB");
+  }
   if (header.size() < kChunkHeader) return unusable("the file is truncated: its header is not complete");
   if (size > static_cast<uint64_t>(std::numeric_limits<int32_t>::max())) {
     return unusable("the file is too large: 2 GB and more cannot be read");
@@ -94,7 +100,7 @@ FileProbe probeFile(const std::filesystem::path &file) {
   if (S_ISDIR(status.st_mode)) return failed(EISDIR);
   if (!S_ISREG(status.st_mode)) return unusable("not a regular file");
   try {
-    return probeOpenFile(descriptor.number(), static_cast<uint64_t>(status.st_size));
+    return probeOpenFile(descriptor.number(), static_cast<uint64_t>(status.st_size), file);
   } catch (const std::system_error &error) {
     return failed(error.code().value());
   }

@@ -1,5 +1,7 @@
 #include "player/SongFacts.h"
 
+#include <cstdint>
+
 #include "player/FileWord.h"
 
 namespace player {
@@ -148,7 +150,8 @@ void readPlayback(const Header &header, SongFacts &facts) {
   if (facts.gapless.value_or(false)) {
     facts.delay = header.word(0xb8);
     facts.padding = header.word(0xc8);
-    facts.samples = header.twoWords(0xbc);
+    const auto samples = header.twoWords(0xbc);
+    if (samples && *samples <= INT64_MAX) facts.samples = samples;  // more is no number of anything
   }
   facts.gaplessAlbum = header.flag(0x102);
   facts.channels = unlessZero(header.half(0x20c));

@@ -121,6 +121,8 @@ TEST(SongFactsTest, SamplesAreKnownWhereTheyCount) {
   EXPECT_EQ(factsOf(counted).samples, 0x1000003e8U);
   EXPECT_EQ(factsOf(counted).delay, 576U);
   EXPECT_EQ(factsOf(counted).padding, 288U);
+  counted[0xc0] = 0x80000000;  // no song has so many
+  EXPECT_EQ(factsOf(counted).samples, std::nullopt);
 }
 
 TEST(SongFactsTest, VolumeMayBeLowered) {

@@ -48,7 +48,7 @@ LITTLE = {
     "protected": (0x94, "I", lambda value: value == 0x01010100), "last_skipped": (0xA0, "I", event),
     "skipped_in_shuffle": (0xA5, "B", bool), "remembers_position": (0xA6, "B", bool), "lyrics": (0xB0, "B", bool),
     "movie": (0xB1, "B", bool), "heard": (0xB2, "B", mark(1, 2)), "delay": (0xB8, "I", stored),
-    "samples": (0xBC, "Q", stored), "padding": (0xC8, "I", stored), "gapless": (0xCC, "I", bool),
+    "samples": (0xBC, "Q", lambda value: value if value < 1 << 63 else None), "padding": (0xC8, "I", stored), "gapless": (0xCC, "I", bool),
     "media_type": (0xD0, "I", stored), "season": (0xD4, "I", nonzero), "episode": (0xD8, "I", nonzero),
     "purchased": (0xDC, "I", date), "gapless_album": (0x102, "B", bool), "channels": (0x20C, "H", nonzero),
 }

@@ -7,6 +7,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# Most of the time of each source goes into the headers that its neighbours include too.
+set(CMAKE_UNITY_BUILD ${ZEM_TOGETHER})
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
 # Libraries are looked for from where a program lies, never from the folder in which it is started.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
@@ -21,12 +24,6 @@ function(zem_add_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
   add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PUBLIC zem_options ${arg_LIBS})
-endfunction()
-
-# Compiles the sources of a program in groups where ZEM_TOGETHER asks for it: most of the time of each goes into the
-# headers that all of them include. What the plug-in is made of is never compiled so.
-function(zem_compile_together name)
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ${ZEM_TOGETHER})
 endfunction()
 
 # zem_tests_need(TARGET...): what the tests of this folder run. `./test FOLDER` builds tests_FOLDER, and so these alone.
@@ -45,7 +42,6 @@ function(zem_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_compile_options(${name} PRIVATE -Og)
-  zem_compile_together(${name})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
   zem_tests_need(${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)

@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <utility>
 
+#include "host/text/UnicodeForms.h"
+
 namespace zemhost {
 namespace {
-
-constexpr char32_t kReplacement = 0xFFFD;
 
 // Code points of this machine's byte order; the C library has them built in.
 constexpr const char *kCodePoints = "WCHAR_T";
@@ -79,7 +79,7 @@ std::u32string IconvCodec::decode(std::string_view bytes, size_t &replacements) 
     const int reason = decoder_.append(bytes, raw);
     for (size_t at = 0; at < raw.size(); at += sizeof(char32_t)) text += published(readCodePoint(raw, at));
     if (reason == 0) break;
-    text += kReplacement;
+    text += unicode::kReplacement;
     ++replacements;
     bytes.remove_prefix(reason == EINVAL ? bytes.size() : 1);
   }
@@ -119,7 +119,7 @@ size_t IconvCodec::replaceForeign(std::u32string &text) {
   size_t count = 0;
   for (char32_t &c : text) {
     if (survives({&c, 1})) continue;
-    if (c != kReplacement) ++count;
+    if (c != unicode::kReplacement) ++count;
     c = U'?';
   }
   return count;

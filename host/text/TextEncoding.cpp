@@ -17,7 +17,6 @@ namespace {
 static_assert(std::is_sorted(std::begin(kEncodings), std::end(kEncodings),
                              [](const EncodingRow &a, const EncodingRow &b) { return a.code < b.code; }));
 
-constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kByteOrderMark = 0xFEFF;
 
 const EncodingRow *findRow(uint32_t code) {
@@ -61,7 +60,7 @@ size_t readAll(std::string_view bytes, Read read, Sink sink) {
   for (size_t at = 0; at < bytes.size();) {
     const char32_t c = read(bytes, at);
     if (c == unicode::kNoCharacter) ++replacements;
-    sink(c == unicode::kNoCharacter ? kReplacement : c);
+    sink(c == unicode::kNoCharacter ? unicode::kReplacement : c);
   }
   return replacements;
 }

@@ -11,6 +11,8 @@ namespace zemhost::unicode {
 
 // What the readers give for bytes that are no character.
 constexpr char32_t kNoCharacter = 0xFFFFFFFF;
+// What stands for such bytes in a text.
+constexpr char32_t kReplacement = 0xFFFD;
 
 // True for the bytes of UTF-8 that go on with a character.
 constexpr bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }

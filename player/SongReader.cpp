@@ -38,9 +38,9 @@ void appendUtf8(std::string &text, uint32_t character) {
 
 std::string utf8OfUtf16(std::string_view bytes, bool bigEndian) {
   const auto unitAt = [&](size_t at) -> uint32_t {
-    const auto first = static_cast<unsigned char>(bytes[at]);
-    const auto second = static_cast<unsigned char>(bytes[at + 1]);
-    return bigEndian ? first << 8U | second : second << 8U | first;
+    const uint32_t first = static_cast<unsigned char>(bytes[at]);
+    const uint32_t second = static_cast<unsigned char>(bytes[at + 1]);
+    return bigEndian ? first << 8 | second : second << 8 | first;
   };
   std::string text;
   for (size_t at = 0; at + 1 < bytes.size(); at += 2) {

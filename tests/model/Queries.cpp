@@ -5,7 +5,7 @@
 namespace model {
 namespace {
 
-const Cell *Object(const Song &song, int32_t object) {
+const Cell *CellOf(const Song &song, int32_t object) {
   switch (object) {
     case -100:
       return &song.trackInfo;
@@ -197,7 +197,7 @@ int32_t CountSongUnknown(const Database &database, int32_t index) {
 
 Cell SongsObjectInfo(const Database &database, int32_t index, int32_t object) {
   if (!IsSong(database, index)) return {};
-  const Cell *found = Object(database.songs[static_cast<size_t>(index)], object);
+  const Cell *found = CellOf(database.songs[static_cast<size_t>(index)], object);
   if (found == nullptr) return {};
   Cell cell = *found;
   if (object == 2 && database.libType != 0) cell.text = RemoveZeroFromAsciiUTF16(cell.text);

@@ -12,7 +12,7 @@ namespace {
 
 using samples::Variant;
 
-constexpr uint32_t k2005 = 3187296000;
+constexpr uint32_t kYear2005 = 3187296000;
 
 SongFacts factsOf(const std::map<uint32_t, uint32_t> &words, uint32_t headerLength = 0x248,
                   Variant variant = Variant::LittleEndian) {
@@ -61,9 +61,9 @@ TEST(SongFactsTest, NothingAtAllGivesNothing) {
 }
 
 TEST(SongFactsTest, DayAddedIsNotTheDayTheFileChanged) {
-  const SongFacts facts = factsOf({{0x20, k2005}, {0x68, k2005 + 86400}});
-  EXPECT_EQ(facts.modified, k2005);
-  EXPECT_EQ(facts.added, k2005 + 86400);
+  const SongFacts facts = factsOf({{0x20, kYear2005}, {0x68, kYear2005 + 86400}});
+  EXPECT_EQ(facts.modified, kYear2005);
+  EXPECT_EQ(facts.added, kYear2005 + 86400);
 }
 
 TEST(SongFactsTest, DatesBefore1980AreUnknown) {
@@ -82,8 +82,8 @@ TEST(SongFactsTest, StartOf2001InAnyZoneMeansNeverPlayed) {
 }
 
 TEST(SongFactsTest, OtherSkipCounterCountsOnlyBesideADate) {
-  EXPECT_EQ(factsOf({{0x98, 3}, {0x9c, 5}, {0xa0, k2005}}).skips, 3U);
-  EXPECT_EQ(factsOf({{0x9c, 5}, {0xa0, k2005}}).skips, 5U);
+  EXPECT_EQ(factsOf({{0x98, 3}, {0x9c, 5}, {0xa0, kYear2005}}).skips, 3U);
+  EXPECT_EQ(factsOf({{0x9c, 5}, {0xa0, kYear2005}}).skips, 5U);
   EXPECT_EQ(factsOf({{0x9c, 5}}).skips, 0U);
   EXPECT_EQ(factsOf({{0x98, 2}}, 0x9c).skips, 2U);
   EXPECT_EQ(factsOf({}, 0x98).skips, std::nullopt);
@@ -108,9 +108,9 @@ TEST(SongFactsTest, MarksSayYesNoOrNothing) {
 
 TEST(SongFactsTest, SongIsBoughtByItsDateOrItsNumber) {
   EXPECT_EQ(factsOf({}).bought, false);
-  EXPECT_EQ(factsOf({{0xdc, k2005}}).bought, true);
+  EXPECT_EQ(factsOf({{0xdc, kYear2005}}).bought, true);
   EXPECT_EQ(factsOf({{0xe0, 1}}).bought, true);
-  EXPECT_EQ(factsOf({{0xdc, k2005}}, 0xe0).bought, std::nullopt);
+  EXPECT_EQ(factsOf({{0xdc, kYear2005}}, 0xe0).bought, std::nullopt);
 }
 
 TEST(SongFactsTest, SamplesAreKnownWhereTheyCount) {
@@ -131,18 +131,18 @@ TEST(SongFactsTest, VolumeMayBeLowered) {
 
 TEST(SongFactsTest, BigEndianHeaderHasPlacesOfItsOwn) {
   const SongFacts facts = factsOf({{0x4c, 3},
-                                   {0x64, k2005},
+                                   {0x64, kYear2005},
                                    {0x6c, 60U << 24},
-                                   {0x78, k2005 + 5},
+                                   {0x78, kYear2005 + 5},
                                    {0x80, 1},
                                    {0x84, 2},
                                    {0xa4, 120U << 16},
                                    {0xd0, 9}},
                                   0xe0, Variant::BigEndian);
   EXPECT_EQ(facts.plays, 3U);
-  EXPECT_EQ(facts.lastPlayed, k2005);
+  EXPECT_EQ(facts.lastPlayed, kYear2005);
   EXPECT_EQ(facts.rating, 60);
-  EXPECT_EQ(facts.added, k2005 + 5);
+  EXPECT_EQ(facts.added, kYear2005 + 5);
   EXPECT_EQ(facts.persistentId, 0x100000002U);
   EXPECT_EQ(facts.bpm, 120);
   EXPECT_EQ(facts.mediaType, std::nullopt);

@@ -102,7 +102,6 @@ void writeText(const CheckReport &report, std::ostream &out) {
 }
 
 void writeJson(const CheckReport &report, std::ostream &out) {
-  using Json = nlohmann::ordered_json;
   const player::FileAccount &file = report.file;
   Json json = {
       {"database", report.location.file.string()},

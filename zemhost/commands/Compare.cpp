@@ -1,4 +1,3 @@
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -15,8 +14,6 @@
 namespace zemhost {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 Sameness samenessNamed(const std::string &name) {
   if (name == "artist") return Sameness::Artist;

@@ -1,4 +1,3 @@
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -14,8 +13,6 @@
 namespace zemhost {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 void writeText(const std::vector<SongGroup> &groups, const MusicLibrary &library,
                const DuplicatesArguments &arguments) {

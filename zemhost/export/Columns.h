@@ -6,16 +6,14 @@
 
 #include <cstdint>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/output/JsonText.h"
 
 namespace zemhost {
-
-using Json = nlohmann::ordered_json;
 
 enum class ColumnType {
   Integer,

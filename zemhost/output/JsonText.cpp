@@ -4,8 +4,7 @@
 
 namespace zemhost {
 
-std::string jsonText(const nlohmann::ordered_json &value, int indent) {
-  using Json = nlohmann::ordered_json;
+std::string jsonText(const Json &value, int indent) {
   return escapedJson(value.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 

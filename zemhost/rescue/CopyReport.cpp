@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
 #include <sys/stat.h>
@@ -13,13 +12,12 @@
 #include "player/FileBytes.h"
 #include "zemhost/files/OutputFile.h"
 #include "zemhost/files/PendingFile.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/rescue/FileCopy.h"
 
 namespace zemhost {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::string_view kFirstLine = "{\"format\":\"zemhost rescue report\",\"version\":1}\n";
 

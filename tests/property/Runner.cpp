@@ -146,6 +146,8 @@ class Run {
         };
       }
     }
+    // The constructor reads nothing of the block, so a database that is there would be lost.
+    if (step.name == "Constructor") host_.Destruct(objects_[step.object]);
     Answer answer = CallAny(host_, objects_[step.object], step.name, arguments);
     host_.specAnswer = 1;
     host_.pathOfItems = {};

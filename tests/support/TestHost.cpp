@@ -303,11 +303,13 @@ REALobject TestHost::New() {
   return object;
 }
 
-SUPPORT_CALLS_SLOTS void TestHost::Delete(REALobject object) {
-  {
-    const InPlugin here(*this);
-    reinterpret_cast<void (*)(REALobject)>(class_->destructor)(object);
-  }
+SUPPORT_CALLS_SLOTS void TestHost::Destruct(REALobject object) {
+  const InPlugin here(*this);
+  reinterpret_cast<void (*)(REALobject)>(class_->destructor)(object);
+}
+
+void TestHost::Delete(REALobject object) {
+  Destruct(object);
   const ObjectBlock &block = *objects_.at(object);
   const size_t dataEnd = dataOffset_ + static_cast<size_t>(class_->dataSize);
   for (size_t i = 0; i < block.size; ++i) {

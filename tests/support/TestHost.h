@@ -103,6 +103,8 @@ class TestHost {
   // A new object. Raw: its data block is zero and the constructor has not run.
   REALobject New();
   REALobject NewRaw();
+  // Runs the destructor alone, after which the object can be constructed once more.
+  void Destruct(REALobject object);
   // Runs the destructor and ends the object.
   void Delete(REALobject object);
 

@@ -19,18 +19,20 @@
 // asks for no memory.
 class SJISText {
  public:
-  SJISText() {}
+  // Left as they are, the bytes of the object cost nothing.
+  SJISText() {}  // NOLINT(modernize-use-equals-default)
   // The text that write(char *out) puts into `room` bytes; it returns how many of them count. Without memory
   // for the room the text is empty and says so.
   template <typename Write>
   SJISText(std::size_t room, Write write) {
-    char *out = near_;
     if (room > sizeof near_) {
       far_.reset(new (std::nothrow) char[room]);
-      out = far_.get();
+      if (far_ == nullptr) {
+        outOfMemory_ = true;
+        return;
+      }
     }
-    outOfMemory_ = out == nullptr;
-    if (out != nullptr) size_ = write(out);
+    size_ = write(far_ == nullptr ? near_ : far_.get());
   }
   SJISText(const SJISText &) = delete;
   SJISText &operator=(const SJISText &) = delete;

@@ -84,7 +84,7 @@ class HostCodeNotesOfAPlayer : public testing::Test {
     const auto path = folder_.write("iPod_Control/iTunes/iTunesDB", file);
     folder_.makeDirectory("iPod_Control/Music");
     zemhost::mountVolume("Pod", folder_.path());
-    const zemhost::Object library = host_.make("ZemiTunesDB");
+    zemhost::Object library = host_.make("ZemiTunesDB");
     if (!library.call("Load", {zemhost::FolderItem::fromPath(path)}).boolean())
       throw std::runtime_error("the database cannot be loaded");
     return library;

@@ -103,7 +103,7 @@ struct SongColumns::State {
   Json sortText(int32_t number) const {
     Json text = numberedText(number);
     if (!text.is_string()) return text;
-    std::string &bytes = text.get_ref<std::string &>();
+    auto &bytes = text.get_ref<std::string &>();
     while (!bytes.empty() && static_cast<unsigned char>(bytes.back()) < ' ') bytes.pop_back();
     return textOrNull(std::move(bytes));
   }

@@ -45,9 +45,10 @@ class ListenWriter final : public ExportWriter {
 
   void finish() override {
     out_->finish();
-    if (leftOut_ != 0)
+    if (leftOut_ != 0) {
       printError(countText(leftOut_, "song", "songs") +
                  " left out: without a title, an artist or the time it was played");
+    }
   }
 
  private:

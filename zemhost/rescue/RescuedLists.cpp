@@ -48,6 +48,7 @@ RescuedLists::RescuedLists(const MusicLibrary &library, RescuePlan &plan,
 void RescuedLists::write(const std::vector<int32_t> &playlists) {
   // All names first, so that a list that moves out of the way of an older one takes no other's name.
   std::vector<std::string> files;
+  files.reserve(playlists.size());
   for (const int32_t playlist : playlists) {
     files.push_back(
         plan_.playlistFile(library_.playlistName(playlist), playlist, [&](const std::string &file) {
@@ -110,9 +111,10 @@ std::string RescuedLists::textOf(int32_t playlist, const std::string &name) {
     const Song song = library_.song(index);
     text += m3uEntry({song.duration, song.artist, song.title, copy});
   }
-  if (missing > 0)
+  if (missing > 0) {
     result_.problems.push_back(playlistLabel(playlist, name) + " lacks " +
                                countText(missing, "song", "songs"));
+  }
   return text;
 }
 

@@ -39,9 +39,11 @@ void trimEnd(std::string &text) {
 // Takes away what would show a name in another order or on more than one line than it has, and the mark of
 // byte order, which shows as nothing.
 void removeMarks(std::string &text) {
+  // NOLINTBEGIN(misc-misleading-bidirectional): they stand as escapes
   constexpr std::array<std::string_view, 15> kMarks = {"\u061C", "\u200E", "\u200F", "\u2028", "\u2029",
                                                        "\u202A", "\u202B", "\u202C", "\u202D", "\u202E",
                                                        "\u2066", "\u2067", "\u2068", "\u2069", "\uFEFF"};
+  // NOLINTEND(misc-misleading-bidirectional)
   std::string kept;
   for (size_t at = 0; at < text.size();) {
     const auto *const mark = std::find_if(kMarks.begin(), kMarks.end(), [&](std::string_view one) {

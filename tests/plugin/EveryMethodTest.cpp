@@ -1,268 +1,141 @@
+#include <algorithm>
+#include <climits>
+#include <functional>
 #include <set>
 
 #include "tests/plugin/Declarations.h"
-#include "tests/plugin/Model.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/plugin/VariedLibrary.h"
+#include "tests/support/ModelAnswer.h"
 
 namespace plugin_test {
 namespace {
 
-using samples::Track;
+using Numbers = std::array<int32_t, 3>;
 
-constexpr Family kFamilies[] = {Family::Library, Family::Playlist, Family::Refer};
-
-struct ObjectName {
-  const char *name;
-  int32_t number;
-};
-constexpr ObjectName kTexts[] = {
-    {"TrackTotalInfo", -100}, {"Title", 1},   {"Path", 2}, {"Album", 3}, {"Artist", 4}, {"Genre", 5},
-    {"Composer", 12},         {"FileType", 6}};
-
-struct FieldName {
-  const char *name;
-  uint32_t Track::*field;
-};
-constexpr FieldName kFields[] = {{"NumOfTrack", &Track::number}, {"TotalTrack", &Track::total},
-                                 {"Duration", &Track::duration}, {"FileSize", &Track::filesize},
-                                 {"Year", &Track::year},         {"MediaType", &Track::mediaType}};
-constexpr FieldName kRates[] = {{"Bitrate", &Track::bitrate}, {"Samplerate", &Track::samplerate}};
-
-// Asks every method with arguments in and out of range, and holds the answers against a model.
+// Asks every method with arguments in and out of range, and holds the answers against the model's.
 class EveryMethod : public PluginTestOfEachVariant {
  protected:
-  // The text of a declaration by what it gets, its family, what follows the family's arguments, and its
-  // result.
-  static std::string Declared(const std::string &name, Family family, const std::string &more,
-                              const std::string &result) {
-    const char *arguments = family == Family::Library    ? "(index As Integer"
-                            : family == Family::Playlist ? "(playlist As Integer, index As Integer"
-                                                         : "(trackID As Integer";
-    return (family == Family::Refer ? "GetRefer" : "Get") + name + arguments + more + ") As " + result;
+  // An object of the plug-in and one of the model, with the same file loaded.
+  struct Pair {
+    REALobject plugin = nullptr;
+    std::unique_ptr<model::Object> model{};
+  };
+
+  Pair LoadedInBoth(const std::string &file) {
+    Pair pair{Loaded(file), std::make_unique<model::Object>(process_, modelHost_)};
+    pair.model->Construct();
+    EXPECT_TRUE(pair.model->LoadFile(model::HostFile{
+        .specificationName = "iTunesDB", .path = "iPod:iPod_Control:iTunes:iTunesDB", .bytes = file}));
+    return pair;
   }
 
-  template <typename Result>
-  Result Ask(const std::string &declaration, const Pick &pick) {
-    if (pick.family == Family::Playlist) {
-      return Host().Call<Result>(object_, declaration, pick.playlist, pick.index);
+  void SetZerobasePlayerlist(const Pair &pair, int32_t value) {
+    Host().Set<int32_t>(pair.plugin, "ZerobasePlayerlist", value);
+    pair.model->SetZerobasePlayerlist(value);
+  }
+
+  // The names of the arguments, as the declaration has them.
+  static std::vector<std::string_view> ArgumentsOf(std::string_view declaration) {
+    std::vector<std::string_view> names;
+    for (size_t at = declaration.find_first_of("(,"); at != std::string_view::npos;
+         at = declaration.find(',', at + 1)) {
+      const size_t name = declaration.find_first_not_of("(, ", at);
+      names.push_back(declaration.substr(name, declaration.find(' ', name) - name));
     }
-    return Host().Call<Result>(object_, declaration, pick.index);
-  }
-  HostText AskText(const std::string &declaration, const Pick &pick) {
-    return Host().Take(Ask<REALstring>(declaration, pick));
-  }
-  int32_t AskPlaylist(const char *declaration, int32_t playlist) {
-    return Host().Call<int32_t>(object_, declaration, playlist);
+    return names;
   }
 
-  static std::string Where(const std::string &declaration, const Pick &pick) {
-    return declaration + " of " + std::to_string(pick.playlist) + ", " + std::to_string(pick.index);
+  // The numbers around both ends of 0 to `count` - 1, and the far ones.
+  static std::vector<int32_t> Edges(size_t count) {
+    std::vector<int32_t> numbers{INT_MAX, INT_MAX - 1, INT_MIN, INT_MIN + 1};
+    for (int32_t i = -2; i <= static_cast<int32_t>(count) + 1; ++i) numbers.push_back(i);
+    return numbers;
   }
 
-  void ExpectTexts(const Model &model) {
-    for (const Family family : kFamilies) {
-      for (const ObjectName &text : kTexts) {
-        const std::string declaration = Declared(text.name, family, "", "String");
-        const std::string code = Declared(std::string(text.name) + "Encode", family, "", "Integer");
-        for (const Pick &pick : model.Picks(family)) {
-          ASSERT_EQ(AskText(declaration, pick), model.TextOf(pick, text.number)) << Where(declaration, pick);
-          if (text.number == -100) continue;
-          ASSERT_EQ(Ask<int32_t>(code, pick), model.CodeOf(pick, text.number)) << Where(code, pick);
+  // The values for an argument of this name that is a number.
+  static std::vector<int32_t> ValuesOf(std::string_view name, bool inPlaylist, const model::Database &held) {
+    if (name == "playlist") return Edges(held.plays.size());
+    if (name == "index" || name == "Index" || name == "IndexA" || name == "IndexB") {
+      size_t longest = 0;
+      for (const model::Playlist &list : held.plays) longest = std::max(longest, list.entries.size());
+      return Edges(inPlaylist ? longest : held.songs.size());
+    }
+    if (name == "trackID") {
+      std::vector<int32_t> ids = Edges(held.songs.size());
+      for (const model::Song &song : held.songs) ids.push_back(song.id);
+      ids.push_back(777);
+      return ids;
+    }
+    if (name == "num") {
+      std::vector<int32_t> numbers{-100, -7, 50, 100, INT_MAX};
+      for (int32_t i = -4; i <= 15; ++i) numbers.push_back(i);
+      return numbers;
+    }
+    return {0, 1, 2, -1, INT_MIN};
+  }
+
+  // Calls `ask` with every combination of values for the numbers that the method takes.
+  static void ForEachArguments(std::string_view declaration, const model::Database &held,
+                               const std::function<void(const Numbers &)> &ask) {
+    const std::string shape = support::ShapeOf(declaration);
+    const std::vector<std::string_view> names = ArgumentsOf(declaration);
+    std::vector<Numbers> all{{}};
+    for (size_t i = 0; shape[i] == 'i'; ++i) {
+      std::vector<Numbers> longer;
+      for (const int32_t value : ValuesOf(names.at(i), names[0] == "playlist", held)) {
+        for (Numbers numbers : all) {
+          numbers.at(i) = value;
+          longer.push_back(numbers);
         }
       }
+      all = std::move(longer);
     }
+    for (const Numbers &numbers : all) ask(numbers);
   }
 
-  void ExpectUnknowns(const Model &model) {
-    for (const Family family : kFamilies) {
-      const std::string declaration = Declared("Unknown", family, ", num As Integer", "String");
-      for (const Pick &pick : model.Picks(family)) {
-        for (const int32_t num : {-100, -7, -1, 0, 1, 2, 6, 7, 8, 9, 12, 13, 15, 50, 100, INT32_MAX}) {
-          const auto string =
-              family == Family::Playlist
-                  ? Host().Call<REALstring>(object_, declaration, pick.playlist, pick.index, num)
-                  : Host().Call<REALstring>(object_, declaration, pick.index, num);
-          ASSERT_EQ(Host().Take(string), model.Unknown(pick, num)) << Where(declaration, pick) << ", " << num;
-        }
-      }
-    }
-  }
-
-  void ExpectFields(const Model &model) {
-    for (const Family family : kFamilies) {
-      for (const Pick &pick : model.Picks(family)) {
-        for (const FieldName &field : kFields) {
-          const std::string declaration = Declared(field.name, family, "", "Integer");
-          ASSERT_EQ(Ask<int32_t>(declaration, pick), model.Field(pick, field.field))
-              << Where(declaration, pick);
-        }
-        for (const FieldName &rate : kRates) {
-          const std::string declaration = Declared(rate.name, family, "", "Integer");
-          ASSERT_EQ(Ask<int32_t>(declaration, pick), model.Rate(pick, rate.field))
-              << Where(declaration, pick);
-        }
-        const std::string date =
-            Declared(family == Family::Refer ? "DateAdded" : "DataAdded", family, "", "Integer");
-        ASSERT_EQ(Ask<int32_t>(date, pick), model.DateAdded(pick)) << Where(date, pick);
-        const std::string compilation = Declared("Compilation", family, "", "Boolean");
-        ASSERT_EQ(Ask<int32_t>(compilation, pick), model.Compilation(pick)) << Where(compilation, pick);
-        const std::string movie = Declared("MovieFileFlag", family, "", "Boolean");
-        ASSERT_EQ(Ask<int32_t>(movie, pick), model.MovieFileFlag(pick)) << Where(movie, pick);
-      }
-    }
-    for (const int32_t index : model.Indexes()) {
-      ASSERT_EQ(Host().Call<int32_t>(object_, "GetID(index As Integer) As Integer", index), model.ID(index));
-      ASSERT_EQ(Host().Call<int32_t>(object_, "CountSongUnknown(index As Integer) As Integer", index),
-                model.UnknownCount(index));
-      for (int32_t num = -4; num <= 12; ++num) {
-        ASSERT_EQ(
-            Host().Call<int32_t>(object_, "GetProp(index As Integer, num As Integer) As Integer", index, num),
-            model.Prop(index, num))
-            << index << ", " << num;
-      }
-    }
-  }
-
-  void ExpectPlaylists(const Model &model) {
-    ASSERT_EQ(Host().Call<int32_t>(object_, "CountSongs As Integer"), model.Songs());
-    ASSERT_EQ(Host().Call<int32_t>(object_, "CountPlayLists As Integer"), model.Playlists() - model.zeroBase);
-    for (const int32_t p : model.PlaylistNumbers()) {
-      ASSERT_EQ(AskPlaylist("CountSongsInPlayList(playlist As Integer) As Integer", p), model.EntriesOf(p))
-          << p;
-      ASSERT_EQ(AskPlaylist("GetPlayListEncode(playlist As Integer) As Integer", p), model.PlaylistCode(p))
-          << p;
-      ASSERT_EQ(AskPlaylist("GetPlayListTypeI(playlist As Integer) As Integer", p), model.TypeI(p)) << p;
-      ASSERT_EQ(AskPlaylist("GetPlayListTypeII(playlist As Integer) As Integer", p), model.TypeII(p)) << p;
-      for (const int32_t type : {0, 1, 2, -1, INT32_MIN}) {
-        ASSERT_EQ(
-            Host().Call<int32_t>(
-                object_, "GetPlayListType(playlist As Integer, reqType As Integer) As Integer", p, type),
-            type == 0 ? model.TypeI(p) : model.TypeII(p))
-            << p << ", " << type;
-      }
-      ASSERT_EQ(Host().CallText(object_, "GetPlayListName(playlist As Integer) As String", p),
-                model.PlaylistName(p))
-          << p;
-    }
-    for (const int32_t id : model.TrackIDs()) {
-      ASSERT_EQ(Host().Call<int32_t>(object_, "GetIndex(trackID As Integer) As Integer", id),
-                model.LibraryIndex({Family::Refer, id, 0}));
-    }
-    for (const Pick &pick : model.Picks(Family::Playlist)) {
-      ASSERT_EQ(Ask<int32_t>("GetIndex(playlist As Integer, Index As Integer) As Integer", pick),
-                model.LibraryIndex(pick));
-      ASSERT_EQ(Ask<int32_t>("GetRefNum(playlist As Integer, Index As Integer) As Integer", pick),
-                model.RefNum(pick.playlist, pick.index));
-      ASSERT_EQ(Ask<int32_t>("GetPlaySong(playlist As Integer, index As Integer) As Boolean", pick),
-                model.Plays(pick.playlist, pick.index));
-      ASSERT_EQ(Ask<int32_t>("GetFlags(playlist As Integer, index As Integer) As Integer", pick), 0);
-    }
-  }
-
-  void ExpectComparisons(const Model &model) {
-    constexpr ObjectName kCompared[] = {{"Artist", 4}, {"Album", 3}, {"Genre", 5}, {"Composer", 12}};
-    for (const ObjectName &object : kCompared) {
-      const std::string library =
-          "Compare" + std::string(object.name) + "(IndexA As Integer, IndexB As Integer) As Boolean";
-      for (const int32_t a : model.Indexes()) {
-        for (const int32_t b : model.Indexes()) {
-          ASSERT_EQ(Host().Call<int32_t>(object_, library, a, b), model.Same(object.number, -1, a, b))
-              << library << a << ", " << b;
-        }
-      }
-      const std::string inPlaylist = "ComparePlaylist" + std::string(object.name) +
-                                     "(playlist As Integer, IndexA As Integer, IndexB As Integer) As Boolean";
-      for (const int32_t p : model.PlaylistNumbers()) {
-        for (const int32_t a : model.Positions()) {
-          for (const int32_t b : model.Positions()) {
-            ASSERT_EQ(Host().Call<int32_t>(object_, inPlaylist, p, a, b), model.Same(object.number, p, a, b))
-                << inPlaylist << p << ", " << a << ", " << b;
-          }
-        }
-      }
-    }
-  }
-
-  // The item that the file manager makes of a path, as the host would show it; null for none.
-  static HostText PathOfItemAt(const HostText &path) {
-    if (path.isNull || path.bytes.size() > 255) return kNullString;
-    const std::string pascal = std::string(1, static_cast<char>(path.bytes.size())) + path.bytes;
-    FSSpec spec{};
-    const OSErr result = FSMakeFSSpec(0, 0, reinterpret_cast<const unsigned char *>(pascal.data()), &spec);
-    std::array<char, 1024> full{};
-    if ((result != noErr && result != fnfErr) ||
-        CarbonPathFromSpec(&spec, full.data(), full.size()) != noErr) {
-      return kNullString;
-    }
-    return Text(full.data());
-  }
-
-  void ExpectPaths(const Model &model) {
-    for (const Family family : kFamilies) {
-      const std::string joined = Declared("AbsolutePath", family, "", "String");
-      const std::string item = Declared("FolderItem", family, "", "FolderItem");
-      const std::string ofItem = Declared("AbsolutePath2", family, "", "String");
-      for (const Pick &pick : model.Picks(family)) {
-        const HostText path = model.AbsolutePath(pick);
-        ASSERT_EQ(AskText(joined, pick), path) << Where(joined, pick);
-        const HostText itemsPath = PathOfItemAt(path);
-        ASSERT_EQ(AskText(ofItem, pick), itemsPath) << Where(ofItem, pick);
-        const auto made = Ask<REALfolderItem>(item, pick);
-        ASSERT_EQ(made == nullptr, itemsPath.isNull) << Where(item, pick);
-        if (made == nullptr) continue;
-        const FSSpec spec = Host().SpecOf(made);
-        std::array<char, 1024> full{};
-        ASSERT_EQ(CarbonPathFromSpec(&spec, full.data(), full.size()), noErr);
-        ASSERT_EQ(Text(full.data()), itemsPath) << Where(item, pick);
-        Host().Release(made);
-      }
-    }
-    for (const char *bytes : {"", "x", ":iPod_Control:Music:F00:A.mp3"}) {
-      const REALstring path = Host().MakeString(bytes);
-      ASSERT_EQ(Host().CallText(object_, "GetAbsolutePath(path As String) As String", path),
-                model.WithVolume(Text(bytes)));
-      Host().Release(path);
-    }
-  }
-
-  // The setters, all out of range or of what stands there already, so that the model holds on.
-  void ExpectSettersOutOfRangeToDoNothing(const Model &model) {
+  // Setters do nothing out of range: the model is not asked, and answers as before.
+  void SetOutOfRange(const Pair &pair, std::string_view declaration) {
     const REALstring text = Host().MakeString("changed");
-    for (const int32_t index : {-1, model.Songs(), INT32_MAX, INT32_MIN}) {
-      for (const char *setter :
-           {"SetTitle(index As Integer, name As String)", "SetAlbum(index As Integer, alb As String)",
-            "SetArtist(index As Integer, art As String)", "SetGenre(index As Integer, gnr As String)",
-            "SetComposer(index As Integer, cmp As String)"}) {
-        Host().Call<void>(object_, setter, index, text);
-      }
-      for (const char *setter :
-           {"SetNumOfTrack(index As Integer, trkNum As Integer)",
-            "SetTotalTrack(index As Integer, trkToral As Integer)",
-            "SetFileSize(index As Integer, filesize As Integer)",
-            "SetYear(index As Integer, year As Integer)", "SetMediaType(index As Integer, flag As Integer)",
-            "SetCompilation(index As Integer, b As Boolean)"}) {
-        Host().Call<void>(object_, setter, index, 1);
-      }
-    }
-    for (const Pick &pick : model.Picks(Family::Playlist)) {
-      if (pick.index >= 0 && pick.index < model.EntriesOf(pick.playlist)) continue;
-      Host().Call<void>(object_, "SetPlaySong(playlist As Integer, index As Integer, play As Boolean)",
-                        pick.playlist, pick.index, 0);
-      Host().Call<void>(object_, "SetFlags(playlist As Integer, index As Integer, flags As Integer)",
-                        pick.playlist, pick.index, -1);
-    }
+    const bool inPlaylist = ArgumentsOf(declaration)[0] == "playlist";
+    ForEachArguments(declaration, *pair.model->Contents(), [&](const Numbers &numbers) {
+      const int32_t index = numbers.at(inPlaylist ? 1 : 0);
+      const int32_t count =
+          inPlaylist ? pair.model->CountSongsInPlayList(numbers[0]) : pair.model->CountSongs();
+      if (index >= 0 && index < count) return;
+      (void)CallAny(Host(), pair.plugin, declaration, {.numbers = numbers, .text = text});
+    });
     Host().Release(text);
   }
 
-  void ExpectEverything(const Model &model) {
-    ExpectSettersOutOfRangeToDoNothing(model);
-    ExpectTexts(model);
-    ExpectUnknowns(model);
-    ExpectFields(model);
-    ExpectPlaylists(model);
-    ExpectComparisons(model);
-    ExpectPaths(model);
-    EXPECT_EQ(Host().Get<int32_t>(object_, "Error"), 0);
+  void ExpectTheModelsAnswers(const Pair &pair, std::string_view declaration) {
+    std::vector<std::string> texts{":iPod_Control:Music:F00:A.mp3"};
+    if (support::ShapeOf(declaration).starts_with('s')) texts.insert(texts.end(), {"", "x"});
+    for (const std::string &bytes : texts) {
+      const REALstring text = Host().MakeString(bytes);
+      ForEachArguments(declaration, *pair.model->Contents(), [&](const Numbers &numbers) {
+        EXPECT_EQ(CallAny(Host(), pair.plugin, declaration, {.numbers = numbers, .text = text}),
+                  support::AskModel(*pair.model, declaration,
+                                    {.numbers = numbers, .text = model::HostText{bytes, kUtf8}}))
+            << declaration << " of " << numbers[0] << ", " << numbers[1] << ", " << numbers[2];
+      });
+      Host().Release(text);
+    }
+  }
+
+  void ExpectEverything(const Pair &pair) {
+    const auto returnsNothing = [](std::string_view declaration) {
+      return support::ShapeOf(declaration).ends_with('v');
+    };
+    for (const std::string_view declaration : kDeclarations) {
+      if (declaration != "Constructor" && returnsNothing(declaration)) SetOutOfRange(pair, declaration);
+    }
+    for (const std::string_view declaration : kDeclarations) {
+      if (declaration.starts_with("Load(") || returnsNothing(declaration)) continue;
+      ExpectTheModelsAnswers(pair, declaration);
+      ASSERT_FALSE(HasFailure());
+    }
+    EXPECT_EQ(Host().Get<int32_t>(pair.plugin, "Error"), pair.model->Error());
   }
 
   void ExpectEveryDeclarationWasCalled() {
@@ -270,55 +143,53 @@ class EveryMethod : public PluginTestOfEachVariant {
     EXPECT_EQ(Host().Called(), all);
   }
 
-  REALobject object_ = nullptr;
+ private:
+  support::ModelHost modelHost_;
+  model::Process process_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Plugin, EveryMethod, BothVariants(), VariantName);
 
 TEST_P(EveryMethod, AnswersForTheSongsAndPlaylistsOfTheFile) {
-  Model model = Model::Varied(GetParam());
   (void)folder_.write("iPod_Control/Music/F00/A.mp3");
-  object_ = Loaded(model.File());
+  const Pair pair = LoadedInBoth(VariedLibrary(GetParam()));
+  ASSERT_EQ(pair.model->CountSongs(), kVariedSongs);
+  ASSERT_EQ(pair.model->CountPlayLists(), kVariedPlaylists);
   for (const int32_t zeroBase : {0, 1}) {
-    model.zeroBase = zeroBase;
-    Host().Set<int32_t>(object_, "ZerobasePlayerlist", zeroBase);
-    ExpectEverything(model);
+    SetZerobasePlayerlist(pair, zeroBase);
+    ExpectEverything(pair);
   }
   ExpectEveryDeclarationWasCalled();
 }
 
 TEST_P(EveryMethod, AnswersInTheEncodingAskedFor) {
-  Model model = Model::Varied(GetParam());
-  object_ = Loaded(model.File());
+  const Pair pair = LoadedInBoth(VariedLibrary(GetParam()));
   for (const uint32_t encoding : {kUtf16, kAscii, 0U, 0x12345U, 0xffffffffU}) {
-    model.resultEncode = encoding;
-    Host().Set<int32_t>(object_, "ResultEncode", static_cast<int32_t>(encoding));
-    ExpectTexts(model);
-    ExpectUnknowns(model);
-    ExpectPlaylists(model);
-    ExpectPaths(model);
+    Host().Set<int32_t>(pair.plugin, "ResultEncode", static_cast<int32_t>(encoding));
+    pair.model->SetResultEncode(static_cast<int32_t>(encoding));
+    for (const std::string_view declaration : kDeclarations) {
+      const char result = support::ShapeOf(declaration).back();
+      const bool isCode = declaration.find("Encode") != std::string_view::npos;
+      if (isCode || result == 's' || result == 'f') ExpectTheModelsAnswers(pair, declaration);
+    }
   }
 }
 
 TEST_P(EveryMethod, AnswersForALibraryOfNoSongs) {
-  Model model = Model::Empty(GetParam());
-  object_ = Loaded(model.File());
+  const Pair pair = LoadedInBoth(Bytes({}));
   for (const int32_t zeroBase : {0, 1}) {
-    model.zeroBase = zeroBase;
-    Host().Set<int32_t>(object_, "ZerobasePlayerlist", zeroBase);
-    ExpectEverything(model);
+    SetZerobasePlayerlist(pair, zeroBase);
+    ExpectEverything(pair);
   }
   ExpectEveryDeclarationWasCalled();
 }
 
 TEST_P(EveryMethod, AnswersForAnotherFileInAnotherObject) {
-  object_ = Loaded(Model::Varied(GetParam()).File());
-  const REALobject first = object_;
-  const Model other(GetParam(), {{.id = 9, .objects = {samples::TextObject(4, u"X")}}}, {{.name = u"One"}});
-  object_ = Loaded(other.File());
+  const Pair first = LoadedInBoth(VariedLibrary(GetParam()));
+  const Pair other =
+      LoadedInBoth(Bytes({{.id = 9, .objects = {samples::TextObject(4, u"X")}}}, {{.name = u"One"}}));
   ExpectEverything(other);
-  object_ = first;
-  ExpectEverything(Model::Varied(GetParam()));
+  ExpectEverything(first);
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "tests/plugin/Declarations.h"
-#include "tests/plugin/Model.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/plugin/VariedLibrary.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/AnyCall.h"
 
@@ -57,7 +57,7 @@ TEST_P(OutOfMemory, ConstructorSetsErrorMinus108AndTheObjectAnswersForAMissingDa
   EXPECT_EQ(Host().Get<int32_t>(object, "Error"), -108);
   EXPECT_EQ(Host().Get<int32_t>(object, "LibType"), -1);
   EXPECT_EQ(Host().Get<int32_t>(object, "ResultEncode"), static_cast<int32_t>(kUtf8));
-  Write(Model::Varied(GetParam()).File());
+  Write(VariedLibrary(GetParam()));
   EXPECT_EQ(Load(object, Item(DatabasePath())), 0);
   for (const std::string_view declaration : kDeclarations) {
     if (declaration == "Constructor" || declaration == kLoad) continue;
@@ -67,11 +67,11 @@ TEST_P(OutOfMemory, ConstructorSetsErrorMinus108AndTheObjectAnswersForAMissingDa
 }
 
 TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) {
-  const Model model = Model::Varied(GetParam());
-  Write(model.File());
+  const std::string file = VariedLibrary(GetParam());
+  Write(file);
   const REALfolderItem item = Item(DatabasePath());
   // What the file manager learns of directories it keeps for good.
-  Host().Delete(Loaded(model.File()));
+  Host().Delete(Loaded(file));
   const long kept = Kept();
   long allocations = 0;
   bool ranOutInTheLoader = false;
@@ -83,7 +83,7 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
     if (answer.number == 1) {
       EXPECT_EQ(error, 0);
       EXPECT_FALSE(AllocationFailed());
-      EXPECT_EQ(Host().Call<int32_t>(object, "CountSongs As Integer"), model.Songs());
+      EXPECT_EQ(Host().Call<int32_t>(object, "CountSongs As Integer"), kVariedSongs);
       ReleaseStringsFrom(strings);
       Host().Delete(object);
       EXPECT_EQ(Kept(), kept);
@@ -92,7 +92,7 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
     ASSERT_TRUE(AllocationFailed()) << allocations;
     ASSERT_TRUE(error == 1 || error == -50) << "-50 while there is no memory to open the file";
     ranOutInTheLoader = ranOutInTheLoader || error == 1;
-    ASSERT_LE(Host().Call<int32_t>(object, "CountSongs As Integer"), model.Songs());
+    ASSERT_LE(Host().Call<int32_t>(object, "CountSongs As Integer"), kVariedSongs);
     for (const std::string_view declaration : kDeclarations) {
       if (declaration == "Constructor" || declaration == kLoad) continue;
       (void)CallAny(Host(), object, declaration, {.numbers = {0, 0, 0}});
@@ -107,7 +107,7 @@ TEST_P(OutOfMemory, LoadThatRunsOutAnswersFalseWithError1AndLeavesAValidObject) 
 
 TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValueAndKeepsNothing) {
   (void)folder_.write("iPod_Control/Music/F00/A.mp3");
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   const REALstring text = Host().MakeString(std::string(2000, 't'));
   for (const std::string_view declaration : kDeclarations) {
     if (declaration == "Constructor" || declaration == kLoad) continue;
@@ -129,7 +129,7 @@ TEST_P(OutOfMemory, EveryMethodAnswersItsValueOrNoValueAndKeepsNothing) {
 }
 
 TEST_P(OutOfMemory, EveryPropertyAnswersAndIsSet) {
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   const HostText volume = Host().GetText(object, "VolumeName");
   support::GrantAllocations(0);
   for (const char *property : {"UseSJIS", "ResultEncode", "ZerobasePlayerlist"}) {

@@ -1,6 +1,6 @@
 #include "tests/plugin/Declarations.h"
-#include "tests/plugin/Model.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/plugin/VariedLibrary.h"
 #include "tests/support/AnyCall.h"
 
 namespace plugin_test {
@@ -43,12 +43,12 @@ INSTANTIATE_TEST_SUITE_P(Plugin, References, BothVariants(), VariantName);
 
 TEST_P(References, NoMethodLeaksOrReleasesTwice) {
   (void)folder_.write("iPod_Control/Music/F00/A.mp3");
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   CallEveryMethod(object);
 }
 
 TEST_P(References, NoMethodLeaksWhateverEncodingIsAskedFor) {
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   for (const uint32_t encoding : {kUtf16, kAscii, kShiftJIS, 0U}) {
     for (const int32_t useSJIS : {0, 1}) {
       Host().Set<int32_t>(object, "ResultEncode", static_cast<int32_t>(encoding));
@@ -59,7 +59,7 @@ TEST_P(References, NoMethodLeaksWhateverEncodingIsAskedFor) {
 }
 
 TEST_P(References, NoMethodLeaksWhenTheHostFails) {
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   Host().convertFails = true;
   CallEveryMethod(object);
   Host().buildFails = true;
@@ -75,7 +75,7 @@ TEST_P(References, NoMethodLeaksBeforeLoad) { CallEveryMethod(Host().New()); }
 
 TEST_P(References, ResultCarriesOneReference) {
   (void)folder_.write("iPod_Control/Music/F00/A.mp3");
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   for (const char *declaration :
        {"GetTitle(index As Integer) As String", "GetPath(index As Integer) As String",
         "GetTrackTotalInfo(index As Integer) As String", "GetAbsolutePath(index As Integer) As String",
@@ -88,7 +88,7 @@ TEST_P(References, ResultCarriesOneReference) {
 }
 
 TEST_P(References, GetAbsolutePathOfAPathIsANewString) {
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   const REALstring path = Host().MakeString(":a");
   const auto joined = Host().Call<REALstring>(object, "GetAbsolutePath(path As String) As String", path);
   EXPECT_NE(joined, path);
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(Plugin, ReferencesWithoutRelease, BothVariants(), Varia
 
 TEST_P(ReferencesWithoutRelease, EveryMethodAnswersTheSame) {
   (void)folder_.write("iPod_Control/Music/F00/A.mp3");
-  const REALobject object = Loaded(Model::Varied(GetParam()).File());
+  const REALobject object = Loaded(VariedLibrary(GetParam()));
   const REALstring text = Host().MakeString(":iPod_Control:Music:F00:A.mp3");
   const auto answers = [&] {
     std::vector<Answer> all;

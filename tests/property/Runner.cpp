@@ -5,71 +5,16 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "platform/carbon/CarbonFiles.h"
-#include "tests/model/Methods.h"
 #include "tests/platform/MountedVolume.h"
 #include "tests/property/Volumes.h"
+#include "tests/support/ModelAnswer.h"
 
 namespace property {
 namespace {
 
 using support::Answer;
 using support::Conversion;
-using support::HostText;
 using support::TestHost;
-
-HostText TextOf(const std::optional<model::HostText> &text) {
-  return text ? support::Text(text->bytes, text->encoding) : HostText{};
-}
-
-// The host as the model sees it: the same services, with their calls noted.
-class ModelHost : public model::Host {
- public:
-  std::optional<model::HostText> Build(const std::string &bytes) override {
-    if (buildFails) return std::nullopt;
-    return model::HostText{bytes, support::kUntagged};
-  }
-  std::optional<model::HostText> Convert(const model::HostText &text, uint32_t encoding) override {
-    conversions.push_back({text.bytes, text.encoding, encoding});
-    if (convertFails) return std::nullopt;
-    return model::HostText{support::Convert(text.bytes, text.encoding, encoding), encoding};
-  }
-  uint32_t EncodingOfNoString() override { return 0; }
-  std::optional<std::string> ItemOfPath(const std::string &path) override {
-    FSSpec spec{};
-    const OSErr result = makeSpec(path, spec);
-    if (result != noErr && result != fnfErr) return std::nullopt;
-    return support::PathOf(spec);
-  }
-  std::optional<model::HostText> PathOfItemOfPath(const std::string &path) override {
-    FSSpec spec{};
-    makeSpec(path, spec);
-    std::array<char, 4096> full{};
-    if (CarbonPathFromSpec(&spec, full.data(), full.size()) != noErr) return std::nullopt;
-    return model::HostText{full.data(), support::kUtf8};
-  }
-
-  bool buildFails = false;
-  bool convertFails = false;
-  std::vector<Conversion> conversions;
-};
-
-const model::Method &MethodNamed(const std::string &declaration) {
-  for (const model::Method &method : model::Methods())
-    if (method.declaration == declaration) return method;
-  throw std::logic_error("the model has no method " + declaration);
-}
-
-Answer AnswerOf(const model::Result &result) {
-  Answer answer;
-  if (const auto *number = std::get_if<int32_t>(&result)) answer.number = *number;
-  if (const auto *text = std::get_if<std::optional<model::HostText>>(&result)) answer.text = TextOf(*text);
-  if (const auto *item = std::get_if<model::FolderItem>(&result)) {
-    answer.isItem = item->description.has_value();
-    answer.itemPath = item->description.value_or("");
-  }
-  return answer;
-}
 
 class Run {
  public:
@@ -167,20 +112,12 @@ class Run {
   }
 
   Answer AskModel(const Step &step) {
-    std::vector<model::Argument> arguments;
-    const std::string shape = support::ShapeOf(step.name);
-    size_t number = 0;
-    for (size_t i = 0; shape[i] != '>'; ++i) {
-      if (shape[i] == 'i') arguments.emplace_back(step.numbers.at(number++));
-      if (shape[i] == 's') arguments.emplace_back(step.text);
-      if (shape[i] != 'f') continue;
-      arguments.emplace_back(step.file ? std::optional(FileForModel(*step.file)) : std::nullopt);
-    }
+    support::ModelArguments arguments{.numbers = step.numbers, .text = step.text};
+    if (step.file) arguments.file = FileForModel(*step.file);
     model::Object &object = *models_[step.object];
-    Answer answer = AnswerOf(MethodNamed(step.name).call({object, arguments}));
-    if (step.file && answer.number == 1 && object.LibType() != 0) {
-      const std::optional<std::string> path = FileForModel(*step.file).path;
-      if (path) pathsLeft_.push_back(*path);
+    const Answer answer = support::AskModel(object, step.name, arguments);
+    if (arguments.file && arguments.file->path && answer.number == 1 && object.LibType() != 0) {
+      pathsLeft_.push_back(*arguments.file->path);
     }
     return answer;
   }
@@ -214,7 +151,7 @@ class Run {
     if (step.name == "UseSJIS") answer.number = object.UseSJIS();
     if (step.name == "ResultEncode") answer.number = object.ResultEncode();
     if (step.name == "ZerobasePlayerlist") answer.number = object.ZerobasePlayerlist();
-    if (step.name == "VolumeName") answer.text = TextOf(object.VolumeName());
+    if (step.name == "VolumeName") answer.text = support::TextOf(object.VolumeName());
     return answer;
   }
 
@@ -236,7 +173,7 @@ class Run {
   const Case &case_;
   const Distortion &distort_;
   TestHost host_;
-  ModelHost modelHost_;
+  support::ModelHost modelHost_;
   model::Process process_;
   std::vector<FSSpec> specs_;
   std::vector<REALfolderItem> items_;

@@ -71,8 +71,9 @@ class Walk {
   }
 
   // The header at an offset, when there is a sound one.
-  bool readChunk(uint64_t at, Chunk &chunk) {
-    const std::string_view bytes = window_.at(at, kCommonHeader);
+  bool readChunk(uint64_t at, Chunk &chunk) { return readChunk(at, window_.at(at, kCommonHeader), chunk); }
+
+  bool readChunk(uint64_t at, std::string_view bytes, Chunk &chunk) const {
     if (bytes.size() < kListHeader) return false;
     std::copy_n(bytes.begin(), 4, chunk.tag.begin());
     if (at > 0 && !isTag(chunk.tagText())) return false;
@@ -151,7 +152,7 @@ class Walk {
     const uint64_t end = object.at + object.length;
     if (end > holder.end) {
       Chunk next;
-      const bool goesOn = end == window_.size() || readChunk(end, next);
+      const bool goesOn = end == window_.size() || readChunk(end, window_.ahead(end, kCommonHeader), next);
       find(FindingKind::WrongLength,
            described(object) + " runs past the end of " + described(holder.chunk) + " that holds it",
            object.at);

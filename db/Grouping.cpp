@@ -48,7 +48,7 @@ class Groups {
   }
 
   // Gives song i's cell the number of its group, when that has one already and the cell has none. Otherwise
-  // the group starts with this song, and Start tells its number.
+  // the group starts with this song, and Start gives it its number.
   void Join(CSongList &song, size_t i, uint32_t hash) {
     started_ = false;
     if (!Takes(song)) return;

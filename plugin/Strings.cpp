@@ -4,7 +4,7 @@
 
 namespace {
 
-// The code of a text whose form the file does not tell.
+// The code of a text whose form the file does not state.
 constexpr uint32_t kUnknownForm = 3;
 
 REALstring Build(std::string_view bytes, uint32_t encoding) {

@@ -59,7 +59,7 @@ class Writer {
     out_ << '\n' << title << '\n' << std::string(title.size(), '-') << '\n';
   }
 
-  // A line for each method that has something to say, and one for all that have not.
+  // A line for each method that has something to say, and one line for all the others together.
   void Answers(const std::vector<std::string> &declarations, const Numbers &numbers) {
     std::string none;
     for (const std::string &declaration : declarations) {

@@ -48,7 +48,7 @@ TEST_F(RescueAgain, CopyOnAFileSystemThatKeepsTwoSecondsIsKnownByItsTime) {
   const fs::file_time_type even = std::chrono::floor<std::chrono::minutes>(fs::last_write_time(source));
   fs::last_write_time(source, even + std::chrono::milliseconds(1234));
   run(player);
-  // Another content tells that the report and the time were enough.
+  // Another content shows that the report and the time were enough.
   const fs::path copy = folder_.write("music/of mine/A/Unknown Album/One.mp3", "SONG 0");
   fs::last_write_time(copy, even);
   EXPECT_THAT(run(player).out, HasSubstr("1 song is already there\n"));
@@ -126,7 +126,8 @@ TEST_F(RescueAgain, PlaceOnThePlayerIsRefused) {
        {player, player / "Notes" / "music", player / "x" / ".." / "y", folder_.path() / "link"}) {
     const Outcome outcome = runZemhost({"rescue", player, place});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "zemhost: " + place.string() + ": this lies on the player, which is only read\n");
+    EXPECT_EQ(outcome.err,
+              "zemhost: " + place.string() + ": this lies on the player, and nothing is written there\n");
   }
   EXPECT_EQ(filesBelow(player), before);
 }
@@ -187,9 +188,10 @@ TEST_F(RescueAgain, FolderThatIsThePlayerUnderAnArtistsNameIsNotWritten) {
   const Outcome outcome = runZemhost({"rescue", player, folder_.path()});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.out, HasSubstr("1 song copied, "));
-  EXPECT_THAT(outcome.out,
-              HasSubstr("- song 0 \"One\" by My iPod: " + (player / "iPod_Control/Music/F00/0.mp3").string() +
-                        ": " + player.string() + ": this lies on the player, which is only read\n"));
+  EXPECT_THAT(
+      outcome.out,
+      HasSubstr("- song 0 \"One\" by My iPod: " + (player / "iPod_Control/Music/F00/0.mp3").string() + ": " +
+                player.string() + ": this lies on the player, and nothing is written there\n"));
   EXPECT_EQ(filesBelow(player), before);
 }
 

@@ -192,7 +192,7 @@ TEST_F(Rescue, FileOfAnotherSizeThanTheDatabaseTellsIsNamed) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out,
               EndsWith("1 file has another size than the database states and is copied as it is:\n"
-                       "- song 0 \"One\" by A: 3 bytes, and 6 by the database: " +
+                       "- song 0 \"One\" by A: 3 bytes, but the database states 6: " +
                        (player / "iPod_Control/Music/F00/0.mp3").string() + "\n"));
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/Error.h"
+#include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
@@ -94,7 +95,7 @@ std::vector<SongColumn> columnsToShow(const std::vector<std::string> &names) {
     const auto found = std::find_if(songColumns().begin(), songColumns().end(),
                                     [&](const SongColumn &column) { return column.name == name; });
     if (found == songColumns().end()) {
-      std::string message = "--columns: no column is named \"" + name + "\"; there are: ";
+      std::string message = "--columns: no column is named " + inQuotes(name) + "; there are: ";
       for (const SongColumn &column : songColumns())
         message.append(&column == songColumns().data() ? "" : ", ").append(column.name);
       throw HostError(message);

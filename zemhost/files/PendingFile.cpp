@@ -18,10 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void fail(const std::string &name, int error) {
-  throw HostError(name + ": " + std::generic_category().message(error));
-}
-
 fs::path folderOf(const fs::path &target) {
   return target.has_parent_path() ? target.parent_path() : fs::path(".");
 }
@@ -31,12 +27,12 @@ std::optional<mode_t> checkTarget(const fs::path &target) {
   if (target.empty()) throw HostError("an output file needs a name");
   struct stat status {};
   if (lstat(target.c_str(), &status) != 0) {
-    if (errno != ENOENT) fail(target.string(), errno);
+    if (errno != ENOENT) throw HostError(target.string(), errno);
     // "songs/" names a folder that does not exist.
-    if (!target.has_filename()) fail(target.string(), ENOENT);
+    if (!target.has_filename()) throw HostError(target.string(), ENOENT);
     return std::nullopt;
   }
-  if (S_ISDIR(status.st_mode)) fail(target.string(), EISDIR);
+  if (S_ISDIR(status.st_mode)) throw HostError(target.string(), EISDIR);
   if (S_ISLNK(status.st_mode))
     throw HostError(target.string() + ": this is a symbolic link; name the file itself");
   if (!S_ISREG(status.st_mode)) throw HostError(target.string() + ": this is not a regular file");
@@ -51,24 +47,24 @@ PendingFile::PendingFile(fs::path target) : target_(std::move(target)) {
   try {
     file_ = makeTemporaryFile(folderOf(target_));
   } catch (const std::system_error &error) {
-    fail(target_.string(), error.code().value());
+    throw HostError(target_.string(), error.code().value());
   }
   // A file system without permissions refuses this, and has none to keep.
   if (permissions && fchmod(descriptor(), *permissions) != 0) errno = 0;
 }
 
 void PendingFile::commit() {
-  if (fsync(descriptor()) != 0) fail(target_.string(), errno);
-  if (close(file_.content.release()) != 0) fail(target_.string(), errno);
+  if (fsync(descriptor()) != 0) throw HostError(target_.string(), errno);
+  if (close(file_.content.release()) != 0) throw HostError(target_.string(), errno);
   const carbon::Descriptor folder(open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (replaces_) {
-    if (rename(file_.path.path().c_str(), target_.c_str()) != 0) fail(target_.string(), errno);
+    if (rename(file_.path.path().c_str(), target_.c_str()) != 0) throw HostError(target_.string(), errno);
     file_.path.keep();
   } else {
     try {
       file_.path.nameAs(AT_FDCWD, target_.string());
     } catch (const std::system_error &error) {
-      fail(target_.string(), error.code().value());
+      throw HostError(target_.string(), error.code().value());
     }
   }
   // The new name too; the file is complete under it whether or not the folder can be synchronised.
@@ -79,7 +75,7 @@ void writeAll(int descriptor, std::string_view bytes, const std::string &name) {
   try {
     player::writeAll(descriptor, bytes);
   } catch (const std::system_error &error) {
-    fail(name, error.code().value());
+    throw HostError(name, error.code().value());
   }
 }
 

@@ -30,7 +30,7 @@ extern "C" void endBySignal(int number) {
     }
     say("\n");
   }
-  // Ending by the signal itself tells a shell, and a loop in it, why.
+  // Ending by the signal itself shows a shell, and a loop in it, why.
   std::signal(number, SIG_DFL);
   sigset_t only;
   sigemptyset(&only);

@@ -128,8 +128,7 @@ TemporaryPath makeTemporaryDirectory() {
   std::string name = (place / "zemhost-XXXXXX").string();
   const SignalsHeld held;  // between its making and its being known it would stay behind
   if (mkdtemp(name.data()) == nullptr) {
-    throw HostError(place.string() +
-                    ": no temporary directory can be made here: " + std::generic_category().message(errno));
+    throw HostError(place.string() + ": no temporary directory can be made here", errno);
   }
   return TemporaryPath(name);
 }

@@ -20,7 +20,7 @@
 
 namespace zemhost {
 
-// One song of one player, as told apart from all others: JSON text of its path with the volume's name, its
+// What sets one song of one player apart from all others: JSON text of its path with the volume's name, its
 // track ID, title, artist and album.
 std::string songIdentity(const Song &song, const SongFile &file);
 

@@ -64,7 +64,7 @@ DestinationFolder::DestinationFolder(fs::path path, const fs::path &playerRoot) 
   const fs::path whole = fs::weakly_canonical(fs::absolute(path_, error), error);
   if (error) throw HostError(path_.string(), error.value());
   if (liesOnPlayer(openNearest(whole).number()))
-    throw HostError(path_.string() + ": this lies on the player, which is only read");
+    throw HostError(path_.string() + ": this lies on the player, and nothing is written there");
   folder_ = carbon::Descriptor(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
@@ -85,7 +85,7 @@ std::optional<uint64_t> DestinationFolder::bytesFree() const {
   return static_cast<uint64_t>(room.f_bavail) * static_cast<uint64_t>(room.f_frsize);
 }
 
-// Told by what the folders are, whatever names and links led there.
+// Decided by what the folders are, whatever names and links led there.
 bool DestinationFolder::liesOnPlayer(int folder) const {
   if (!playerRoot_) return false;
   carbon::Descriptor here(openat(folder, ".", kLookUpOnly));
@@ -117,7 +117,8 @@ carbon::Descriptor DestinationFolder::folderOf(const std::string &name, bool mak
     throw CopyFailure(kThisFile, EXDEV, whole.string() + ": a symbolic link leads out of " + path_.string());
   if (!open && (make || errno != ENOENT)) failTarget(errno);
   if (open && liesOnPlayer(open.number()))
-    throw CopyFailure(kThisFile, EXDEV, whole.string() + ": this lies on the player, which is only read");
+    throw CopyFailure(kThisFile, EXDEV,
+                      whole.string() + ": this lies on the player, and nothing is written there");
   return open;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Copying the content of one file, and telling whether it is there already.
+// Copying the content of one file, and finding out whether it is there already.
 
 #include <cstdint>
 #include <ctime>

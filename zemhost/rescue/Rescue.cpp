@@ -23,7 +23,7 @@ namespace zemhost {
 
 namespace {
 
-constexpr const char *kContinue = "run the same command again to go on where it ended";
+constexpr const char *kContinue = "run the same command again to continue";
 
 class Rescue {
  public:
@@ -48,7 +48,7 @@ class Rescue {
     result_.otherSizes = plan_.otherSizes();
     result_.remarks = plan_.remarks();
     if (request_.dryRun) {
-      tellPlan();
+      showPlan();
     } else {
       warnOfSpace();
       copySongs();
@@ -76,7 +76,7 @@ class Rescue {
     stopIfPlayerIsGone("it does not answer");
   }
 
-  void tellPlan() {
+  void showPlan() {
     for (const PlannedFile &file : plan_.files()) {
       if (file.there) {
         ++result_.alreadyThere;

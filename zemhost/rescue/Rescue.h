@@ -16,7 +16,7 @@ struct RescueRequest {
   std::filesystem::path destination;
   NamePattern pattern;
   std::vector<int32_t> playlists;  // only their songs; empty: all songs, and all playlists but the master one
-  bool dryRun = false;             // tell what would be done, and write nothing
+  bool dryRun = false;             // show what would be done, and write nothing
 };
 
 struct RescueResult {
@@ -25,7 +25,7 @@ struct RescueResult {
   uint64_t alreadyThere = 0;
   uint64_t playlists = 0;               // written
   uint64_t evaded = 0;                  // songs with a number, since another file has their name
-  std::vector<std::string> otherSizes;  // songs whose file has another size than the database tells
+  std::vector<std::string> otherSizes;  // songs whose file has another size than the database states
   std::vector<std::string> remarks;     // what is called or kept otherwise than one would expect
   std::vector<std::string> problems;    // what could not be copied or written, and why
 };
@@ -33,7 +33,7 @@ struct RescueResult {
 // Does it, showing its progress on standard output. Files that are complete already are left alone, others
 // are never replaced. Throws HostError when nothing can be done or no more can be: the destination lies in
 // the player or cannot be written, the disk is full, the player is gone. What was copied until then is
-// complete under its name, and the same request goes on from there.
+// complete under its name, and the same request continues from there.
 RescueResult rescue(const MusicLibrary &library, const RescueRequest &request);
 
 }  // namespace zemhost

@@ -5,6 +5,7 @@
 
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/output/Messages.h"
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/SafeName.h"
 
@@ -30,7 +31,7 @@ void RescuePlan::addSong(int32_t index) {
     if (!file.source.isThere()) throw CopyFailure(CopyFailure::Reach::ThisFile, file.source.error);
     if (file.source.size != song.size) {
       otherSizes_.push_back(songLabel(index, song) + ": " + std::to_string(file.source.size) +
-                            " bytes, and " + std::to_string(song.size) + " by the database: " + path);
+                            " bytes, but the database states " + std::to_string(song.size) + ": " + path);
     }
     place(index, song, std::move(file));
   } catch (const CopyFailure &failure) {
@@ -60,7 +61,7 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
   }
   if (safeExtension(extension) != extension) {
     remarks_.push_back(songLabel(index, song) + ": " + file.source.path.string() + ": " +
-                       (extension.empty() ? "no extension" : "the extension \"" + extension + "\"") +
+                       (extension.empty() ? "no extension" : "the extension " + inQuotes(extension)) +
                        " is of neither music nor video; the copy is " + file.target);
   }
   fileOf_[index] = files_.size();

@@ -1,7 +1,7 @@
 #pragma once
 
 // Which files go where: decided for all songs before the first is copied, and the same each time, so that an
-// interrupted copying goes on when it is asked for again.
+// interrupted copying continues when it is asked for again.
 
 #include <cstdint>
 #include <functional>
@@ -51,9 +51,9 @@ class RescuePlan {
   // there is none.
   std::string earlierCopy(int32_t song) const;
 
-  // What was planned in vain, in plain words, each naming its song.
+  // What cannot be copied and why, in plain words, each naming its song.
   const std::vector<std::string> &problems() const { return problems_; }
-  // The songs whose file has another size than the database tells, likewise.
+  // The songs whose file has another size than the database states, likewise.
   const std::vector<std::string> &otherSizes() const { return otherSizes_; }
   // The songs whose file's extension is of neither music nor video, likewise.
   const std::vector<std::string> &remarks() const { return remarks_; }

@@ -18,7 +18,7 @@ namespace zemhost {
 
 namespace {
 
-// Tells a list that was written here, and may be written anew, from another file.
+// Marks a list that was written here and may be written anew.
 constexpr const char *kListMark = "# written by zemhost rescue\n";
 
 // The paths of a list, sorted.

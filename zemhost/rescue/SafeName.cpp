@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "host/text/UnicodeForms.h"
 #include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
@@ -67,14 +68,6 @@ std::string withoutReserved(std::string_view text) {
   return safe;
 }
 
-// Of the start of a text that fits in `size` bytes, whole characters.
-std::string cutToBytes(std::string text, size_t size) {
-  if (text.size() <= size) return text;
-  while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
-  text.resize(size);
-  return text;
-}
-
 // Devices of another system, whatever comes after a dot, and the file that it runs by itself.
 bool isSpecial(std::string_view name) {
   constexpr std::array<std::string_view, 6> kDevices = {"con", "prn", "aux", "nul", "conin$", "conout$"};
@@ -98,12 +91,12 @@ std::string safeName(std::string_view text, std::string_view fallback, std::stri
   trimEnd(name);
   if (name.empty()) name = fallback;
   if (name.front() == '.') name.front() = '_';
-  name = cutToBytes(std::move(name), room);
+  name.resize(unicode::wholeCharacters(name, room));
   trimEnd(name);
   // After the cut, which can leave such a name of a longer one.
   if (isSpecial(std::string(name).append(suffix).append(extension))) {
     name.insert(std::min(name.find('.'), name.size()), 1, '_');
-    name = cutToBytes(std::move(name), room);
+    name.resize(unicode::wholeCharacters(name, room));
     trimEnd(name);
   }
   return name.append(suffix).append(extension);

@@ -88,7 +88,7 @@ def wait_until(what, seconds=20):
     end = time.monotonic() + seconds
     while not (found := what()):
         if time.monotonic() > end:
-            raise AssertionError("waited in vain")
+            raise AssertionError("nothing came within the time")
         time.sleep(0.002)
     return found
 

@@ -14,7 +14,7 @@ from program import Terminal, run, start, wait_until
 
 BROKEN_CALLS = os.environ["BROKEN_CALLS_LIBRARY"]
 REPORT = "rescue-report.ndjson"
-CONTINUE = "run the same command again to go on where it ended"
+CONTINUE = "run the same command again to continue"
 
 
 def partials(folder):

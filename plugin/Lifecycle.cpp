@@ -16,7 +16,7 @@ constexpr int16_t kNoMemory = -108;
 // The volume's name of an iPod is what stands before the folder of its database; a file kept elsewhere gives
 // its whole path.
 void AppendVolumeOfPath(ByteString &volume, REALfolderItem item) {
-  REALstring path = REALpathFromFolderItem(item);  // stays with the host
+  REALstring path = REALpathFromFolderItem(item);  // the one reference that is never given back
   if (path == nullptr) return;
   const std::string_view bytes(REALstringStruct::CString(path),
                                static_cast<size_t>(REALstringStruct::Length(path)));

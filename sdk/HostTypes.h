@@ -13,7 +13,7 @@
 //  4. A method's C function takes the object first, then the declared arguments in order. A property getter
 //     is `T get(REALobject, intptr_t parameter)`, a setter `void set(REALobject, intptr_t parameter, T)`.
 //  5. A string or folder item that a service or a method returns carries one reference, which the caller
-//     owns; arguments are borrowed.
+//     owns; arguments are borrowed. One reference is never given back: that to the path which Load asks for.
 
 #include <cstdint>
 

@@ -40,7 +40,8 @@ REALfolderItem REALFolderItemFromFSSpec(const FSSpec *spec);
 // Fills *spec for the item and returns whether there is such a specification; false without the service.
 bool REALFSSpecFromFolderItem(FSSpec *spec, REALfolderItem item);
 
-// A new host string with the item's full path, owned by the caller; null without the service.
+// A new host string with the item's full path, owned by the caller; null without the service. The reference
+// that Load owns is never given back.
 REALstring REALpathFromFolderItem(REALfolderItem item);
 
 // The host's version, such as 5.9; 0.0 without the service.

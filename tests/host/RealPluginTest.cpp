@@ -94,6 +94,15 @@ TEST_F(RealPlugin, ClassHasItsPropertiesAndMethodsForEveryHostVersion) {
   }
 }
 
+TEST_F(RealPlugin, EachLoadOfAPlayersDatabaseKeepsOneStringAndNothingElse) {
+  const Host host = loadPlugin();
+  const LiveHandles before = liveHandles();
+  for (int i = 0; i < 1000; ++i) loaded(host, kPlayerDatabase);
+  EXPECT_EQ(liveHandles().strings, before.strings + 1000);
+  for (int i = 0; i < 10; ++i) loaded(host, kDesktopLibrary);
+  EXPECT_EQ(liveHandles().strings, before.strings + 1000);
+}
+
 TEST_F(RealPlugin, SongsOfThePlayerComeThroughWordForWord) {
   for (const double version : {5.8, 5.9}) {
     const Host host = loadPlugin(version);

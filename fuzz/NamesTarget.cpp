@@ -26,7 +26,7 @@ constexpr size_t kLongest = 255;
 
 // The names that stand for devices elsewhere, whatever follows their first dot or blank.
 bool IsDevice(std::string_view name) {
-  std::string stem(name.substr(0, name.find_first_of(".")));
+  std::string stem(name.substr(0, name.find('.')));
   stem.erase(stem.find_last_not_of(' ') + 1);
   std::transform(stem.begin(), stem.end(), stem.begin(),
                  [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });

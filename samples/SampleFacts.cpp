@@ -11,8 +11,8 @@ constexpr int64_t kLastSync = 1153000000;  // 2006-07-15, in the evening
 constexpr int64_t kDay = 86400;
 
 // Some moment of the day that lies so many days before the last synchronisation.
-constexpr int64_t Before(int days) { return kLastSync - days * kDay - days * 61 % 86000; }
-constexpr int64_t After(int days) { return kLastSync + days * kDay + 3600 + days * 37; }
+constexpr int64_t Before(int64_t days) { return kLastSync - days * kDay - days * 61 % 86000; }
+constexpr int64_t After(int64_t days) { return kLastSync + days * kDay + 3600 + days * 37; }
 
 }  // namespace
 

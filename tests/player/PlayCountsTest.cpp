@@ -65,7 +65,7 @@ class PlayCountsTest : public testing::Test {
   }
   PlayCountMerge mergeOf(const std::vector<Entry> &entries, const std::vector<SongFacts> &songs,
                          uint32_t length = 0x1c) const {
-    return PlayCountMerge(read(entries, length), [&](size_t song) { return songs[song]; });
+    return {read(entries, length), [&](size_t song) { return songs[song]; }};
   }
 
   support::TemporaryFolder folder_;

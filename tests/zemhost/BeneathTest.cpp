@@ -84,10 +84,13 @@ TEST_F(Beneath, BothWaysAgree) {
   for (const std::string &first : names) {
     for (const std::string &second : names) {
       for (const std::string &third : names) {
-        const std::string path = first + "/" + second + (third.empty() ? "" : "/" + third);
-        for (const int flags : {O_RDONLY, O_RDONLY | O_DIRECTORY, O_PATH | O_NOFOLLOW})
+        std::string path = first;
+        path.append("/").append(second);
+        if (!third.empty()) path.append("/").append(third);
+        for (const int flags : {O_RDONLY, O_RDONLY | O_DIRECTORY, O_PATH | O_NOFOLLOW}) {
           EXPECT_EQ(read(openBeneath, path, flags), read(openBeneathByHand, path, flags))
               << path << " " << flags;
+        }
       }
     }
   }

@@ -131,9 +131,10 @@ int showPlays(const PlaysArguments &arguments) {
   report.write(
       "Never played", all, [](const Played &played) { return played.plays == 0; },
       [](const Played & /*played*/) { return 0; });
-  if (unknown != 0)
+  if (unknown != 0) {
     out.write("The database does not say how often " + countText(unknown, "song was", "songs were") +
               " played.\n");
+  }
   if (all.empty() && unknown == 0) out.write("There are no songs.\n");
   out.finish();
   return kSuccess;

@@ -1,9 +1,8 @@
 #include "tests/property/Runner.h"
 
-#include <map>
 #include <memory>
+#include <set>
 #include <sstream>
-#include <stdexcept>
 
 #include "tests/platform/MountedVolume.h"
 #include "tests/property/Volumes.h"

@@ -76,7 +76,7 @@ TEST(ByteString, SharedBytesAreReadWhereTheyStand) {
 TEST(ByteString, CopyOfASharedTextOwnsItsBytes) {
   const Block block(kLong);
   const ByteString text = Sharing(block);
-  const ByteString copy(text);
+  const ByteString copy(text);  // NOLINT(performance-unnecessary-copy-initialization): what is tested
   ByteString assigned("old");
   assigned = text;
   EXPECT_EQ(copy.View(), kLong);
@@ -100,6 +100,7 @@ TEST(ByteString, SharedBytesLiveAsLongAsTheLastText) {
   {
     std::vector<ByteString> texts;
     const Block block(kLong);
+    texts.reserve(5);
     for (int i = 0; i < 5; ++i) texts.push_back(Sharing(block));
     last = std::move(texts[2]);
   }

@@ -14,11 +14,11 @@ constexpr const char *kSetFlags = "SetFlags(playlist As Integer, index As Intege
 class PlayListEntries : public PluginTestOfEachVariant {
  protected:
   PlayListEntries() {
-    const auto song = [](uint32_t id, std::u16string artist, std::u16string album) {
+    const auto song = [](uint32_t id, const std::u16string &artist, const std::u16string &album) {
       samples::Track track;
       track.id = id;
-      if (!artist.empty()) track.objects.push_back(samples::TextObject(4, std::move(artist)));
-      if (!album.empty()) track.objects.push_back(samples::TextObject(3, std::move(album)));
+      if (!artist.empty()) track.objects.push_back(samples::TextObject(4, artist));
+      if (!album.empty()) track.objects.push_back(samples::TextObject(3, album));
       return track;
     };
     object_ = Loaded(Bytes(

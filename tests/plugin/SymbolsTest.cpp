@@ -23,9 +23,9 @@ std::vector<std::string> Lines(const std::string &command) {
   std::vector<std::string> lines;
   char *line = nullptr;
   size_t room = 0;
-  for (ssize_t length = getline(&line, &room, pipe.get()); length > 0;
-       length = getline(&line, &room, pipe.get())) {
-    lines.emplace_back(line, static_cast<size_t>(length - (line[length - 1] == '\n' ? 1 : 0)));
+  while (getline(&line, &room, pipe.get()) > 0) {
+    lines.emplace_back(line);
+    if (lines.back().ends_with('\n')) lines.back().pop_back();
   }
   std::free(line);
   return lines;

@@ -71,6 +71,7 @@ TEST(SafeName, DevicesAreKnownAfterTheCutToo) {
   EXPECT_EQ(safe("CONIN$"), "CONIN$_");
 }
 
+// NOLINTBEGIN(misc-misleading-bidirectional): they stand as escapes
 TEST(SafeName, MarksOfDirectionAndSeparatorsOfLinesGo) {
   EXPECT_EQ(safe("a\u202Egpj.exe"), "agpj.exe");
   EXPECT_EQ(safe("\u200Eone\u2028two\u2029\u2066three\u2069\u061C\uFEFF"), "onetwothree");
@@ -81,6 +82,7 @@ TEST(SafeName, MarksOfDirectionAndSeparatorsOfLinesGo) {
   EXPECT_EQ(safe("\u200D\U0001F469\u200D\U0001F4BB"),
             "\u200D\U0001F469\u200D\U0001F4BB");  // joins, and stays
 }
+// NOLINTEND(misc-misleading-bidirectional)
 
 TEST(SafeName, FileThatRunsByItselfIsNotMade) {
   EXPECT_EQ(safe("AutoRun.inf"), "AutoRun_.inf");

@@ -42,7 +42,7 @@ uint64_t wordThatMeets(uint64_t word) {
 std::vector<std::u16string> titlesThatMeet(size_t pairs) {
   std::vector<std::u16string> titles;
   for (size_t choice = 0; choice < size_t{1} << pairs; ++choice) {
-    const std::string length = std::to_string(16 * pairs + 2 * 2) + ':';
+    const std::string length = std::to_string(16 * pairs + 4) + ':';
     std::string bytes(8 - length.size(), 'x');
     for (size_t pair = 0; pair < pairs; ++pair) {
       for (int half = 0; half < 2; ++half) {
@@ -76,6 +76,7 @@ TEST(SongGroups, SongsOfTheSameTextsAreOneGroupWhereverTheyStand) {
   const std::vector<SongGroup> groups =
       groupSongs(libraryOf(folder, {u"b", u"a", u"b", u"", u"", u"c", u"a", u"b"}), Sameness::Song);
   std::vector<std::vector<int32_t>> songs;
+  songs.reserve(groups.size());
   for (const SongGroup &group : groups) songs.push_back(group.songs);
   EXPECT_EQ(songs, (std::vector<std::vector<int32_t>>{{0, 2, 7}, {1, 6}, {3}, {4}, {5}}));
 }

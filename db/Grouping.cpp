@@ -155,10 +155,9 @@ void CiTunesDB::SetSongsObjectIndex() {
 
   // In a file whose songs have these texts there may be nothing to number but what a few of them lack.
   std::array<Groups *, all.size()> some = {};
-  const size_t count =
-      static_cast<size_t>(std::copy_if(all.begin(), all.end(), some.begin(),
-                                       [](const Groups *groups) { return groups->Needed(); }) -
-                          some.begin());
+  const auto count = static_cast<size_t>(std::copy_if(all.begin(), all.end(), some.begin(),
+                                                      [](const Groups *groups) { return groups->Needed(); }) -
+                                         some.begin());
 
   constexpr size_t kStretch = 64;
   std::array<std::array<uint32_t, 5>, kStretch> hashes = {};

@@ -36,7 +36,7 @@ using Check = void (*)(const CLI::App &command, const Arguments &arguments);
 template <typename Arguments>
 Command<Arguments> addCommand(CLI::App &program, Action &action, const char *name, const char *description,
                               int (*run)(const Arguments &), Check<Arguments> check = nullptr) {
-  const Command<Arguments> command{program.add_subcommand(name, description), std::make_shared<Arguments>()};
+  Command<Arguments> command{program.add_subcommand(name, description), std::make_shared<Arguments>()};
   command->callback([command, run, check, &action] {
     if (check != nullptr) check(*command.app, *command.arguments);
     action = [run, arguments = command.arguments] { return run(*arguments); };
@@ -136,9 +136,10 @@ void checkExport(const CLI::App &command, const ExportArguments &arguments) {
   const bool listens = arguments.format == "listenbrainz";
   if (listens && !arguments.fields.empty())
     throw CLI::ValidationError("--fields", "a listen has no fields to choose");
-  if (listens && !arguments.sinceSync)
+  if (listens && !arguments.sinceSync) {
     throw CLI::ValidationError("--format",
                                "listenbrainz is for plays since the last synchronisation: add --since-sync");
+  }
   if (!list && command.count("--paths") != 0)
     throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
   if (!list && arguments.format != "csv" && !isUtf8Name(arguments.encoding))

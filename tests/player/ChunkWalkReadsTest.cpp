@@ -34,7 +34,7 @@ std::string objectsThatReachAhead(uint32_t count) {
     out.PutWord(out.Begin(samples::Kind::Object, kObject, 1) + 8, kObject * (count + 1));
   out.Finish(track);
   out.Finish(set);
-  out.AppendBytes(std::string(kObject * (count + 1), 'x'));
+  out.AppendBytes(std::string(size_t{kObject} * (count + 1), 'x'));
   out.Finish(file);
   return out.TakeBytes();
 }

@@ -114,7 +114,7 @@ class Run {
     support::ModelArguments arguments{.numbers = step.numbers, .text = step.text};
     if (step.file) arguments.file = FileForModel(*step.file);
     model::Object &object = *models_[step.object];
-    const Answer answer = support::AskModel(object, step.name, arguments);
+    Answer answer = support::AskModel(object, step.name, arguments);
     if (arguments.file && arguments.file->path && answer.number == 1 && object.LibType() != 0) {
       pathsLeft_.push_back(*arguments.file->path);
     }

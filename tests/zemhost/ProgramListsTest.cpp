@@ -66,7 +66,7 @@ std::vector<std::string> cellsOf(size_t index, size_t number, bool desktop) {
   if (song.year != 0) cells.push_back(std::to_string(song.year));
   const samples::SampleFacts facts = samples::SampleFactsOf(index);
   const uint8_t rating = !desktop && facts.newRating != 0 ? facts.newRating : facts.rating;
-  if (rating != 0) cells.push_back(std::string(rating / 20, '*'));
+  if (rating != 0) cells.emplace_back(rating / 20, '*');
   const uint32_t plays = facts.plays + (desktop ? 0 : facts.newPlays);
   if (plays != 0) cells.push_back(std::to_string(plays));
   if (plays != 0)

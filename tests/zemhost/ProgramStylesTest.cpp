@@ -119,8 +119,10 @@ TEST(ProgramStyles, NoTextOfALibrarySteersTheTerminalInAnyFormat) {
       EXPECT_TRUE(lineEnd || (static_cast<unsigned char>(shown[i]) >= ' ' && shown[i] != '\x7f'))
           << name << " at " << i;
     }
-    for (const char *mark : {"\u009b", "\u2028", "\u202e", "\u200f"})
+    // NOLINTNEXTLINE(misc-misleading-bidirectional): they stand as escapes
+    for (const char *mark : {"\u009b", "\u2028", "\u202e", "\u200f"}) {
       EXPECT_EQ(shown.find(mark), std::string::npos) << name;
+    }
   }
 }
 

@@ -116,9 +116,10 @@ carbon::Descriptor DestinationFolder::folderOf(const std::string &name, bool mak
   if (!open && errno == EXDEV)
     throw CopyFailure(kThisFile, EXDEV, whole.string() + ": a symbolic link leads out of " + path_.string());
   if (!open && (make || errno != ENOENT)) failTarget(errno);
-  if (open && liesOnPlayer(open.number()))
+  if (open && liesOnPlayer(open.number())) {
     throw CopyFailure(kThisFile, EXDEV,
                       whole.string() + ": this lies on the player, and nothing is written there");
+  }
   return open;
 }
 

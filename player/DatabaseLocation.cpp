@@ -23,14 +23,16 @@ uintmax_t sizeOf(const fs::path &file) {
 
 fs::path databaseIn(const fs::path &control, const fs::path &named) {
   const std::optional<fs::path> folder = childNamed(control, kDatabaseFolder);
-  if (!folder)
+  if (!folder) {
     throw PlayerError(named.string() + ": no database here: " + control.string() + " has no " +
                       kDatabaseFolder + " folder");
+  }
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
   const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
-  if (!file && !compressed)
+  if (!file && !compressed) {
     throw PlayerError(named.string() + ": no database here: " + folder->string() + " has no " +
                       kDatabaseFile);
+  }
   // Players with a compressed database keep an empty or tiny file, or none, under the usual name. Of two
   // with the same songs the compressed one would be the smaller.
   if (compressed && (!file || sizeOf(*file) == 0 || sizeOf(*file) < sizeOf(*compressed))) return *compressed;
@@ -63,9 +65,10 @@ DatabaseLocation locateDatabase(const fs::path &path) {
   if (!fs::is_directory(status)) return {absolute, path.string(), volumeRootOf(absolute)};
   const std::optional<fs::path> control =
       isNamed(absolute, kControlFolder) ? absolute : childNamed(absolute, kControlFolder);
-  if (!control)
+  if (!control) {
     throw PlayerError(path.string() + ": no database here: the directory has no " + kControlFolder +
                       " folder");
+  }
   const fs::path file = databaseIn(*control, path);
   return {file, file.string(), control->parent_path()};
 }

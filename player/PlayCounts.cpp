@@ -56,9 +56,10 @@ std::vector<PlayCount> readOpenFile(int file, uint64_t size, uint64_t songs) {
   const uint64_t entries = wordAt(header, 12, false);
   if (jump < kShortestHeader || length < kShortestEntry || length > kLongestEntry)
     throw PlayerError("its header is damaged");
-  if (entries != songs)
+  if (entries != songs) {
     throw PlayerError("it counts " + std::to_string(entries) + " songs, and the database has " +
                       std::to_string(songs));
+  }
   if (jump > size || entries * length > size - jump) throw PlayerError("it is cut short");
   std::vector<PlayCount> counts;
   counts.reserve(static_cast<size_t>(entries));

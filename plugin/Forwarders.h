@@ -2,7 +2,7 @@
 
 #include <type_traits>
 
-#include "plugin/RbiTunesDB.h"
+#include "plugin/Integers.h"
 
 // The methods that only hand their arguments on, each written in one line: what it is of. L takes a library
 // index, P (FromPlayList) a playlist and a position, R (Refer) a track ID.

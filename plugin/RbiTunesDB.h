@@ -125,10 +125,6 @@ enum IntegerSelector : int32_t {
 // The word of a song that holds the date it was added.
 constexpr int32_t kDateAddedProp = 3;
 
-// The value of a selector, as the loader stored it; 0 for a selector outside 0 to 35 and an index out of
-// range.
-int32_t ZemRbiTunesDB_GetIntegerData(REALobject instance, int32_t selector, int32_t index, int32_t playlist);
-
 // Stores a value at a library index, through a cascade that host code depends on: prop, track number, track
 // total, file size, year, media type; each selector stores its own field and all that follow it.
 void ZemRbiTunesDB_SetIntegerData(REALobject instance, int32_t selector, int32_t index, int32_t num,

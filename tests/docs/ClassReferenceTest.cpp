@@ -1,5 +1,5 @@
-// docs/class-reference.md against the plug-in: it lists what is registered, and what it says of a new object
-// and of songs that are not there is what the plug-in answers.
+// The two pages of the class reference against the plug-in: it lists what is registered, and what it says of
+// a new object and of songs that are not there is what the plug-in answers.
 
 #include <algorithm>
 #include <array>
@@ -105,7 +105,12 @@ class Player {
   std::filesystem::path root_;
 };
 
-std::vector<Table> Document() { return ReadTables(support::DocumentsFolder() / "class-reference.md"); }
+std::vector<Table> Document() {
+  std::vector<Table> tables = ReadTables(support::DocumentsFolder() / "class-reference.md");
+  for (Table &table : ReadTables(support::DocumentsFolder() / "class-reference-lists.md"))
+    tables.push_back(std::move(table));
+  return tables;
+}
 
 // The song, and for two songs the second one, that a call asks for.
 using Place = std::vector<int32_t>;

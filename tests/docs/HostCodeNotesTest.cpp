@@ -1,4 +1,4 @@
-// What docs/host-code-notes.md says that its transcripts cannot show.
+// What the notes for host code say that its transcripts cannot show.
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include "host/Host.h"
 #include "samples/DatabaseWriter.h"
 #include "tests/support/Folders.h"
+#include "tests/support/RealFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace docs_test {
@@ -151,16 +152,15 @@ TEST_F(HostCodeNotesOfAPlayer, RatingAndCompilationStandInTheSameWord) {
 }
 
 TEST(HostCodeNotesOfRealFiles, DesktopLibrariesGiveNoPaths) {
-  const std::filesystem::path folder = support::SharedFolder() / "data" / "real";
-  if (!exists(folder)) GTEST_SKIP() << "no collection of real files here";
+  if (!support::HasRealFiles()) GTEST_SKIP() << "no collection of real files here";
   const zemhost::Host host = zemhost::Host::load({support::PluginFile(), 5.9, {}});
   int32_t songs = 0;
-  for (const char *name : {"big-endian-1.1.2.library", "big-endian-3.0.library",
-                           "big-endian-4.1-bpm-13.library", "big-endian-4.6.library"}) {
+  for (const support::RealFile &file : support::RealFiles()) {
+    if (file.libType != 0 || file.encrypted) continue;
     const zemhost::Object library = host.make("ZemiTunesDB");
-    ASSERT_TRUE(library.call("Load", {zemhost::FolderItem::fromPath(folder / name)}).boolean()) << name;
+    ASSERT_TRUE(library.call("Load", {zemhost::FolderItem::fromPath(PathOf(file))}).boolean()) << file.name;
     for (int32_t song = 0; song < library.call("CountSongs").integer(); ++song, ++songs)
-      EXPECT_TRUE(library.call("GetPath", {song}).isNil()) << name;
+      EXPECT_TRUE(library.call("GetPath", {song}).isNil()) << file.name;
   }
   EXPECT_EQ(songs, 8);
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/text/TextEncoding.h"
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 
 namespace zemhost {
 namespace {

@@ -1,7 +1,7 @@
 #include "host/basic/Scanner.h"
 
 #include "host/runtime/Names.h"
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 
 namespace zemhost {
 namespace {

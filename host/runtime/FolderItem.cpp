@@ -11,6 +11,7 @@
 #include "host/runtime/HostObject.h"
 #include "host/runtime/LiveHandles.h"
 #include "host/runtime/MacPaths.h"
+#include "host/runtime/Names.h"
 #include "platform/carbon/CarbonFiles.h"
 
 struct REALfolderItemStruct : REALobjectStruct {
@@ -100,7 +101,7 @@ FSSpec FolderItem::spec() const { return item_ == nullptr ? FSSpec{} : item_->sp
 
 void mountVolume(const std::string &name, const std::filesystem::path &root) {
   if (CarbonMountVolume(name.c_str(), root.c_str()) != noErr)
-    throw HostError("cannot mount " + root.string() + " as the volume \"" + name + "\"");
+    throw HostError("cannot mount " + root.string() + " as the volume " + inQuotes(name));
 }
 
 }  // namespace zemhost

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 
 namespace zemhost {
 

@@ -10,6 +10,7 @@
 #include "host/runtime/HostObject.h"
 #include "host/runtime/HostString.h"
 #include "host/runtime/LiveHandles.h"
+#include "host/runtime/Names.h"
 
 namespace zemhost {
 namespace {
@@ -160,7 +161,7 @@ ServiceSession::ServiceSession(Settings settings) : settings_(std::move(settings
   const std::vector<std::string_view> known = serviceNames();
   for (const std::string &name : settings_.leftOut) {
     if (name != kSecondResolver && std::find(known.begin(), known.end(), name) == known.end())
-      throw std::invalid_argument("there is no service \"" + name + "\" to leave out");
+      throw std::invalid_argument("there is no service " + inQuotes(name) + " to leave out");
   }
   gSession = this;
 }

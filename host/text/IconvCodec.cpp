@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 
 namespace zemhost {
 namespace {

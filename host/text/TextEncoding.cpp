@@ -9,7 +9,7 @@
 #include "host/runtime/Names.h"
 #include "host/text/EncodingTable.h"
 #include "host/text/IconvCodec.h"
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 
 namespace zemhost {
 namespace {

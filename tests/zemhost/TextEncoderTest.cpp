@@ -6,7 +6,7 @@
 
 #include "host/Error.h"
 #include "host/text/TextEncoding.h"
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 #include "tests/support/Folders.h"
 #include "zemhost/output/TextEncoder.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/Error.h"
-#include "zemhost/output/Messages.h"
+#include "host/runtime/Names.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {

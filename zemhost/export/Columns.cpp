@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "host/Error.h"
+#include "host/runtime/Names.h"
 #include "zemhost/library/StoredText.h"
-#include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {

@@ -1,6 +1,6 @@
 #include "zemhost/library/Phrases.h"
 
-#include "zemhost/output/Messages.h"
+#include "host/runtime/Names.h"
 
 namespace zemhost {
 

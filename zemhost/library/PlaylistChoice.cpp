@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "host/Error.h"
+#include "host/runtime/Names.h"
 #include "zemhost/output/DisplayText.h"
-#include "zemhost/output/Messages.h"
 
 namespace zemhost {
 

@@ -8,7 +8,7 @@
 #include <new>
 #include <utf8proc.h>
 
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 
 namespace zemhost {
 

@@ -15,6 +15,4 @@ void printError(std::string_view message) {
             << '\n';
 }
 
-std::string inQuotes(std::string_view text) { return std::string("\"").append(text).append("\""); }
-
 }  // namespace zemhost

@@ -5,7 +5,7 @@
 
 #include "host/Error.h"
 #include "host/text/TextEncoding.h"
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 #include "zemhost/files/TemporaryPath.h"
 
 namespace zemhost {

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "host/Error.h"
+#include "host/runtime/Names.h"
 #include "host/text/EncodingTable.h"
 #include "host/text/IconvCodec.h"
 #include "host/text/TextEncoding.h"
-#include "host/text/UnicodeForms.h"
-#include "zemhost/output/Messages.h"
+#include "platform/carbon/UnicodeForms.h"
 #include "zemhost/output/ShiftJisTable.h"
 #include "zemhost/output/Units.h"
 

@@ -6,7 +6,7 @@
 #include <charconv>
 
 #include "host/Error.h"
-#include "zemhost/output/Messages.h"
+#include "host/runtime/Names.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {

@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "host/runtime/Names.h"
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
-#include "zemhost/output/Messages.h"
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/SafeName.h"
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "host/text/UnicodeForms.h"
+#include "platform/carbon/UnicodeForms.h"
 #include "zemhost/output/DisplayText.h"
 
 namespace zemhost {

@@ -15,12 +15,17 @@ void PrintTo(const RealFile &file, std::ostream *out) { *out << file.name; }
 
 const std::vector<RealFile> &RealFiles() {
   static const std::vector<RealFile> files = {
-      {"small-japanese.itunesdb", 1, 2, 1, 2},       {"library-1181-songs.itunesdb", 1, 1181, 8, 2205},
-      {"one-song-old-header.itunesdb", 1, 1, 1, 1},  {"empty-two-playlists.itunesdb", 1, 0, 2, 0},
-      {"smart-playlists.itunesdb", 1, 292, 6, 587},  {"signed-350-songs.itunesdb", 1, 350, 1, 350},
-      {"big-endian-1.1.2.library", 0, 5, 4, 11},     {"big-endian-3.0.library", 0, 1, 1, 1},
-      {"big-endian-4.1-bpm-13.library", 0, 1, 5, 2}, {"big-endian-4.6.library", 0, 1, 5, 4},
-      {"encrypted.library", 0, 0, 0, 0, true}};
+      {"small-japanese.itunesdb", 1, 2, 1, 2, "君の知らない物語"},
+      {"library-1181-songs.itunesdb", 1, 1181, 8, 2205, "Komm, Suesser Tod"},
+      {"one-song-old-header.itunesdb", 1, 1, 1, 1, "229 kbit/s"},
+      {"empty-two-playlists.itunesdb", 1, 0, 2, 0, "0 songs"},
+      {"smart-playlists.itunesdb", 1, 292, 6, 587, "292 songs"},
+      {"signed-350-songs.itunesdb", 1, 350, 1, 350, "350 songs"},
+      {"big-endian-1.1.2.library", 0, 5, 4, 11, "Bela Bartók"},
+      {"big-endian-3.0.library", 0, 1, 1, 1, "Surabaya Johnny (Weill)"},
+      {"big-endian-4.1-bpm-13.library", 0, 1, 5, 2, "1 song"},
+      {"big-endian-4.6.library", 0, 1, 5, 4, "Ricky Ian Gordon"},
+      {"encrypted.library", 0, 0, 0, 0, "", true}};
   return files;
 }
 

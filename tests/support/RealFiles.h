@@ -16,6 +16,7 @@ struct RealFile {
   size_t songs;
   size_t playlists;
   size_t entries;
+  const char *text;  // somewhere in the listing of its songs
   bool encrypted = false;
 };
 

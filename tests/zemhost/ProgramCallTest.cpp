@@ -5,11 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
-#include <ostream>
 #include <string>
 #include <vector>
 
-#include "tests/support/Folders.h"
+#include "tests/support/RealFiles.h"
 #include "tests/zemhost/Program.h"
 
 namespace zemhost {
@@ -87,66 +86,47 @@ TEST(ClassCommand, PrintsPropertiesAndNumberedDeclarationsInOrder) {
   }
 }
 
-struct RealFile {
-  const char *name;
-  int songs;
-  int playlists;
-  int entries;
-  const char *text;  // somewhere in the songs
-};
-
-void PrintTo(const RealFile &file, std::ostream *out) { *out << file.name; }
-
-class RealDatabase : public testing::TestWithParam<RealFile> {};
+class RealDatabase : public testing::TestWithParam<support::RealFile> {};
 
 TEST_P(RealDatabase, IsListedWhole) {
-  const fs::path file = support::SharedFolder() / "data" / "real" / GetParam().name;
-  if (!fs::exists(file)) GTEST_SKIP() << "not here: " << GetParam().name;
+  const support::RealFile &real = GetParam();
+  const fs::path file = support::PathOf(real);
+  if (!fs::exists(file)) GTEST_SKIP() << "not here: " << real.name;
   const Outcome info = runZemhost({"info", file});
-  EXPECT_EQ(info.status, 0) << info.err;
-  EXPECT_THAT(info.out, HasSubstr("Songs      " + std::to_string(GetParam().songs) + "\n"));
-  EXPECT_THAT(info.out, HasSubstr("Playlists  " + std::to_string(GetParam().playlists) + " with " +
-                                  std::to_string(GetParam().entries) + " entr"));
   const Outcome songs = runZemhost({"songs", file});
+  if (real.encrypted) {
+    EXPECT_EQ(info.status, 1);
+    EXPECT_EQ(songs.status, 1);
+    EXPECT_EQ(songs.out, "");
+    EXPECT_EQ(songs.err, "zemhost: " + file.string() + ": the library is encrypted and cannot be read\n");
+    return;
+  }
+  EXPECT_EQ(info.status, 0) << info.err;
+  EXPECT_THAT(info.out, HasSubstr("Songs      " + std::to_string(real.songs) + "\n"));
+  EXPECT_THAT(info.out, HasSubstr("Playlists  " + std::to_string(real.playlists) + " with " +
+                                  std::to_string(real.entries) + " entr"));
   EXPECT_EQ(songs.status, 0) << songs.err;
-  EXPECT_EQ(linesOf(songs.out).size(), static_cast<size_t>(GetParam().songs) + 3);
-  EXPECT_THAT(songs.out, HasSubstr(GetParam().text));
+  EXPECT_EQ(linesOf(songs.out).size(), real.songs + 3);
+  EXPECT_THAT(songs.out, HasSubstr(real.text));
   EXPECT_THAT(songs.out, testing::Not(HasSubstr("\uFFFD")));
   const Outcome playlists = runZemhost({"playlists", file});
-  EXPECT_EQ(linesOf(playlists.out).size(), static_cast<size_t>(GetParam().playlists) + 1);
+  EXPECT_EQ(linesOf(playlists.out).size(), real.playlists + 1);
   EXPECT_THAT(playlists.out, testing::Not(HasSubstr("\uFFFD")));
-  for (int number = 0; number < GetParam().playlists; ++number) {
+  for (size_t number = 0; number < real.playlists; ++number) {
     const Outcome playlist = runZemhost({"playlist", file, std::to_string(number)});
     EXPECT_EQ(playlist.status, 0) << playlist.err;
     EXPECT_THAT(playlist.out, testing::Not(HasSubstr("no song has the ID")));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Shared, RealDatabase,
-    testing::Values(RealFile{"small-japanese.itunesdb", 2, 1, 2, "君の知らない物語"},
-                    RealFile{"library-1181-songs.itunesdb", 1181, 8, 2205, "Komm, Suesser Tod"},
-                    RealFile{"one-song-old-header.itunesdb", 1, 1, 1, "229 kbit/s"},
-                    RealFile{"empty-two-playlists.itunesdb", 0, 2, 0, "0 songs"},
-                    RealFile{"big-endian-1.1.2.library", 5, 4, 11, "Bela Bartók"},
-                    RealFile{"big-endian-3.0.library", 1, 1, 1, "Surabaya Johnny (Weill)"},
-                    RealFile{"big-endian-4.6.library", 1, 5, 4, "Ricky Ian Gordon"}),
-    [](const auto &instance) {
-      std::string name = instance.param.name;
-      for (char &c : name) {
-        if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
-      }
-      return name;
-    });
-
-TEST(RealDatabase, EncryptedLibraryIsNamedForWhatItIs) {
-  const fs::path file = support::SharedFolder() / "data" / "real" / "encrypted.library";
-  if (!fs::exists(file)) GTEST_SKIP() << "not here";
-  const Outcome outcome = runZemhost({"songs", file});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "zemhost: " + file.string() + ": the library is encrypted and cannot be read\n");
-}
+INSTANTIATE_TEST_SUITE_P(Shared, RealDatabase, testing::ValuesIn(support::RealFiles()),
+                         [](const auto &instance) {
+                           std::string name = instance.param.name;
+                           for (char &c : name) {
+                             if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+                           }
+                           return name;
+                         });
 
 }  // namespace
 }  // namespace zemhost

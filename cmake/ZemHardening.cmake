@@ -12,10 +12,12 @@ include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 # Tables of addresses are filled when a file is loaded, and cannot be written afterwards.
 target_link_options(zem_options INTERFACE LINKER:-z,relro LINKER:-z,now)
+# Calls of the C library are checked where the compiler, which optimises, knows the sizes.
+set(optimised $<AND:$<CONFIG:Release,RelWithDebInfo,MinSizeRel>,$<NOT:$<BOOL:$<TARGET_PROPERTY:ZEM_UNOPTIMISED>>>>)
 target_compile_options(zem_options INTERFACE
   -fstack-protector-strong
-  $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE>
-  $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+  $<${optimised}:-U_FORTIFY_SOURCE>
+  $<${optimised}:-D_FORTIFY_SOURCE=2>)
 # x86 alone: indirect jumps and calls reach marked places only.
 check_cxx_compiler_flag(-fcf-protection=full ZEM_HAS_CF_PROTECTION)
 if(ZEM_HAS_CF_PROTECTION)

@@ -44,9 +44,28 @@ function(zem_add_test name)
   target_compile_options(${name} PRIVATE -O0)
   set_target_properties(${name} PROPERTIES ZEM_UNOPTIMISED ON)
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
+  zem_read_googletest_once(${name})
   zem_tests_need(${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
   gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()
+
+# Where sources are compiled one by one, GoogleTest's headers are read once for all of them. They belong to a program that
+# does nothing, since the compiler takes them only where all options and definitions of the owner are the user's too.
+function(zem_read_googletest_once test)
+  if(ZEM_TOGETHER)
+    return()
+  endif()
+  if(NOT TARGET zem_googletest)
+    file(WRITE ${PROJECT_BINARY_DIR}/googletest.cpp "int main() {}\n")
+    add_executable(zem_googletest EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/googletest.cpp)
+    target_compile_options(zem_googletest PRIVATE -O0 -fpch-preprocess)
+    set_target_properties(zem_googletest PROPERTIES ZEM_UNOPTIMISED ON)
+    target_link_libraries(zem_googletest PRIVATE zem_options GTest::gmock)
+    target_precompile_headers(zem_googletest PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  endif()
+  target_precompile_headers(${test} REUSE_FROM zem_googletest)
+  target_compile_options(${test} PRIVATE -fpch-preprocess)  # ccache asks for it
 endfunction()
 
 # Once for all folders of tests: GTest::gmock_main and its like.

@@ -66,7 +66,9 @@ build() {
   local preset=$1 directory=$root/build/$1
   shift
   mkdir -p "$directory"
-  if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
+  if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
+  fi
   say "Building $preset ..."
   (
     flock 9

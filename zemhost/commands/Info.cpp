@@ -58,7 +58,8 @@ int showInfo(const ListingArguments &arguments) {
   writeLine("Songs      ", std::to_string(songs));
   writeLine("Playlists  ", std::to_string(playlists) + " with " + countText(entries, "entry", "entries"));
   writeLine("Time       ", totalTimeText(totals.duration));
-  writeLine("Size       ", totalSizeText(totals.size));
+  const bool isSizeKnown = totals.size != 0 || songs == 0 || library.form() != LibraryForm::Sqlite;
+  writeLine("Size       ", isSizeKnown ? totalSizeText(totals.size) : "not known");
   out.finish();
   return kSuccess;
 }

@@ -86,6 +86,8 @@ struct SongColumns::State {
     if (!read) read = library.song(index);
     return *read;
   }
+  // The class answers 0 for what is not known.
+  Json count(uint32_t number) const { return number == 0 && !answers ? Json() : Json(number); }
   // What the class answers; null where it has no part in the library.
   Json wordOf(Method SongAnswers::*method) const {
     return answers ? word((*answers.*method)(index)) : Json();
@@ -169,14 +171,14 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"genre", Text}, [](S &s) { return textOrNull(s.song().genre); }},
       {{"composer", Text}, [](S &s) { return textOrNull(s.song().composer); }},
       {{"file_type", Text}, [](S &s) { return textOrNull(s.song().fileType); }},
-      {{"track", Integer}, [](S &s) { return Json(s.song().track); }},
-      {{"track_total", Integer}, [](S &s) { return Json(s.song().trackTotal); }},
+      {{"track", Integer}, [](S &s) { return s.count(s.song().track); }},
+      {{"track_total", Integer}, [](S &s) { return s.count(s.song().trackTotal); }},
       {{"track_text", Text}, [](S &s) { return s.trackText(); }},
-      {{"year", Integer}, [](S &s) { return Json(s.song().year); }},
-      {{"duration_ms", Integer}, [](S &s) { return Json(s.song().duration); }},
-      {{"size_bytes", Integer}, [](S &s) { return Json(s.song().size); }},
-      {{"bit_rate_kbps", Integer}, [](S &s) { return Json(s.song().bitRate); }},
-      {{"sample_rate_hz", Integer}, [](S &s) { return Json(s.song().sampleRate); }},
+      {{"year", Integer}, [](S &s) { return s.count(s.song().year); }},
+      {{"duration_ms", Integer}, [](S &s) { return s.count(s.song().duration); }},
+      {{"size_bytes", Integer}, [](S &s) { return s.count(s.song().size); }},
+      {{"bit_rate_kbps", Integer}, [](S &s) { return s.count(s.song().bitRate); }},
+      {{"sample_rate_hz", Integer}, [](S &s) { return s.count(s.song().sampleRate); }},
       {{"date_added", Text}, [](S &s) { return dateOrNull(s.facts().added); }},
       {{"date_modified", Text}, [](S &s) { return dateOrNull(s.song().modified); }},
       {{"date_released", Text}, [](S &s) { return dateOrNull(s.facts().released); }},
@@ -295,6 +297,8 @@ struct PlaylistColumns::State {
     if (const Object *const object = library.object()) answers.emplace(*object);
   }
 
+  // The class answers 0 for what is not known.
+  Json count(uint32_t number) const { return number == 0 && !answers ? Json() : Json(number); }
   // What the class answers; null where it has no part in the library.
   Json wordOf(Method PlaylistAnswers::*method, int32_t playlist) const {
     return answers ? word((*answers.*method)(playlist)) : Json();

@@ -58,12 +58,12 @@ SqliteLibrary::SqliteLibrary(const SqliteFiles &files) {
   bytes_ = sizeOf(files.library);
   {
     SqliteFile file(files.library);
-    readVersion(file);
     songs.readLibrary(file);
     if (tables_.empty() || tables_.front().table != "item")
       throw PlayerError(file.name() + ": it has no table of songs");
     const SongFinder find = [&songs](int64_t pid) { return songs.find(pid); };
     lists_ = readSqliteLists(file, find, songs.songs().size(), report, findings_);
+    readVersion(file);
   }
   warnOfAbsentFiles(files);
   const auto read = [&](const fs::path &path, void (SqliteSongs::*step)(SqliteFile &)) {
@@ -113,11 +113,12 @@ void SqliteLibrary::warnOfAbsentFiles(const SqliteFiles &files) {
 }
 
 void SqliteLibrary::readVersion(SqliteFile &file) {
-  file.each("version_info", {"major", "minor"}, [this](const SqliteRow &row) {
+  const TableState state = file.each("version_info", {"major", "minor"}, [this](const SqliteRow &row) {
     const auto major = row[0].integer();
     const auto minor = row[1].integer();
     if (major && minor) version_ = std::to_string(*major) + "." + std::to_string(*minor);
   });
+  report(file, "version_info", state);
 }
 
 // An entry belongs to the song of its place.

@@ -61,6 +61,7 @@ class SqliteFile {
                   const std::function<void(const SqliteRow &)> &take);
 
   const std::string &name() const { return name_; }
+  uint64_t size() const { return size_; }
   // Rows that were handed on of the table that was read last.
   uint64_t rowsOfTable() const { return rowsOfTable_; }
   // Steps of SQLite's machine until now, in thousands, for showing how the work grows.

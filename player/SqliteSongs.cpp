@@ -234,7 +234,22 @@ SqliteSongs::Names SqliteSongs::namesOf(SqliteFile &file, const char *table, con
   return names;
 }
 
+// Whether a song may have its own copy of a name. A file that is made to could fill the memory with one long
+// name of all its songs.
+bool SqliteSongs::mayRepeat(const std::string &name) {
+  if (name.size() > bytesToRepeat_) {
+    if (bytesToRepeat_ != 0)
+      findings_.add(FindingKind::DamagedFile, "the names that songs share are longer than the file explains");
+    bytesToRepeat_ = 0;
+    return false;
+  }
+  bytesToRepeat_ -= name.size();
+  return true;
+}
+
 void SqliteSongs::readLibrary(SqliteFile &file) {
+  constexpr uint64_t kShortestItem = 32;
+  bytesToRepeat_ = (1U << 20) + 4 * file.size();
   std::vector<Item> items;
   std::set<int64_t> known;
   const TableState state = readTable<Item>(file, "item", "pid", itemColumns(), [&](int64_t pid) -> Item * {
@@ -242,12 +257,18 @@ void SqliteSongs::readLibrary(SqliteFile &file) {
       findings_.add(FindingKind::WrongCount, "two songs have the ID " + hexId(pid) + "; one is left out");
       return nullptr;
     }
+    if (items.size() >= file.size() / kShortestItem) return nullptr;
     items.emplace_back();
     items.back().song.pid = pid;
     items.back().song.facts.persistentId = static_cast<uint64_t>(pid);
     return &items.back();
   });
   report_(file, "item", state);
+  if (file.rowsOfTable() > file.size() / kShortestItem) {
+    findings_.add(FindingKind::DamagedFile,
+                  "there are more songs than the file's size explains; those above " +
+                      std::to_string(file.size() / kShortestItem) + " are left out");
+  }
   putInOrder(items);
   join(file, std::move(items));
   const auto read = [&](const char *table, std::span<const SongColumn> columns) {
@@ -309,7 +330,8 @@ void SqliteSongs::join(SqliteFile &file, std::vector<Item> items) {
       const int64_t id = item.*link.id;
       const auto found = names.find(id);
       if (found != names.end()) {
-        if (link.text != nullptr && (item.song.*link.text).empty()) item.song.*link.text = found->second;
+        if (link.text != nullptr && (item.song.*link.text).empty() && mayRepeat(found->second))
+          item.song.*link.text = found->second;
       } else if (id != 0 && isThere) {
         findings_.add(FindingKind::UnresolvedId, "the song " + hexId(item.song.pid) +
                                                      " has an ID that is not in the table " + link.table);
@@ -320,7 +342,8 @@ void SqliteSongs::join(SqliteFile &file, std::vector<Item> items) {
   const Names categories = namesOf(file, "category_map", "id", "category", isThere);
   for (Item &item : items) {
     const auto category = categories.find(item.category);
-    if (category != categories.end()) addText(item.song, kCategory, category->second);
+    if (category != categories.end() && mayRepeat(category->second))
+      addText(item.song, kCategory, category->second);
     addText(item.song, kDescription, item.longDescription.empty() ? item.description : item.longDescription);
     places_.emplace(item.song.pid, songs_.size());
     songs_.push_back(std::move(item.song));
@@ -353,16 +376,16 @@ void SqliteSongs::readLocations(SqliteFile &file) {
     SqliteSong &song = songs_[places_.at(pid)];
     song.facts.added = location.created;
     const auto kind = kinds_.find(location.kind.value_or(0));
-    if (kind != kinds_.end()) song.kind = kind->second;
+    if (kind != kinds_.end() && mayRepeat(kind->second)) song.kind = kind->second;
     if (location.size && *location.size >= 0 && *location.size <= UINT32_MAX)
       song.facts.size = static_cast<uint32_t>(*location.size);
     if (location.type.value_or(kFile) != kFile || location.name.empty()) continue;
     const auto base = bases.find(location.base.value_or(0));
-    if (base != bases.end()) {
+    if (base != bases.end() && mayRepeat(base->second)) {
       song.path = joinedPath(base->second, location.name);
     } else if (location.base.value_or(0) == 0) {
       song.path = joinedPath({}, location.name);
-    } else {
+    } else if (base == bases.end()) {
       findings_.add(FindingKind::UnresolvedId,
                     "the song " + hexId(pid) + " lies in a folder that is not in the table base_location");
     }

@@ -43,6 +43,7 @@ class SqliteSongs {
   };
   static std::span<const SqliteColumn<Item>> itemColumns();
 
+  bool mayRepeat(const std::string &name);
   Names namesOf(SqliteFile &file, const char *table, const char *key, const char *name, bool &isThere);
   void join(SqliteFile &file, std::vector<Item> items);
   void putInOrder(std::vector<Item> &items);
@@ -52,7 +53,8 @@ class SqliteSongs {
   Findings &findings_;
   std::vector<SqliteSong> songs_;
   std::map<int64_t, size_t> places_;
-  Names kinds_;  // of files, in the language of the computer
+  Names kinds_;                 // of files, in the language of the computer
+  uint64_t bytesToRepeat_ = 0;  // of names that many songs share, as many as are left
 };
 
 }  // namespace player

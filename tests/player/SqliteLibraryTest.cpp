@@ -244,6 +244,30 @@ TEST_F(SqliteLibraryTest, PathsAreMadeOfNamesAlone) {
   EXPECT_EQ(library.songs()[1].path, "") << "what is no file";
 }
 
+TEST_F(SqliteLibraryTest, LongNameOfManySongsIsNotRepeatedWithoutEnd) {
+  change("Library.itdb",
+         "UPDATE item SET genre_id = 1; UPDATE genre_map SET genre = hex(zeroblob(450000)) WHERE id = 1");
+  const SqliteLibrary library = read();
+  size_t bytes = 0;
+  for (const SqliteSong &song : library.songs()) bytes += song.genre.size();
+  EXPECT_GE(bytes, 900'000U);
+  EXPECT_LE(bytes, (1U << 20) + 4 * library.bytes());
+  EXPECT_THAT(findings(library),
+              ElementsAre("damaged-file: the names that songs share are longer than the file "
+                          "explains"));
+}
+
+TEST_F(SqliteLibraryTest, SongsThatTheSizeOfTheFileDoesNotExplainAreLeftOut) {
+  change("Library.itdb",
+         "DROP TABLE item; CREATE TABLE item (pid INTEGER PRIMARY KEY);"
+         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50000)"
+         "INSERT INTO item SELECT i FROM n");
+  const SqliteLibrary library = read();
+  EXPECT_LE(library.songs().size(), fs::file_size(files_ / "Library.itdb") / 32);
+  EXPECT_THAT(findings(library),
+              testing::Contains(HasSubstr("there are more songs than the file's size explains")));
+}
+
 TEST(RealNano, IsReadWholeWithItsPlayCounts) {
   const fs::path file = support::SharedFolder() / "data/players/nano-7/Library.itdb";
   if (!fs::exists(file)) GTEST_SKIP() << "no " << file;

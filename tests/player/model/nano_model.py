@@ -26,6 +26,7 @@ class Table(list):
 
 class Files:
     def __init__(self, path):
+        self.path = path
         self.handle = sqlite3.connect(f"file:{urllib.parse.quote(path)}?mode=ro&immutable=1", uri=True)
         self.handle.text_factory = Text
         for limit, value in ((sqlite3.SQLITE_LIMIT_LENGTH, 1 << 20), (sqlite3.SQLITE_LIMIT_SQL_LENGTH, 32 << 10),
@@ -38,7 +39,7 @@ class Files:
     def table(self, name, *columns):
         rows, there = Table(), None
         try:
-            there = {bytes(row[1]).decode().lower() for row in self.handle.execute(f'PRAGMA table_info("{name}")')}
+            there = {bytes(row[1]).decode(errors="replace").lower() for row in self.handle.execute(f'PRAGMA table_info("{name}")')}
             if not there:
                 rows.state = "missing"
                 return rows
@@ -48,10 +49,11 @@ class Files:
                 rows.append(dict(zip(columns, row)))
         except sqlite3.Error:
             rows.state = "damaged"
-            # Python looks for the next row before it gives one, and so keeps back the last before the damage.
+            # Python looks for the next row before it gives one, and so keeps back the last before the damage. Asked
+            # anew, since SQLite looks at a page the first time alone.
             if there:
                 with contextlib.suppress(sqlite3.Error):
-                    last = self.handle.execute(f"{query} LIMIT {len(rows) + 1}").fetchall()[len(rows):]
+                    last = Files(self.path).handle.execute(f"{query} LIMIT {len(rows) + 1}").fetchall()[len(rows):]
                     rows += [dict(zip(columns, row)) for row in last]
         return rows
 

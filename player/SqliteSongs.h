@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +12,7 @@
 #include "player/Findings.h"
 #include "player/SqliteFile.h"
 #include "player/SqliteRecords.h"
-#include "player/SqliteTables.h"
+#include "player/SqliteSongColumns.h"
 
 namespace player {
 
@@ -35,18 +34,10 @@ class SqliteSongs {
  private:
   using Names = std::map<int64_t, std::string>;
 
-  // What the item says beside a song's own record: IDs of names in other tables.
-  struct Item {
-    SqliteSong song;
-    std::string description, longDescription;
-    int64_t album = 0, trackArtist = 0, artist = 0, composer = 0, genre = 0, category = 0;
-  };
-  static std::span<const SqliteColumn<Item>> itemColumns();
-
   bool mayRepeat(const std::string &name);
   Names namesOf(SqliteFile &file, const char *table, const char *key, const char *name, bool &isThere);
-  void join(SqliteFile &file, std::vector<Item> items);
-  void putInOrder(std::vector<Item> &items);
+  void join(SqliteFile &file, std::vector<SqliteItem> items);
+  void putInOrder(std::vector<SqliteItem> &items);
   SqliteSong *ofTable(const std::string &table, int64_t pid);
 
   TableReport report_;

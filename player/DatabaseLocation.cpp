@@ -21,12 +21,18 @@ uintmax_t sizeOf(const fs::path &file) {
   return error ? 0 : size;
 }
 
+std::optional<fs::path> sqliteFileIn(const std::optional<fs::path> &folder) {
+  std::error_code error;
+  return folder && fs::is_directory(*folder, error) ? childNamed(*folder, kSqliteFile) : std::nullopt;
+}
+
 fs::path databaseIn(const fs::path &control, const fs::path &named) {
   const std::optional<fs::path> folder = childNamed(control, kDatabaseFolder);
   if (!folder) {
     throw PlayerError(named.string() + ": no database here: " + control.string() + " has no " +
                       kDatabaseFolder + " folder");
   }
+  if (const auto sqlite = sqliteFileIn(childNamed(*folder, kSqliteFolder))) return *sqlite;
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
   const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
   if (!file && !compressed) {
@@ -39,9 +45,11 @@ fs::path databaseIn(const fs::path &control, const fs::path &named) {
   return *file;
 }
 
-// The root of the player when the file is ROOT/iPod_Control/iTunes/FILE.
+// The root of the player when the file is ROOT/iPod_Control/iTunes/FILE, or a folder deeper in that of SQLite
+// files.
 fs::path volumeRootOf(const fs::path &file) {
-  const fs::path folder = file.parent_path();
+  fs::path folder = file.parent_path();
+  if (isNamed(folder, kSqliteFolder)) folder = folder.parent_path();
   const fs::path control = folder.parent_path();
   if (isNamed(folder, kDatabaseFolder) && isNamed(control, kControlFolder)) return control.parent_path();
   return {};
@@ -57,12 +65,18 @@ fs::path normalised(const fs::path &path) {
 
 }  // namespace
 
+bool DatabaseLocation::isSqlite() const { return isNamed(file, kSqliteFile); }
+
 DatabaseLocation locateDatabase(const fs::path &path) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (!fs::exists(status)) throw PlayerError(path.string(), error ? error.value() : ENOENT);
   const fs::path absolute = normalised(path);
   if (!fs::is_directory(status)) return {absolute, path.string(), volumeRootOf(absolute)};
+  if (const auto sqlite = sqliteFileIn(absolute)) return {*sqlite, sqlite->string(), volumeRootOf(*sqlite)};
+  if (isNamed(absolute, kSqliteFolder)) {
+    throw PlayerError(path.string() + ": no database here: the folder has no " + kSqliteFile);
+  }
   const std::optional<fs::path> control =
       isNamed(absolute, kControlFolder) ? absolute : childNamed(absolute, kControlFolder);
   if (!control) {

@@ -25,6 +25,14 @@ std::string_view kindName(FindingKind kind) {
       return "unnamed-file";
     case FindingKind::UnusedFile:
       return "unused-file";
+    case FindingKind::UnresolvedId:
+      return "unresolved-id";
+    case FindingKind::OtherSize:
+      return "other-size";
+    case FindingKind::AbsentFile:
+      return "absent-file";
+    case FindingKind::DamagedFile:
+      return "damaged-file";
   }
   return {};
 }

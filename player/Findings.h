@@ -22,8 +22,12 @@ enum class FindingKind {
   MissingFile,       // a song whose file is not on the volume
   UnnamedFile,       // a file in the music folder that no song names
   UnusedFile,        // a file beside the database that does not fit it
+  UnresolvedId,      // a table names by its ID what is not there
+  OtherSize,         // a song's file has another size than the library states
+  AbsentFile,        // a file that belongs to the database and is not there
+  DamagedFile,       // a file of the database, or a part of it, that cannot be read
 };
-constexpr size_t kFindingKinds = 9;
+constexpr size_t kFindingKinds = 13;
 
 // "unexplained-bytes": the kind's name in reports that programs read.
 std::string_view kindName(FindingKind kind);

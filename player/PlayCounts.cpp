@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <map>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
@@ -13,6 +14,7 @@
 #include "player/FileBytes.h"
 #include "player/FileWord.h"
 #include "player/Folder.h"
+#include "player/PlayerFolders.h"
 
 namespace player {
 
@@ -34,6 +36,15 @@ std::optional<uint32_t> eventIn(std::string_view entry, size_t at) {
   return date ? knownEvent(*date) : std::nullopt;
 }
 
+// A date of the entry that is one, and no event.
+std::optional<uint32_t> neverIn(std::string_view entry) {
+  for (const size_t at : {size_t{4}, size_t{0x18}}) {
+    const auto date = wordIn(entry, at);
+    if (date && knownDate(*date) && !knownEvent(*date)) return date;
+  }
+  return std::nullopt;
+}
+
 PlayCount countIn(std::string_view entry) {
   PlayCount count;
   count.plays = wordAt(entry, 0, false);
@@ -44,6 +55,7 @@ PlayCount countIn(std::string_view entry) {
   if (entry.size() >= 0x14 && (entry[0x11] == 1 || entry[0x11] == 2)) count.heard = entry[0x11] == 1;
   count.skips = wordIn(entry, 0x14);
   count.lastSkipped = eventIn(entry, 0x18);
+  count.never = neverIn(entry);
   return count;
 }
 
@@ -73,8 +85,10 @@ std::vector<PlayCount> readOpenFile(int file, uint64_t size, uint64_t songs) {
   return counts;
 }
 
-void takeLater(std::optional<uint32_t> &date, std::optional<uint32_t> newer) {
-  if (newer && (!date || *newer > *date)) date = newer;
+bool isLater(uint32_t one, uint32_t other, uint32_t slack) { return one > uint64_t{other} + slack; }
+
+void takeLater(std::optional<uint32_t> &date, std::optional<uint32_t> newer, uint32_t slack) {
+  if (newer && (!date || isLater(*newer, *date, slack))) date = newer;
 }
 
 // A sum of counters does not start anew.
@@ -85,9 +99,14 @@ void add(std::optional<uint32_t> &counter, uint32_t more) {
 }  // namespace
 
 std::filesystem::path playCountsBeside(const std::filesystem::path &database) {
-  if (!isNamed(database, "iTunesDB") && !isNamed(database, "iTunesCDB")) return {};
+  std::filesystem::path folder = database.parent_path();
+  if (isNamed(database, kSqliteFile)) {
+    if (isNamed(folder, kSqliteFolder)) folder = folder.parent_path();
+  } else if (!isNamed(database, kDatabaseFile) && !isNamed(database, kCompressedFile)) {
+    return {};
+  }
   try {
-    return childNamed(database.parent_path(), kFileName).value_or(std::filesystem::path());
+    return childNamed(folder, kFileName).value_or(std::filesystem::path());
   } catch (const PlayerError &) {
     return {};  // a folder that can be entered, but not listed
   }
@@ -110,8 +129,31 @@ std::vector<PlayCount> readPlayCounts(const std::filesystem::path &file, uint64_
   return {};
 }
 
-PlayCountMerge::PlayCountMerge(std::vector<PlayCount> counts, const std::function<SongFacts(size_t)> &facts)
-    : counts_(std::move(counts)) {
+std::optional<int32_t> zoneOf(const std::vector<PlayCount> &counts) {
+  constexpr uint32_t kStartOf2001 = 0xB675'7900;
+  std::map<uint32_t, uint64_t> times;
+  for (const PlayCount &count : counts) {
+    if (count.never) ++times[*count.never];
+  }
+  const auto most = std::max_element(times.begin(), times.end(), [](const auto &one, const auto &other) {
+    return one.second < other.second;
+  });
+  return most == times.end() ? std::nullopt : std::optional(static_cast<int32_t>(most->first - kStartOf2001));
+}
+
+void makeUtc(std::vector<PlayCount> &counts, int32_t zone) {
+  const auto shift = [zone](std::optional<uint32_t> &date) {
+    if (date) *date -= static_cast<uint32_t>(zone);
+  };
+  for (PlayCount &count : counts) {
+    shift(count.lastPlayed);
+    shift(count.lastSkipped);
+  }
+}
+
+PlayCountMerge::PlayCountMerge(std::vector<PlayCount> counts, const std::function<SongFacts(size_t)> &facts,
+                               uint32_t slack)
+    : counts_(std::move(counts)), slack_(slack) {
   uint64_t older = 0;
   uint64_t newer = 0;
   bool isAnyRated = false;
@@ -122,7 +164,8 @@ PlayCountMerge::PlayCountMerge(std::vector<PlayCount> counts, const std::functio
       isAnyRated = true;
       if (count.rating == song.rating) carriesRatings_ = true;
     }
-    if (count.lastPlayed && song.lastPlayed) ++(*count.lastPlayed < *song.lastPlayed ? older : newer);
+    if (count.lastPlayed && song.lastPlayed)
+      ++(isLater(*song.lastPlayed, *count.lastPlayed, slack) ? older : newer);
   }
   if (!isAnyRated) carriesRatings_ = true;
   isLeftOver_ = older > newer;
@@ -131,9 +174,9 @@ PlayCountMerge::PlayCountMerge(std::vector<PlayCount> counts, const std::functio
 SongFacts PlayCountMerge::merged(size_t song, SongFacts facts) const {
   const PlayCount &count = counts_[song];
   add(facts.plays, count.plays);
-  takeLater(facts.lastPlayed, count.lastPlayed);
+  takeLater(facts.lastPlayed, count.lastPlayed, slack_);
   add(facts.skips, count.skips.value_or(0));
-  takeLater(facts.lastSkipped, count.lastSkipped);
+  takeLater(facts.lastSkipped, count.lastSkipped, slack_);
   if (count.bookmark) facts.bookmark = count.bookmark;
   if (count.rating && (carriesRatings_ || *count.rating != 0)) facts.rating = count.rating;
   if (count.heard) facts.heard = count.heard;

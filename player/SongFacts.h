@@ -29,6 +29,9 @@ struct SongFacts {
   std::optional<uint32_t> lastPlayed;
   std::optional<uint32_t> skips;
   std::optional<uint32_t> lastSkipped;
+  // A second pair of counters, of the newest nanos alone: some count there what is new.
+  std::optional<uint32_t> recentPlays;
+  std::optional<uint32_t> recentSkips;
   std::optional<uint8_t> rating;     // 0 to 100, 20 a star; 0: none given
   std::optional<uint32_t> bookmark;  // milliseconds
   std::optional<bool> heard;         // false: marked as not heard yet

@@ -1,31 +1,17 @@
 // Writes the sample player: a directory laid out like a player's disk, with its database and placeholder
 // music files, and beside it the same songs as a big-endian desktop library.
 
-#include <cerrno>
-#include <cstring>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <stdexcept>
-#include <string>
-#include <system_error>
 
 #include "samples/SampleLibrary.h"
+#include "samples/WriteFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-void WriteFile(const fs::path &path, const std::string &bytes) {
-  std::error_code error;
-  fs::create_directories(path.parent_path(), error);
-  if (error) throw std::runtime_error(path.string() + ": " + error.message());
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  if (!file) throw std::runtime_error(path.string() + ": " + std::strerror(errno));
-}
+using samples::WriteFile;
 
 void WritePlayer(const fs::path &player) {
   const fs::path control = player / "iPod_Control";

@@ -112,5 +112,28 @@ TEST_F(DatabaseLocationTest, FileInPlaceOfAFolderIsNamed) {
   EXPECT_EQ(refusal(root_), control.string() + ": Not a directory");
 }
 
+TEST_F(DatabaseLocationTest, FolderOfSqliteFilesGoesBeforeTheOtherDatabases) {
+  folder_.write("My iPod/iPod_Control/iTunes/iTunesDB", "longer");
+  folder_.write("My iPod/iPod_Control/iTunes/iTunesCDB", "longer still");
+  const fs::path folder = folder_.makeDirectory("My iPod/iPod_Control/iTunes/iTunes library.ITLP");
+  EXPECT_FALSE(locateDatabase(root_).isSqlite()) << "the folder holds no library";
+  const fs::path file = folder_.write("My iPod/iPod_Control/iTunes/iTunes library.ITLP/library.itdb", "x");
+  for (const fs::path &path : {root_, root_ / "iPod_Control", folder, folder / "", file}) {
+    const DatabaseLocation location = locateDatabase(path);
+    EXPECT_TRUE(location.isSqlite()) << path;
+    EXPECT_EQ(location.file, file) << path;
+    EXPECT_EQ(location.volumeRoot, root_) << path;
+  }
+  EXPECT_FALSE(locateDatabase(root_ / "iPod_Control/iTunes/iTunesDB").isSqlite()) << "a file that is named";
+}
+
+TEST_F(DatabaseLocationTest, FolderOfSqliteFilesMayLieAnywhereAndMustHoldALibrary) {
+  const fs::path file = folder_.write("copy/Library.itdb", "x");
+  EXPECT_EQ(locateDatabase(folder_.path() / "copy").file, file);
+  EXPECT_EQ(locateDatabase(file).volumeRoot, "");
+  const fs::path empty = folder_.makeDirectory("iTunes Library.itlp");
+  EXPECT_THAT(refusal(empty), EndsWith("no database here: the folder has no Library.itdb"));
+}
+
 }  // namespace
 }  // namespace player

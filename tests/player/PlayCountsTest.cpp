@@ -132,6 +132,9 @@ TEST_F(PlayCountsTest, StandsBesideADatabaseOfAPlayersNameAlone) {
   folder_.write("play counts", "");
   EXPECT_EQ(playCountsBeside(folder_.path() / "iTunesDB"), folder_.path() / "play counts");
   EXPECT_EQ(playCountsBeside(folder_.path() / "ITUNESCDB"), folder_.path() / "play counts");
+  EXPECT_EQ(playCountsBeside(folder_.path() / "Library.itdb"), folder_.path() / "play counts");
+  EXPECT_EQ(playCountsBeside(folder_.path() / "iTunes Library.itlp" / "Library.itdb"),
+            folder_.path() / "play counts");
   EXPECT_EQ(playCountsBeside(folder_.path() / "other.itunesdb"), std::filesystem::path());
   EXPECT_EQ(playCountsBeside(folder_.path() / "missing" / "iTunesDB"), std::filesystem::path());
 }
@@ -190,6 +193,36 @@ TEST_F(PlayCountsTest, FileOfAnOlderDatabaseIsLeftOver) {
   EXPECT_TRUE(mergeOf({older, older, same}, songs).isLeftOver());
   EXPECT_FALSE(mergeOf({older, same, same}, songs).isLeftOver());
   EXPECT_FALSE(mergeOf({{}, {}, {}}, songs).isLeftOver());
+}
+
+TEST_F(PlayCountsTest, MostOfTheDatesForNeverShowTheZone) {
+  constexpr uint32_t kStartOf2001 = 0xB6757900;
+  std::vector<PlayCount> counts = read({{.lastPlayed = kStartOf2001 + 14400, .lastSkipped = k2005},
+                                        {.lastPlayed = k2005, .lastSkipped = kStartOf2001 + 14400},
+                                        {.lastPlayed = kStartOf2001 - 3600}});
+  EXPECT_EQ(zoneOf(counts), 14400);
+  makeUtc(counts, 14400);
+  EXPECT_EQ(counts[0].lastPlayed, std::nullopt);
+  EXPECT_EQ(counts[0].lastSkipped, k2005 - 14400);
+  EXPECT_EQ(counts[1].lastPlayed, k2005 - 14400);
+  EXPECT_EQ(zoneOf(read({{.lastPlayed = kStartOf2001 - 18000}})), -18000);
+  EXPECT_EQ(zoneOf(read({{.lastPlayed = k2005}})), std::nullopt);
+}
+
+TEST_F(PlayCountsTest, DatesThatDifferByNoMoreThanTheClocksAreTheSame) {
+  const auto facts = [](size_t) {
+    SongFacts song;
+    song.plays = 1;
+    song.lastPlayed = k2005;
+    return song;
+  };
+  const PlayCountMerge earlier(read({{.lastPlayed = k2005 - 3600}}), facts, 7200);
+  EXPECT_FALSE(earlier.isLeftOver());
+  EXPECT_EQ(earlier.merged(0, facts(0)).lastPlayed, k2005);
+  const PlayCountMerge later(read({{.lastPlayed = k2005 + 7200}, {.lastPlayed = k2005 + 7201}}), facts, 7200);
+  EXPECT_EQ(later.merged(0, facts(0)).lastPlayed, k2005);
+  EXPECT_EQ(later.merged(1, facts(0)).lastPlayed, k2005 + 7201);
+  EXPECT_TRUE(PlayCountMerge(read({{.lastPlayed = k2005 - 7201}}), facts, 7200).isLeftOver());
 }
 
 }  // namespace

@@ -12,8 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int32_t kOfAPlayer = 1;
-constexpr int32_t kOfADesktop = 0;
+constexpr bool kOfAPlayer = false;
+constexpr bool kOfADesktop = true;
 
 class SongFilesTest : public testing::Test {
  protected:

@@ -19,8 +19,10 @@ void line(std::ostream &out, const char *label, const std::string &text) {
   out << label << safeText(text) << '\n';
 }
 
-std::string bytesText(const player::FileAccount &file) {
+std::string bytesText(const CheckReport &report) {
+  const player::FileAccount &file = report.file;
   std::string text = countText(file.size, "byte", "bytes");
+  if (report.form == LibraryForm::Sqlite) return text;
   if (file.rawBytes > 0)
     text += ", " + std::to_string(file.rawBytes) + " of them raw in data sets of types that hold no records";
   if (file.unexplainedBytes == 0) return text + ", all accounted for";
@@ -41,6 +43,19 @@ void writeChunks(const player::FileAccount &file, std::ostream &out) {
     table.addRow({count.tag, count.meaning, std::to_string(count.chunks), std::to_string(count.bytes)});
   }
   table.show(out);
+}
+
+void writeTables(const CheckReport &report, std::ostream &out) {
+  using enum Column::Align;
+  Table tables({{"File", Left, 0, 0}, {"Table", Left, 0, 0}, {"Rows", Right, 0, 0}});
+  for (const player::SqliteTableCount &count : report.tables)
+    tables.addRow({count.file, count.table, std::to_string(count.rows)});
+  tables.show(out);
+  out << '\n';
+  Table counts({{"Count", Left, 0, 0}, {"Found", Right, 0, 0}, {"Read", Right, 0, 0}});
+  for (const RecordCount &count : report.reconciliation.counts)
+    counts.addRow({count.what, std::to_string(count.found), std::to_string(count.answered)});
+  counts.show(out);
 }
 
 void writeCounts(const CheckReport &report, std::ostream &out) {
@@ -85,27 +100,9 @@ nlohmann::ordered_json findingJson(const player::Finding &finding) {
   return json;
 }
 
-}  // namespace
-
-void writeText(const CheckReport &report, std::ostream &out) {
-  line(out, "Database  ", report.location.file.string() + (report.compressed ? " (compressed)" : ""));
-  line(out, "Variant   ", variantText(report.file.bigEndian));
-  line(out, "Version   ", report.file.version.empty() ? "not stated" : report.file.version);
-  line(out, "Content   ", bytesText(report.file));
-  line(out, "Files     ", filesText(report.library));
-  out << '\n';
-  writeChunks(report.file, out);
-  out << '\n';
-  writeCounts(report, out);
-  out << '\n';
-  writeFindings(report.findings, out);
-}
-
-void writeJson(const CheckReport &report, std::ostream &out) {
+Json chunksJson(const CheckReport &report) {
   const player::FileAccount &file = report.file;
   Json json = {
-      {"database", report.location.file.string()},
-      {"compressed", report.compressed},
       {"variant", file.bigEndian ? "big-endian" : "little-endian"},
       {"version", file.version},
       {"bytes", {{"total", file.size}, {"raw", file.rawBytes}, {"unexplained", file.unexplainedBytes}}}};
@@ -118,6 +115,44 @@ void writeJson(const CheckReport &report, std::ostream &out) {
     json["counts"][count.what] = countJson(count.declared, count.found);
     json["counts"][count.what]["read"] = count.answered;
   }
+  return json;
+}
+
+Json tablesJson(const CheckReport &report) {
+  Json json = {{"variant", "sqlite"},
+               {"version", report.file.version},
+               {"bytes", {{"total", report.file.size}}},
+               {"tables", Json::array()}};
+  for (const player::SqliteTableCount &count : report.tables)
+    json["tables"].push_back({{"file", count.file}, {"table", count.table}, {"rows", count.rows}});
+  for (const RecordCount &count : report.reconciliation.counts)
+    json["counts"][count.what] = {{"found", count.found}, {"read", count.answered}};
+  return json;
+}
+
+}  // namespace
+
+void writeText(const CheckReport &report, std::ostream &out) {
+  line(out, "Database  ", report.location.file.string() + (report.compressed ? " (compressed)" : ""));
+  line(out, "Variant   ", variantText(report.form));
+  line(out, "Version   ", report.file.version.empty() ? "not stated" : report.file.version);
+  line(out, "Content   ", bytesText(report));
+  line(out, "Files     ", filesText(report.library));
+  out << '\n';
+  if (report.form == LibraryForm::Sqlite) {
+    writeTables(report, out);
+  } else {
+    writeChunks(report.file, out);
+    out << '\n';
+    writeCounts(report, out);
+  }
+  out << '\n';
+  writeFindings(report.findings, out);
+}
+
+void writeJson(const CheckReport &report, std::ostream &out) {
+  Json json = {{"database", report.location.file.string()}, {"compressed", report.compressed}};
+  json.update(report.form == LibraryForm::Sqlite ? tablesJson(report) : chunksJson(report));
   const LibraryAccount &library = report.library;
   const bool looked = library.filesLeftOut.empty();
   json["files"] = {{"checked", looked}};

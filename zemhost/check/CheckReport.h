@@ -4,9 +4,11 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "player/ChunkWalk.h"
 #include "player/DatabaseLocation.h"
+#include "player/SqliteLibrary.h"
 #include "zemhost/check/LibraryCheck.h"
 #include "zemhost/library/Reconciliation.h"
 
@@ -14,9 +16,11 @@ namespace zemhost {
 
 struct CheckReport {
   player::DatabaseLocation location;
+  LibraryForm form = LibraryForm::Player;
   bool compressed = false;
-  player::FileAccount file;
-  Reconciliation reconciliation;
+  player::FileAccount file;                      // none of SQLite files but for version and size
+  std::vector<player::SqliteTableCount> tables;  // of SQLite files alone
+  Reconciliation reconciliation;                 // likewise only what is found and read
   LibraryAccount library;
   player::Findings findings;  // of all the above
 };

@@ -30,7 +30,7 @@ class Check {
     const fs::path &root = library_.location().volumeRoot;
     if (root.empty()) {
       account_.filesLeftOut = "the database is on no player";
-    } else if (library_.libType() == 0) {
+    } else if (library_.form() == LibraryForm::Desktop) {
       account_.filesLeftOut = "a desktop library names files of another machine";
     }
     checkSongs();
@@ -51,7 +51,7 @@ class Check {
         add(player::FindingKind::LossyText,
             songLabel(index, song) + ": the " + field + " holds characters that are not valid");
       }
-      compareReaders(index, song);
+      if (library_.object() != nullptr) compareReaders(index, song);
       if (account_.filesLeftOut.empty()) checkFile(index, song);
     }
   }
@@ -60,12 +60,12 @@ class Check {
     const auto differs = [&](const std::string &text) {
       add(player::FindingKind::ClassDiffers, songLabel(index, song) + ": " + text);
     };
-    if (song.facts.id != static_cast<uint32_t>(song.id)) {
-      differs("the file holds no song of the ID " + std::to_string(song.id) + " at its place");
+    if (song.facts.id != static_cast<uint32_t>(song.id.value_or(0))) {
+      differs("the file holds no song of the ID " + std::to_string(song.id.value_or(0)) + " at its place");
       return;
     }
     for (const std::string &text :
-         songDifferences(song, library_.textsInFile(index), library_.libType() == 0))
+         songDifferences(song, library_.textsInFile(index), library_.form() == LibraryForm::Desktop))
       differs(text);
   }
 
@@ -74,6 +74,11 @@ class Check {
     if (file.isThere()) {
       ++account_.filesThere;
       named_.insert(file.path.string());
+      if (library_.form() == LibraryForm::Sqlite && song.facts.size && file.size != song.size) {
+        add(player::FindingKind::OtherSize,
+            songLabel(index, song) + ": its file has " + std::to_string(file.size) +
+                " bytes, and the library states " + std::to_string(song.size) + ": " + file.name);
+      }
       return;
     }
     ++account_.filesMissing;
@@ -94,9 +99,8 @@ class Check {
         const PlaylistEntry entry = library_.entry(list, position);
         if (entry.song >= 0) continue;
         ++account_.entriesWithoutSong;
-        add(player::FindingKind::EntryWithoutSong, name + ", entry " + std::to_string(position) +
-                                                       ": no song has the ID " +
-                                                       std::to_string(entry.trackID));
+        add(player::FindingKind::EntryWithoutSong,
+            name + ", entry " + std::to_string(position) + ": no song has the ID " + entry.id);
       }
     }
   }

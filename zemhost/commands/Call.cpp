@@ -5,18 +5,19 @@
 #include "host/Error.h"
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
-#include "zemhost/commands/OpenAndWarn.h"
+#include "zemhost/library/OpenDatabase.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
 
 namespace zemhost {
 
 int callObject(const CallArguments &arguments) {
-  const Object object = openAndWarn(arguments.path).object;
+  const OpenDatabase database = openDatabase(Host::load(), arguments.path);
+  for (const std::string &warning : database.warnings) printError(warning);
   int status = kSuccess;
   for (const std::string &line : arguments.lines) {
     try {
-      std::cout << safeText(object.evaluate(line).describe()) << '\n';
+      std::cout << safeText(database.object.evaluate(line).describe()) << '\n';
     } catch (const HostError &error) {
       std::cout.flush();  // so that results and errors come in order where both go to one place
       printError(error.what());

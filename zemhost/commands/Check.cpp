@@ -1,10 +1,16 @@
+#include <algorithm>
 #include <iostream>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "zemhost/ExitStatus.h"
 #include "zemhost/check/CheckReport.h"
 #include "zemhost/commands/Commands.h"
 #include "zemhost/library/OpenDatabase.h"
+#include "zemhost/library/OpenLibrary.h"
+#include "zemhost/library/SqliteSource.h"
 
 namespace zemhost {
 
@@ -27,11 +33,8 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
   }
 }
 
-}  // namespace
-
-int checkDatabase(const CheckArguments &arguments) {
-  OpenDatabase database = loadDatabase(Host::load(), arguments.path);
-  CheckReport report{database.location, database.compressed, database.account, {}, {}, {}};
+CheckReport checkLoaded(OpenDatabase database) {
+  CheckReport report{database.location, {}, database.compressed, database.account, {}, {}, {}, {}};
   report.findings = report.file.findings;
   if (database.bytesAfterStream > 0) {
     report.findings.add(
@@ -41,9 +44,43 @@ int checkDatabase(const CheckArguments &arguments) {
   if (!database.songs->warning().empty())
     report.findings.add(player::FindingKind::UnusedFile, database.songs->warning());
   const MusicLibrary library(std::move(database));
-  report.reconciliation = reconcile(report.file, library.object());
+  report.form = library.form();
+  report.reconciliation = reconcile(report.file, *library.object());
   addDifferences(report.reconciliation, library, report.file, report.findings);
   report.library = checkLibrary(library, report.findings);
+  return report;
+}
+
+uint64_t rowsOf(const player::SqliteLibrary &library, std::string_view table) {
+  const auto &tables = library.tables();
+  const auto found = std::find_if(tables.begin(), tables.end(), [&](const player::SqliteTableCount &count) {
+    return count.table == table;
+  });
+  return found == tables.end() ? 0 : found->rows;
+}
+
+CheckReport checkSqlite(const player::DatabaseLocation &location) {
+  const auto files = readSqliteLibrary(location);
+  const MusicLibrary library(Host::load(), std::make_shared<const SqliteSource>(location, files));
+  CheckReport report{location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {}, files->findings()};
+  report.file.version = files->version();
+  report.file.size = files->bytes();
+  uint64_t entries = 0;
+  for (const player::SqliteList &list : files->lists()) entries += list.entries.size();
+  report.reconciliation.counts = {
+      {"songs", 0, rowsOf(*files, "item"), files->songs().size()},
+      {"playlists", 0, rowsOf(*files, "container") - files->categories(), files->lists().size()},
+      {"entries", 0, rowsOf(*files, "item_to_container"), entries}};
+  report.library = checkLibrary(library, report.findings);
+  return report;
+}
+
+}  // namespace
+
+int checkDatabase(const CheckArguments &arguments) {
+  const player::DatabaseLocation location = player::locateDatabase(arguments.path);
+  const CheckReport report =
+      location.isSqlite() ? checkSqlite(location) : checkLoaded(loadDatabase(Host::load(), arguments.path));
   if (arguments.json) {
     writeJson(report, std::cout);
   } else {

@@ -129,8 +129,8 @@ void writeJson(const Comparison &comparison, const MusicLibrary &a, const MusicL
 
 int compare(const CompareArguments &arguments) {
   const Host host = Host::load();
-  const MusicLibrary a(openAndWarn(host, arguments.a));
-  const MusicLibrary b(openAndWarn(host, arguments.b));
+  const MusicLibrary a = openAndWarn(host, arguments.a);
+  const MusicLibrary b = openAndWarn(host, arguments.b);
   const Sameness by = samenessNamed(arguments.by);
   const Comparison comparison = compareLibraries(a, b, by);
   if (arguments.json) {

@@ -59,7 +59,7 @@ void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library
     for (const int32_t index : group.songs) {
       const Song song = library.song(index);
       texts["songs"].push_back({{"song_index", index},
-                                {"track_id", song.id},
+                                {"track_id", song.id ? Json(*song.id) : Json()},
                                 {"album", song.album},
                                 {"duration_ms", song.duration},
                                 {"size_bytes", song.size},
@@ -75,7 +75,7 @@ void writeJson(const std::vector<SongGroup> &groups, const MusicLibrary &library
 }  // namespace
 
 int listDuplicates(const DuplicatesArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   const Sameness by = arguments.anyAlbum ? Sameness::SongOfArtist : Sameness::Song;
   std::vector<SongGroup> groups = groupSongs(library, by);
   std::erase_if(groups, [](const SongGroup &group) { return group.songs.size() < 2; });

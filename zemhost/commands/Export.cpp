@@ -89,7 +89,8 @@ std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const Expo
   if (arguments.format == "sqlite") return makeSqliteWriter(arguments.output, columns);
   auto out = std::make_unique<EncodedOutput>(arguments.encoding, library.host(), arguments.output);
   if (arguments.format == "csv") return makeCsvWriter(std::move(out), columns);
-  if (arguments.format == "listenbrainz") return makeListenWriter(std::move(out));
+  if (arguments.format == "listenbrainz")
+    return makeListenWriter(std::move(out), library.form() == LibraryForm::Sqlite);
   if (arguments.format == "json") return makeJsonWriter(std::move(out), columns);
   return makeNdjsonWriter(std::move(out), columns);
 }
@@ -141,7 +142,7 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
 }  // namespace
 
 int exportLibrary(const ExportArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   const Selection selection(library, arguments);
   if (arguments.format == "m3u8") {
     writeM3u(library, selection, arguments);

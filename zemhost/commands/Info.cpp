@@ -1,5 +1,8 @@
+#include <filesystem>
 #include <string>
 
+#include "player/Folder.h"
+#include "player/PlayerFolders.h"
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
 #include "zemhost/commands/OpenAndWarn.h"
@@ -16,13 +19,25 @@ namespace {
 // What the class calls the volume of a file that is on no player is the file's own path or name.
 std::string volumeText(const MusicLibrary &library) {
   if (library.location().volumeRoot.empty()) return "none, a database file by itself";
-  return library.object().get("VolumeName").text();
+  return library.volumeName();
+}
+
+// Of a newest nano: the databases beside the SQLite files, which such players do not read themselves.
+std::string otherDatabases(const MusicLibrary &library) {
+  const std::filesystem::path folder = library.location().file.parent_path();
+  if (library.form() != LibraryForm::Sqlite || !player::isNamed(folder, player::kSqliteFolder)) return {};
+  std::string names;
+  for (const char *const name : {player::kCompressedFile, player::kDatabaseFile}) {
+    if (!player::childNamed(folder.parent_path(), name)) continue;
+    names += names.empty() ? name : std::string(" and ") + name;
+  }
+  return names;
 }
 
 }  // namespace
 
 int showInfo(const ListingArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   Totals totals;
   const int32_t songs = library.songCount();
   for (int32_t index = 0; index < songs; ++index) totals.add(library.duration(index), library.size(index));
@@ -37,11 +52,14 @@ int showInfo(const ListingArguments &arguments) {
   };
   writeLine("Database   ", library.location().file.string());
   writeLine("Volume     ", volumeText(library));
-  writeLine("Variant    ", variantText(library.libType() == 0));
+  writeLine("Variant    ", variantText(library.form()));
+  if (const std::string others = otherDatabases(library); !others.empty())
+    writeLine("Not read   ", others + ": the SQLite files are the player's own library");
   writeLine("Songs      ", std::to_string(songs));
   writeLine("Playlists  ", std::to_string(playlists) + " with " + countText(entries, "entry", "entries"));
   writeLine("Time       ", totalTimeText(totals.duration));
-  writeLine("Size       ", totalSizeText(totals.size));
+  const bool isSizeKnown = totals.size != 0 || songs == 0 || library.form() != LibraryForm::Sqlite;
+  writeLine("Size       ", isSizeKnown ? totalSizeText(totals.size) : "not known");
   out.finish();
   return kSuccess;
 }

@@ -1,15 +1,16 @@
 #include "zemhost/commands/OpenAndWarn.h"
 
+#include "zemhost/library/OpenLibrary.h"
 #include "zemhost/output/Messages.h"
 
 namespace zemhost {
 
-OpenDatabase openAndWarn(const std::filesystem::path &path) { return openAndWarn(Host::load(), path); }
+MusicLibrary openAndWarn(const std::filesystem::path &path) { return openAndWarn(Host::load(), path); }
 
-OpenDatabase openAndWarn(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database = openDatabase(host, path);
-  for (const std::string &warning : database.warnings) printError(warning);
-  return database;
+MusicLibrary openAndWarn(const Host &host, const std::filesystem::path &path) {
+  const OpenedLibrary opened = openLibrary(host, path);
+  for (const std::string &warning : opened.warnings) printError(warning);
+  return opened.library;
 }
 
 }  // namespace zemhost

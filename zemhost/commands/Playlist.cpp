@@ -9,7 +9,7 @@
 namespace zemhost {
 
 int listPlaylist(const PlaylistArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   const int32_t playlist = choosePlaylist(library, arguments.playlist);
   EncodedOutput out(arguments.encoding, library.host());
   SongTable table(out, arguments.columns);
@@ -17,7 +17,7 @@ int listPlaylist(const PlaylistArguments &arguments) {
   for (int32_t position = 0; position < count; ++position) {
     const PlaylistEntry entry = library.entry(playlist, position);
     if (entry.song < 0) {
-      table.addMissingSong(position, entry.trackID);
+      table.addMissingSong(position, entry.id);
     } else {
       table.addSong(position, library.song(entry.song));
     }

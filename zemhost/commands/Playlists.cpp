@@ -11,7 +11,7 @@
 namespace zemhost {
 
 int listPlaylists(const ListingArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   EncodedOutput out(arguments.encoding, library.host());
   using enum Column::Align;
   Table table({{"#", Right, 0, 0},
@@ -24,8 +24,7 @@ int listPlaylists(const ListingArguments &arguments) {
   const int32_t count = library.playlistCount();
   for (int32_t number = 0; number < count; ++number) {
     const Totals totals = library.playlistTotals(number);
-    // Players and desktop programs store the list of everything before all others.
-    table.addRow({std::to_string(number), library.playlistName(number), number == 0 ? "library" : "playlist",
+    table.addRow({std::to_string(number), library.playlistName(number), library.playlistKind(number),
                   std::to_string(library.entryCount(number)), totalTimeText(totals.duration),
                   totalSizeText(totals.size)});
   }

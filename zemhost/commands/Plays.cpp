@@ -114,7 +114,7 @@ class PlaysReport {
 }  // namespace
 
 int showPlays(const PlaysArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   const Sameness by = samenessOf(arguments.by);
   uint64_t unknown = 0;
   const std::vector<Played> all = playedIn(library, by, unknown);

@@ -49,7 +49,7 @@ void writeSummary(const RescueResult &result, bool dryRun) {
 
 int rescueMusic(const RescueArguments &arguments) {
   RescueRequest request{arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun};
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   for (const std::string &wanted : arguments.playlists) {
     const int32_t list = choosePlaylist(library, wanted);
     const auto &chosen = request.playlists;

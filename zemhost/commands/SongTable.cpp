@@ -126,11 +126,11 @@ void SongTable::addSong(int32_t number, const Song &song) {
   table_.addRow(std::move(row));
 }
 
-void SongTable::addMissingSong(int32_t number, int32_t trackID) {
+void SongTable::addMissingSong(int32_t number, const std::string &id) {
   ++missing_;
   std::vector<std::string> row(cells_.size() + 1);
   row[0] = std::to_string(number);
-  row[1] = "(no song has the ID " + std::to_string(trackID) + ")";
+  row[1] = "(no song has the ID " + id + ")";
   table_.addRow(std::move(row));
 }
 

@@ -21,7 +21,7 @@ class SongTable {
   // One row, and its share in the totals. `number` is what stands in the first column.
   void addSong(int32_t number, const Song &song);
   // A row for a playlist entry whose song is not in the library.
-  void addMissingSong(int32_t number, int32_t trackID);
+  void addMissingSong(int32_t number, const std::string &id);
 
   // Writes the table, to the terminal's width when standard output is one, and a line that sums it up.
   // Nothing can be written to the output after it.

@@ -8,7 +8,7 @@
 namespace zemhost {
 
 int listSongs(const SongsArguments &arguments) {
-  const MusicLibrary library(openAndWarn(arguments.path));
+  const MusicLibrary library = openAndWarn(arguments.path);
   EncodedOutput out(arguments.encoding, library.host());
   SongTable table(out, arguments.columns);
   const int32_t count = library.songCount();

@@ -11,16 +11,12 @@
 
 #include "host/Error.h"
 #include "host/runtime/Names.h"
-#include "zemhost/library/StoredText.h"
+#include "zemhost/export/ClassAnswers.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
 
 namespace {
-
-Method integerMethod(const MusicLibrary &library, const std::string &name) {
-  return library.object().method(name + "(index As Integer) As Integer");
-}
 
 // Words of the file are unsigned; an Integer of host code shows half of them as negative.
 Json word(const Value &value) { return static_cast<uint32_t>(value.integer()); }
@@ -90,13 +86,21 @@ struct SongColumns::State {
     if (!read) read = library.song(index);
     return *read;
   }
-  Json wordOf(const Method &method) const { return word(method(index)); }
-  Json numberedText(int32_t number) const {
-    const Value text = unknown(index, number);
-    return text.isNil() ? Json() : textOrNull(numberedTextOf(text.bytes(), number));
+  // The class answers 0 for what is not known.
+  Json count(uint32_t number) const { return number == 0 && !answers ? Json() : Json(number); }
+  // What the class answers; null where it has no part in the library.
+  Json wordOf(Method SongAnswers::*method) const {
+    return answers ? word((*answers.*method)(index)) : Json();
   }
-  static std::string numberedTextOf(std::string_view bytes, int32_t number) {
-    return number == kEnclosureUrl || number == kFeedUrl ? addressText(bytes) : otherText(bytes);
+  Json prop(int32_t number) const { return answers ? word(answers->prop(index, number)) : Json(); }
+  Json trackText() const { return answers ? textOrNull(answers->trackText(index).text()) : Json(); }
+  Json absolutePath() {
+    if (answers) return textOrNull(answers->absolutePath(song().path).text());
+    const bool isKnown = !song().path.empty() && !library.location().volumeRoot.empty();
+    return isKnown ? Json(library.volumeName() + song().path) : Json();
+  }
+  Json numberedText(int32_t number) const {
+    return textOrNull(library.numberedText(index, number).value_or(std::string()));
   }
   Json otherTexts() const;
   // A text to sort by, without the control characters at its end that some programs write.
@@ -111,56 +115,47 @@ struct SongColumns::State {
   const std::optional<player::PlayCount> &sinceSync() { return song().sinceSync; }
   // The class reads these at their places whatever the length of the header, into the song's texts where it
   // is shorter.
-  Json compilationFlag() { return facts().compilation ? Json(compilation(index).boolean()) : Json(); }
-  Json mediaTypeWord() { return facts().mediaType ? wordOf(mediaType) : Json(); }
+  Json compilationFlag() {
+    return facts().compilation && answers ? Json(answers->compilation(index).boolean())
+                                          : known(facts().compilation);
+  }
+  Json mediaTypeWord() {
+    return facts().mediaType && answers ? wordOf(&SongAnswers::mediaType) : known(facts().mediaType);
+  }
   Json movie() {
-    if (!facts().movie) return {};
+    if (!facts().movie || !answers) return known(facts().movie);
     // The class looks the flag up by track ID, so a song whose ID an earlier one has hides its own.
-    const int32_t id = song().id;
-    return indexOfID(id).integer() == index ? Json(movieFlag(id).boolean()) : Json();
+    const int32_t id = song().id.value_or(0);
+    return answers->indexOfID(id).integer() == index ? Json(answers->movieFlag(id).boolean()) : Json();
   }
 
   const MusicLibrary &library;
   int32_t index = 0;
   std::optional<Song> read;
 
-  Method unknown = library.object().method("GetUnknown(index As Integer, num As Integer) As String");
-  Method unknownCount = integerMethod(library, "CountSongUnknown");
-  Method prop = library.object().method("GetProp(index As Integer, num As Integer) As Integer");
-  Method mediaType = integerMethod(library, "GetMediaType");
-  Method compilation = library.object().method("GetCompilation(index As Integer) As Boolean");
-  Method movieFlag = library.object().method("GetMovieFileFlag(index As Integer) As Boolean");
-  Method indexOfID = library.object().method("GetIndex(trackID As Integer) As Integer");
-  Method trackText = library.object().method("GetTrackTotalInfo(index As Integer) As String");
-  Method absolutePath = library.object().method("GetAbsolutePath(path As String) As String");
-  Method titleEncode = integerMethod(library, "GetTitleEncode");
-  Method pathEncode = integerMethod(library, "GetPathEncode");
-  Method albumEncode = integerMethod(library, "GetAlbumEncode");
-  Method artistEncode = integerMethod(library, "GetArtistEncode");
-  Method genreEncode = integerMethod(library, "GetGenreEncode");
-  Method composerEncode = integerMethod(library, "GetComposerEncode");
-  Method fileTypeEncode = integerMethod(library, "GetFileTypeEncode");
+  std::optional<SongAnswers> answers;
 
   std::vector<ExportColumn> columns;
   std::vector<Json (*)(State &)> readers;  // beside columns
 };
 
 Json SongColumns::State::otherTexts() const {
-  const int32_t count = unknownCount(index).integer();
+  const int32_t count = library.numberedTextCount(index);
   Json texts = Json::object();
   int32_t found = 0;
   for (int32_t number = 0; number <= kLastNumber && found < count; ++number) {
-    const Value text = unknown(index, number);
-    if (text.isNil()) continue;
+    const std::optional<std::string> text = library.numberedText(index, number);
+    if (!text) continue;
     ++found;
     if (std::count(std::begin(kNumbersWithAColumn), std::end(kNumbersWithAColumn), number) != 0) continue;
-    texts[std::to_string(number)] = numberedTextOf(text.bytes(), number);
+    texts[std::to_string(number)] = *text;
   }
   return texts.empty() ? Json() : texts;
 }
 
 SongColumns::State::State(const MusicLibrary &source, const std::vector<std::string> &names)
     : library(source) {
+  if (const Object *const object = library.object()) answers.emplace(*object);
   using S = State;
   using enum ColumnType;
   struct Known {
@@ -169,21 +164,21 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
   };
   static const Known kKnown[] = {
       {{"song_index", Integer}, [](S &s) { return Json(s.index); }},
-      {{"track_id", Integer}, [](S &s) { return Json(s.song().id); }},
+      {{"track_id", Integer}, [](S &s) { return known(s.song().id); }},
       {{"title", Text}, [](S &s) { return textOrNull(s.song().title); }},
       {{"artist", Text}, [](S &s) { return textOrNull(s.song().artist); }},
       {{"album", Text}, [](S &s) { return textOrNull(s.song().album); }},
       {{"genre", Text}, [](S &s) { return textOrNull(s.song().genre); }},
       {{"composer", Text}, [](S &s) { return textOrNull(s.song().composer); }},
       {{"file_type", Text}, [](S &s) { return textOrNull(s.song().fileType); }},
-      {{"track", Integer}, [](S &s) { return Json(s.song().track); }},
-      {{"track_total", Integer}, [](S &s) { return Json(s.song().trackTotal); }},
-      {{"track_text", Text}, [](S &s) { return textOrNull(s.trackText(s.index).text()); }},
-      {{"year", Integer}, [](S &s) { return Json(s.song().year); }},
-      {{"duration_ms", Integer}, [](S &s) { return Json(s.song().duration); }},
-      {{"size_bytes", Integer}, [](S &s) { return Json(s.song().size); }},
-      {{"bit_rate_kbps", Integer}, [](S &s) { return Json(s.song().bitRate); }},
-      {{"sample_rate_hz", Integer}, [](S &s) { return Json(s.song().sampleRate); }},
+      {{"track", Integer}, [](S &s) { return s.count(s.song().track); }},
+      {{"track_total", Integer}, [](S &s) { return s.count(s.song().trackTotal); }},
+      {{"track_text", Text}, [](S &s) { return s.trackText(); }},
+      {{"year", Integer}, [](S &s) { return s.count(s.song().year); }},
+      {{"duration_ms", Integer}, [](S &s) { return s.count(s.song().duration); }},
+      {{"size_bytes", Integer}, [](S &s) { return s.count(s.song().size); }},
+      {{"bit_rate_kbps", Integer}, [](S &s) { return s.count(s.song().bitRate); }},
+      {{"sample_rate_hz", Integer}, [](S &s) { return s.count(s.song().sampleRate); }},
       {{"date_added", Text}, [](S &s) { return dateOrNull(s.facts().added); }},
       {{"date_modified", Text}, [](S &s) { return dateOrNull(s.song().modified); }},
       {{"date_released", Text}, [](S &s) { return dateOrNull(s.facts().released); }},
@@ -196,6 +191,8 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
        [](S &s) { return s.sinceSync() ? Json(s.sinceSync()->plays) : Json(); }},
       {{"skips_since_sync", Integer},
        [](S &s) { return s.sinceSync() ? known(s.sinceSync()->skips) : Json(); }},
+      {{"play_count_recent", Integer}, [](S &s) { return known(s.facts().recentPlays); }},
+      {{"skip_count_recent", Integer}, [](S &s) { return known(s.facts().recentSkips); }},
       {{"rating", Integer}, [](S &s) { return known(s.facts().rating); }},
       {{"bookmark", Integer}, [](S &s) { return known(s.facts().bookmark); }},
       {{"heard", Boolean}, [](S &s) { return known(s.facts().heard); }},
@@ -227,7 +224,7 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"gapless_album", Boolean}, [](S &s) { return known(s.facts().gaplessAlbum); }},
       {{"persistent_id", Text}, [](S &s) { return hexOrNull(s.facts().persistentId); }},
       {{"path", Text}, [](S &s) { return textOrNull(s.song().path); }},
-      {{"absolute_path", Text}, [](S &s) { return textOrNull(s.absolutePath(s.song().path).text()); }},
+      {{"absolute_path", Text}, [](S &s) { return s.absolutePath(); }},
       {{"file", Text}, [](S &s) { return textOrNull(s.library.file(s.song().path).path.string()); }},
       {{"comment", Text}, [](S &s) { return s.numberedText(kComment); }},
       {{"grouping", Text}, [](S &s) { return s.numberedText(kGrouping); }},
@@ -245,18 +242,18 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"enclosure_url", Text}, [](S &s) { return s.numberedText(kEnclosureUrl); }},
       {{"feed_url", Text}, [](S &s) { return s.numberedText(kFeedUrl); }},
       {{"other_texts", Texts}, [](S &s) { return s.otherTexts(); }},
-      {{"numbered_texts", Integer}, [](S &s) { return Json(s.unknownCount(s.index).integer()); }},
-      {{"prop_0", Integer}, [](S &s) { return word(s.prop(s.index, 0)); }},
-      {{"prop_1", Integer}, [](S &s) { return word(s.prop(s.index, 1)); }},
-      {{"prop_2", Integer}, [](S &s) { return word(s.prop(s.index, 2)); }},
-      {{"prop_3", Integer}, [](S &s) { return word(s.prop(s.index, 3)); }},
-      {{"title_encode", Integer}, [](S &s) { return s.wordOf(s.titleEncode); }},
-      {{"path_encode", Integer}, [](S &s) { return s.wordOf(s.pathEncode); }},
-      {{"album_encode", Integer}, [](S &s) { return s.wordOf(s.albumEncode); }},
-      {{"artist_encode", Integer}, [](S &s) { return s.wordOf(s.artistEncode); }},
-      {{"genre_encode", Integer}, [](S &s) { return s.wordOf(s.genreEncode); }},
-      {{"composer_encode", Integer}, [](S &s) { return s.wordOf(s.composerEncode); }},
-      {{"file_type_encode", Integer}, [](S &s) { return s.wordOf(s.fileTypeEncode); }},
+      {{"numbered_texts", Integer}, [](S &s) { return Json(s.library.numberedTextCount(s.index)); }},
+      {{"prop_0", Integer}, [](S &s) { return s.prop(0); }},
+      {{"prop_1", Integer}, [](S &s) { return s.prop(1); }},
+      {{"prop_2", Integer}, [](S &s) { return s.prop(2); }},
+      {{"prop_3", Integer}, [](S &s) { return s.prop(3); }},
+      {{"title_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::titleEncode); }},
+      {{"path_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::pathEncode); }},
+      {{"album_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::albumEncode); }},
+      {{"artist_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::artistEncode); }},
+      {{"genre_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::genreEncode); }},
+      {{"composer_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::composerEncode); }},
+      {{"file_type_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::fileTypeEncode); }},
   };
   const auto add = [this](const Known &known) {
     columns.push_back(known.column);
@@ -296,16 +293,19 @@ Row SongColumns::row(int32_t index) const {
 }
 
 struct PlaylistColumns::State {
-  explicit State(const MusicLibrary &source) : library(source) {}
+  explicit State(const MusicLibrary &source) : library(source) {
+    if (const Object *const object = library.object()) answers.emplace(*object);
+  }
 
-  Method method(const std::string &declaration) const { return library.object().method(declaration); }
+  // The class answers 0 for what is not known.
+  Json count(uint32_t number) const { return number == 0 && !answers ? Json() : Json(number); }
+  // What the class answers; null where it has no part in the library.
+  Json wordOf(Method PlaylistAnswers::*method, int32_t playlist) const {
+    return answers ? word((*answers.*method)(playlist)) : Json();
+  }
 
   const MusicLibrary &library;
-  Method typeI = method("GetPlayListTypeI(playlist As Integer) As Integer");
-  Method typeII = method("GetPlayListTypeII(playlist As Integer) As Integer");
-  Method nameEncode = method("GetPlayListEncode(playlist As Integer) As Integer");
-  Method play = method("GetPlaySong(playlist As Integer, index As Integer) As Boolean");
-  Method flags = method("GetFlags(playlist As Integer, index As Integer) As Integer");
+  std::optional<PlaylistAnswers> answers;
 };
 
 PlaylistColumns::PlaylistColumns(const MusicLibrary &library) : state_(std::make_unique<State>(library)) {}
@@ -334,17 +334,19 @@ Row PlaylistColumns::row(int32_t playlist) const {
   const MusicLibrary &library = state_->library;
   return {playlist,
           textOrNull(library.playlistName(playlist)),
-          playlist == 0 ? "library" : "playlist",
+          library.playlistKind(playlist),
           library.entryCount(playlist),
-          word(state_->typeI(playlist)),
-          word(state_->typeII(playlist)),
-          word(state_->nameEncode(playlist))};
+          state_->wordOf(&PlaylistAnswers::typeI, playlist),
+          state_->wordOf(&PlaylistAnswers::typeII, playlist),
+          state_->wordOf(&PlaylistAnswers::nameEncode, playlist)};
 }
 
 Row PlaylistColumns::entryRow(int32_t playlist, int32_t position) const {
   const PlaylistEntry entry = state_->library.entry(playlist, position);
-  return {position, entry.song < 0 ? Json() : Json(entry.song), entry.trackID,
-          state_->play(playlist, position).boolean(), word(state_->flags(playlist, position))};
+  const std::optional<PlaylistAnswers> &answers = state_->answers;
+  return {position, entry.song < 0 ? Json() : Json(entry.song), known(entry.trackID),
+          answers ? Json(answers->play(playlist, position).boolean()) : Json(),
+          answers ? word(answers->flags(playlist, position)) : Json()};
 }
 
 }  // namespace zemhost

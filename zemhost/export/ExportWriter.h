@@ -49,8 +49,9 @@ const std::vector<std::string> &listenFields();
 
 // One JSON object a line for each song that was played since the last synchronisation, as ListenBrainz
 // imports them. The player keeps the time of the last play alone, so a song is one listen. Songs that lack
-// what a listen must have are left out, and counted on standard error.
-std::unique_ptr<ExportWriter> makeListenWriter(std::unique_ptr<EncodedOutput> out);
+// what a listen must have are left out, and counted on standard error. Dates that are not UTC are taken for
+// this machine's zone.
+std::unique_ptr<ExportWriter> makeListenWriter(std::unique_ptr<EncodedOutput> out, bool datesAreUtc);
 
 // A SQLite database with the tables songs, playlists and entries. The columns must hold
 // song_index and track_id, which entries refer to.

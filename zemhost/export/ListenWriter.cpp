@@ -11,24 +11,28 @@ namespace zemhost {
 
 namespace {
 
-// The moment of a date on the player's clock, which is taken to show the time of this machine's zone.
-std::optional<int64_t> momentOf(const std::string &date) {
+// The moment of a date in UTC, or on the player's clock, which is taken to show the time of this machine's
+// zone.
+std::optional<int64_t> momentOf(const std::string &date, bool isUtc) {
   std::tm parts{};
   const char *const end = strptime(date.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
   if (end == nullptr || *end != '\0') return std::nullopt;
+  if (isUtc) return timegm(&parts);
   parts.tm_isdst = -1;  // whichever held then
   return std::mktime(&parts);
 }
 
 class ListenWriter final : public ExportWriter {
  public:
-  explicit ListenWriter(std::unique_ptr<EncodedOutput> out) : out_(std::move(out)) {}
+  ListenWriter(std::unique_ptr<EncodedOutput> out, bool datesAreUtc)
+      : out_(std::move(out)), datesAreUtc_(datesAreUtc) {}
 
   void song(Row row) override {
     enum { Title, Artist, Album, Track, Duration, LastPlayed, Plays };
     if (row[Plays].is_null() || row[Plays] == 0) return;
-    const auto moment =
-        row[LastPlayed].is_string() ? momentOf(row[LastPlayed].get<std::string>()) : std::nullopt;
+    const auto moment = row[LastPlayed].is_string()
+                            ? momentOf(row[LastPlayed].get<std::string>(), datesAreUtc_)
+                            : std::nullopt;
     if (!moment || row[Title].is_null() || row[Artist].is_null()) {
       ++leftOut_;
       return;
@@ -53,6 +57,7 @@ class ListenWriter final : public ExportWriter {
 
  private:
   std::unique_ptr<EncodedOutput> out_;
+  bool datesAreUtc_;
   uint64_t leftOut_ = 0;
 };
 
@@ -64,8 +69,8 @@ const std::vector<std::string> &listenFields() {
   return kFields;
 }
 
-std::unique_ptr<ExportWriter> makeListenWriter(std::unique_ptr<EncodedOutput> out) {
-  return std::make_unique<ListenWriter>(std::move(out));
+std::unique_ptr<ExportWriter> makeListenWriter(std::unique_ptr<EncodedOutput> out, bool datesAreUtc) {
+  return std::make_unique<ListenWriter>(std::move(out), datesAreUtc);
 }
 
 }  // namespace zemhost

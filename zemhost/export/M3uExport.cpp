@@ -10,7 +10,7 @@ namespace zemhost {
 // Whether a path goes down from the player's root, or from a volume of a desktop library, without an empty
 // name: that would go up, and would stand in a list as the "//" of an address or a network share.
 bool M3uExport::isPlain(const std::string &path) const {
-  if (library_.libType() != 0 && !path.starts_with(':')) return false;
+  if (library_.form() != LibraryForm::Desktop && !path.starts_with(':')) return false;
   return path.find("::") == std::string::npos;
 }
 

@@ -27,8 +27,10 @@ std::string missingFileText(int32_t index, const Song &song, const SongFile &fil
   return label + ": its file is missing: " + file.name + (file.isOutside() ? " lies outside the player" : "");
 }
 
-std::string variantText(bool bigEndian) {
-  return bigEndian ? "big-endian, a desktop program's library" : "little-endian, a player's database";
+std::string variantText(LibraryForm form) {
+  if (form == LibraryForm::Sqlite) return "SQLite files, a newest nano's database";
+  return form == LibraryForm::Desktop ? "big-endian, a desktop program's library"
+                                      : "little-endian, a player's database";
 }
 
 }  // namespace zemhost

@@ -18,7 +18,7 @@ std::string playlistLabel(int32_t number, const std::string &name);
 // That a song's file is not there, or is not taken since it lies outside the player.
 std::string missingFileText(int32_t index, const Song &song, const SongFile &file);
 
-// What the byte order of a database says of its origin.
-std::string variantText(bool bigEndian);
+// What the form of a database says of its origin.
+std::string variantText(LibraryForm form);
 
 }  // namespace zemhost

@@ -77,9 +77,9 @@ void lookAt(const carbon::Descriptor &open, SongFile &file) {
 
 }  // namespace
 
-SongFiles::SongFiles(const player::DatabaseLocation &location, int32_t libType)
+SongFiles::SongFiles(const player::DatabaseLocation &location, bool namesVolumes)
     : onPlayer_(!location.volumeRoot.empty()),
-      namesVolumes_(libType == 0),
+      namesVolumes_(namesVolumes),
       volume_(volumeName(location.volumeRoot)),
       root_(location.volumeRoot),
       rootFolder_(onPlayer_ ? ::open(root_.c_str(), kLookUpOnly | O_CLOEXEC) : -1) {

@@ -35,7 +35,8 @@ struct SongFile {
 // name any volume; one that lies on a player, that player alone.
 class SongFiles {
  public:
-  SongFiles(const player::DatabaseLocation &location, int32_t libType);
+  // `namesVolumes`: the paths begin with a volume's name, as those of a desktop library do.
+  SongFiles(const player::DatabaseLocation &location, bool namesVolumes);
 
   // The file of a song's path, colon-separated UTF-8. Reads a folder once, however many names are looked up.
   SongFile find(const std::string &path);
@@ -62,7 +63,7 @@ class SongFiles {
   std::string nameIn(const std::string &below, const std::string &name);
 
   bool onPlayer_;
-  bool namesVolumes_;  // its paths begin with a volume's name
+  bool namesVolumes_;
   std::string volume_;
   std::filesystem::path root_;
   carbon::Descriptor rootFolder_;

@@ -11,51 +11,38 @@ namespace zemhost {
 
 namespace {
 
-Method textMethod(const MusicLibrary &library, const std::string &name) {
-  return library.object().method("Get" + name + "(index As Integer) As String");
-}
-
-Method compareMethod(const MusicLibrary &library, const std::string &name) {
-  return library.object().method("Compare" + name + "(IndexA As Integer, IndexB As Integer) As Boolean");
-}
-
-// The texts by which songs are told apart, and the class's method that has the last word.
+// The texts by which songs are told apart, and the one whose comparison has the last word.
 struct Criterion {
-  std::vector<Method> texts;
-  Method same;
+  std::vector<SongTextField> texts;
+  SongTextField same;
 };
 
-Criterion criterionOf(const MusicLibrary &library, Sameness by) {
-  const auto of = [&](const std::vector<std::string> &names, const std::string &compare) {
-    Criterion criterion{{}, compareMethod(library, compare)};
-    for (const std::string &name : names) criterion.texts.push_back(textMethod(library, name));
-    return criterion;
-  };
+Criterion criterionOf(Sameness by) {
+  using enum SongTextField;
   switch (by) {
     case Sameness::Song:
-      return of({"Title", "Artist", "Album"}, "Album");
+      return {{Title, Artist, Album}, Album};
     case Sameness::SongOfArtist:
-      return of({"Title", "Artist"}, "Artist");
+      return {{Title, Artist}, Artist};
     case Sameness::Artist:
-      return of({"Artist"}, "Artist");
+      return {{Artist}, Artist};
     case Sameness::Album:
-      return of({"Album", "Artist"}, "Album");
+      return {{Album, Artist}, Album};
     case Sameness::Genre:
-      return of({"Genre"}, "Genre");
+      return {{Genre}, Genre};
     case Sameness::Composer:
       break;
   }
-  return of({"Composer"}, "Composer");
+  return {{Composer}, Composer};
 }
 
 bool isOfSongs(Sameness by) { return by == Sameness::Song || by == Sameness::SongOfArtist; }
 
 // The bytes of the texts, each behind its length, so that no two lists of texts give the same.
-std::string bytesOf(const std::vector<Method> &texts, int32_t song) {
+std::string bytesOf(const MusicLibrary &library, const std::vector<SongTextField> &texts, int32_t song) {
   std::string key;
-  for (const Method &text : texts) {
-    const Value value = text(song);
-    const std::string_view bytes = value.bytes();
+  for (const SongTextField text : texts) {
+    const std::string bytes = library.storedText(text, song);
     key.append(std::to_string(bytes.size())).append(1, ':').append(bytes);
   }
   return key;
@@ -115,7 +102,7 @@ const std::vector<std::string_view> &textNames(Sameness by) {
 }
 
 std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint64_t *comparisons) {
-  const Criterion criterion = criterionOf(library, by);
+  const Criterion criterion = criterionOf(by);
   const auto isBefore = [comparisons](const std::string &one, const std::string &other) {
     if (comparisons != nullptr) ++*comparisons;
     return one < other;
@@ -126,12 +113,12 @@ std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint
   std::map<std::string, size_t, decltype(isBefore)> places(isBefore);
   const int32_t count = library.songCount();
   for (int32_t song = 0; song < count; ++song) {
-    const bool isAlone = isOfSongs(by) && criterion.texts.front()(song).bytes().empty();
+    const bool isAlone = isOfSongs(by) && library.storedText(criterion.texts.front(), song).empty();
     std::optional<size_t> place;
     if (!isAlone) {
-      const auto [found, isNew] = places.try_emplace(bytesOf(criterion.texts, song), groups.size());
+      const auto [found, isNew] = places.try_emplace(bytesOf(library, criterion.texts, song), groups.size());
       // The class compares the same bytes, in one look at each; where it says otherwise, it is right.
-      if (!isNew && criterion.same(groups[found->second].songs.front(), song).boolean())
+      if (!isNew && library.isSame(criterion.same, groups[found->second].songs.front(), song))
         place = found->second;
     }
     if (place) {

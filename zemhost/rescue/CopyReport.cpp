@@ -58,7 +58,7 @@ bool isSame(const CopyRecord &one, const CopyRecord &other) {
 
 std::string songIdentity(const Song &song, const SongFile &file) {
   return lineOf({{"path", file.name},
-                 {"track_id", song.id},
+                 {"track_id", song.id ? Json(*song.id) : Json()},
                  {"title", song.title},
                  {"artist", song.artist},
                  {"album", song.album}});

@@ -35,7 +35,7 @@ class Rescue {
         plan_(library, request.pattern, destination_, report_) {}
 
   RescueResult run() {
-    if (library_.location().volumeRoot.empty() && library_.libType() != 0) {
+    if (library_.location().volumeRoot.empty() && library_.form() != LibraryForm::Desktop) {
       throw HostError(library_.location().name +
                       ": the database is on no player, so the files of its songs cannot be found");
     }
@@ -172,7 +172,9 @@ class Rescue {
   std::vector<int32_t> chosenLists() const {
     if (!request_.playlists.empty()) return request_.playlists;
     std::vector<int32_t> lists;
-    for (int32_t list = 1; list < library_.playlistCount(); ++list) lists.push_back(list);
+    for (int32_t list = 0; list < library_.playlistCount(); ++list) {
+      if (library_.playlistKind(list) != "library") lists.push_back(list);
+    }
     return lists;
   }
 

@@ -92,6 +92,7 @@ def add_facts(song, facts, counted):
     song["media_kind"] = kind_text(facts["media_type"] or 0)
     song["plays_since_sync"] = counted and counted["plays"]
     song["skips_since_sync"] = counted and counted["skips"]
+    song.update(play_count_recent=None, skip_count_recent=None)  # of the newest nanos alone
     volume = facts["volume"]
     song["volume_percent"] = None if volume is None else round(volume * 100 / 255)
     loudness = facts["sound_check"]

@@ -1,0 +1,100 @@
+// Prints what the reader of a player knows of the SQLite files of newest nanos, for a reader of another
+// making to compare: for each Library.itdb one line of JSON, null for one that is refused.
+
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "player/Error.h"
+#include "player/SqliteLibrary.h"
+#include "tests/player/FactsJson.h"
+
+namespace {
+
+using player::Json;
+
+std::string hexadecimal(const std::string &bytes) {
+  constexpr const char *kDigits = "0123456789abcdef";
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    text.append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 15]);
+  }
+  return text;
+}
+
+Json jsonOfSong(const player::SqliteSong &song) {
+  Json json = player::jsonOf(song.facts);
+  json.erase("id");
+  json.update({{"pid", song.pid},
+               {"place", player::jsonOf(song.place)},
+               {"title", song.title},
+               {"artist", song.artist},
+               {"album", song.album},
+               {"genre", song.genre},
+               {"composer", song.composer},
+               {"kind", song.kind},
+               {"path", song.path},
+               {"lossy", song.lossyTexts},
+               {"recent_plays", player::jsonOf(song.facts.recentPlays)},
+               {"recent_skips", player::jsonOf(song.facts.recentSkips)},
+               {"sample_rate", player::jsonOf(song.sampleRate)},
+               {"has_cover", player::jsonOf(song.hasCover)},
+               {"image_id", player::jsonOf(song.imageId)}});
+  json["texts"] = Json::array();
+  for (const player::SongText &text : song.texts) json["texts"].push_back({text.type, text.text});
+  return json;
+}
+
+Json jsonOfList(const player::SqliteList &list) {
+  constexpr const char *kKinds[] = {"library", "ordinary", "smart", "folder"};
+  Json json = {{"pid", list.pid},
+               {"kind", kKinds[static_cast<size_t>(list.kind)]},
+               {"name", list.name},
+               {"lost", list.lost > 0},
+               {"created", player::jsonOf(list.created)},
+               {"modified", player::jsonOf(list.modified)},
+               {"parent", player::jsonOf(list.parent)},
+               {"category", player::jsonOf(list.category)},
+               {"criteria", hexadecimal(list.criteria)},
+               {"uses_rules", player::jsonOf(list.usesRules)},
+               {"is_limited", player::jsonOf(list.isLimited)},
+               {"is_live", player::jsonOf(list.isLive)},
+               {"only_checked", player::jsonOf(list.onlyChecked)},
+               {"reverse", player::jsonOf(list.reverse)},
+               {"limit_kind", player::jsonOf(list.limitKind)},
+               {"limit_order", player::jsonOf(list.limitOrder)},
+               {"limit", player::jsonOf(list.limit)}};
+  json["entries"] = Json::array();
+  for (const player::SqliteList::Entry &entry : list.entries)
+    json["entries"].push_back({entry.pid, player::jsonOf(entry.song)});
+  return json;
+}
+
+Json jsonOfLibrary(const std::string &path) {
+  try {
+    const player::SqliteLibrary library(player::sqliteFilesBeside(path));
+    Json json = {{"version", library.version()},
+                 {"has_counts", library.hasCounts()},
+                 {"categories", library.categories()},
+                 {"songs", Json::array()},
+                 {"lists", Json::array()}};
+    for (const player::SqliteSong &song : library.songs()) json["songs"].push_back(jsonOfSong(song));
+    for (const player::SqliteList &list : library.lists()) json["lists"].push_back(jsonOfList(list));
+    return json;
+  } catch (const player::PlayerError &) {
+    return {};
+  }
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  try {
+    for (int i = 1; i < argc; ++i) std::puts(jsonOfLibrary(argv[i]).dump().c_str());
+  } catch (const std::exception &error) {
+    (void)std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+  return 0;
+}

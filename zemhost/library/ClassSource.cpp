@@ -1,0 +1,177 @@
+#include "zemhost/library/ClassSource.h"
+
+#include <system_error>
+#include <utility>
+
+#include "host/Error.h"
+#include "zemhost/library/ClassWords.h"
+#include "zemhost/library/StoredText.h"
+
+namespace zemhost {
+
+namespace {
+
+// With this result encoding the class hands out every text but the path without converting it.
+constexpr uint32_t kTextsAsStored = kUtf16;
+// And with this one the path.
+constexpr uint32_t kPathsAsStored = kAscii;
+
+// Numbered texts that hold an Internet address.
+constexpr int32_t kEnclosureUrl = 15;
+constexpr int32_t kFeedUrl = 16;
+
+uint32_t number(const Method &method, int32_t index) {
+  return static_cast<uint32_t>(method(index).integer());
+}
+
+}  // namespace
+
+ClassSource::TextMethods::TextMethods(const Object &object, const std::string &name)
+    : text(object.method("Get" + name + "(index As Integer) As String")),
+      encode(object.method("Get" + name + "Encode(index As Integer) As Integer")) {}
+
+std::string ClassSource::TextMethods::read(int32_t index, int32_t libType, size_t *lost) const {
+  const Value stored = text(index);
+  if (stored.isNil()) return {};
+  return songText(stored.bytes(), static_cast<uint32_t>(encode(index).integer()), libType, lost);
+}
+
+ClassSource::ClassSource(OpenDatabase database) : database_(std::move(database)) {
+  database_.object.set("ResultEncode", kTextsAsStored);
+}
+
+Method ClassSource::numberMethod(const std::string &name) const {
+  return database_.object.method(name + "(index As Integer) As Integer");
+}
+
+Method ClassSource::compareMethod(const std::string &name) const {
+  return database_.object.method("Compare" + name + "(IndexA As Integer, IndexB As Integer) As Boolean");
+}
+
+// What a step gives that reads the file; a failure names the file.
+template <typename Step>
+auto ClassSource::read(const Step &step) const {
+  try {
+    return step();
+  } catch (const std::system_error &error) {
+    throw HostError(database_.location.name + ": " + error.code().message());
+  }
+}
+
+// A song stands at the same place in the class's list and in the file. Where other IDs show that it does not,
+// as may be in a damaged file, nothing more is known of it.
+void ClassSource::addFacts(int32_t index, Song &song) const {
+  const auto place = static_cast<size_t>(index);
+  const player::PlayerSongs &songs = *database_.songs;
+  if (place >= songs.count()) return;
+  const player::SongFacts facts = read([&] { return songs.facts(place); });
+  if (facts.id != static_cast<uint32_t>(*song.id)) return;
+  song.facts = facts;
+  if (const player::PlayCount *counted = songs.counted(place)) song.sinceSync = *counted;
+}
+
+Song ClassSource::song(int32_t index) const {
+  Song song;
+  song.id = id_(index).integer();
+  song.title = title_.read(index, libType_);
+  song.artist = artist_.read(index, libType_);
+  song.album = album_.read(index, libType_);
+  song.genre = genre_.read(index, libType_);
+  song.composer = composer_.read(index, libType_);
+  song.fileType = fileType_.read(index, libType_);
+  database_.object.set("ResultEncode", kPathsAsStored);
+  song.path = pathText(path_(index).bytes(), libType_);
+  database_.object.set("ResultEncode", kTextsAsStored);
+  song.track = number(track_, index);
+  song.trackTotal = number(trackTotal_, index);
+  song.duration = duration(index);
+  song.size = size(index);
+  song.year = number(year_, index);
+  song.bitRate = rateWord(bitRate_(index).integer(), libType_);
+  song.sampleRate = sampleRateHertz(rateWord(sampleRate_(index).integer(), libType_));
+  song.modified = number(modified_, index);
+  addFacts(index, song);
+  return song;
+}
+
+uint32_t ClassSource::duration(int32_t index) const { return number(duration_, index); }
+uint32_t ClassSource::size(int32_t index) const { return number(size_, index); }
+
+std::optional<std::string> ClassSource::numberedText(int32_t index, int32_t number) const {
+  const Value text = numberedText_(index, number);
+  if (text.isNil()) return std::nullopt;
+  return number == kEnclosureUrl || number == kFeedUrl ? addressText(text.bytes()) : otherText(text.bytes());
+}
+
+std::vector<player::SongText> ClassSource::textsInFile(int32_t index) const {
+  const auto place = static_cast<size_t>(index);
+  const player::PlayerSongs &songs = *database_.songs;
+  return place < songs.count() ? read([&] { return songs.texts(place); }) : std::vector<player::SongText>();
+}
+
+std::vector<std::string> ClassSource::lossyTexts(int32_t index) const {
+  const std::pair<const char *, const TextMethods *> fields[] = {
+      {"title", &title_}, {"artist", &artist_},     {"album", &album_},
+      {"genre", &genre_}, {"composer", &composer_}, {"file type", &fileType_}};
+  std::vector<std::string> names;
+  for (const auto &[name, methods] : fields) {
+    size_t lost = 0;
+    methods->read(index, libType_, &lost);
+    if (lost > 0) names.emplace_back(name);
+  }
+  return names;
+}
+
+std::string ClassSource::storedText(SongTextField field, int32_t index) const {
+  const auto bytesOf = [index](const TextMethods &methods) {
+    const Value text = methods.text(index);
+    return std::string(text.bytes());
+  };
+  switch (field) {
+    case SongTextField::Title:
+      return bytesOf(title_);
+    case SongTextField::Artist:
+      return bytesOf(artist_);
+    case SongTextField::Album:
+      return bytesOf(album_);
+    case SongTextField::Genre:
+      return bytesOf(genre_);
+    case SongTextField::Composer:
+      break;
+  }
+  return bytesOf(composer_);
+}
+
+bool ClassSource::isSame(SongTextField by, int32_t one, int32_t other) const {
+  switch (by) {
+    case SongTextField::Title:
+      return storedText(by, one) == storedText(by, other);  // the class has no method for it
+    case SongTextField::Artist:
+      return sameArtist_(one, other).boolean();
+    case SongTextField::Album:
+      return sameAlbum_(one, other).boolean();
+    case SongTextField::Genre:
+      return sameGenre_(one, other).boolean();
+    case SongTextField::Composer:
+      break;
+  }
+  return sameComposer_(one, other).boolean();
+}
+
+std::string ClassSource::playlistName(int32_t playlist, size_t *lost) const {
+  const Value name = playlistName_(playlist);
+  if (name.isNil()) return {};
+  const auto code = static_cast<uint32_t>(playlistEncode_(playlist).integer());
+  return playlistNameText(name.bytes(), code, libType_, lost);
+}
+
+PlaylistEntry ClassSource::entry(int32_t playlist, int32_t position) const {
+  PlaylistEntry entry;
+  entry.trackID = entryTrackID_(playlist, position).integer();
+  entry.id = std::to_string(*entry.trackID);
+  const int32_t song = entrySong_(playlist, position).integer();
+  if (song < songCount() && id_(song).integer() == *entry.trackID) entry.song = song;
+  return entry;
+}
+
+}  // namespace zemhost

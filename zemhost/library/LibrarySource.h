@@ -1,0 +1,67 @@
+#pragma once
+
+// Where a library comes from: each kind of database answers the same questions, for MusicLibrary to ask.
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Host.h"
+#include "player/DatabaseLocation.h"
+#include "player/SongReader.h"
+#include "zemhost/library/Song.h"
+
+namespace zemhost {
+
+enum class LibraryForm {
+  Desktop,  // a desktop program's library: it names files of other volumes
+  Player,   // a player's database
+  Sqlite    // the newest nanos' own: SQLite files
+};
+
+class LibrarySource {
+ public:
+  LibrarySource() = default;
+  LibrarySource(const LibrarySource &) = delete;
+  LibrarySource &operator=(const LibrarySource &) = delete;
+  virtual ~LibrarySource() = default;
+
+  virtual const player::DatabaseLocation &location() const = 0;
+  virtual LibraryForm form() const = 0;
+  // Of the player; what the source says for a database that lies on none means nothing.
+  virtual std::string volumeName() const = 0;
+  // The class's object that has loaded the database; nullptr where the class has no part in it.
+  virtual const Object *object() const { return nullptr; }
+
+  // Songs go by their position in the library. Nothing is checked beyond the source's own bounds, which give
+  // an empty one.
+  virtual int32_t songCount() const = 0;
+  virtual Song song(int32_t index) const = 0;
+  virtual uint32_t duration(int32_t index) const = 0;
+  virtual uint32_t size(int32_t index) const = 0;
+  // A text with a number of its own, in UTF-8; none where the song has no such text. And how many there are.
+  virtual std::optional<std::string> numberedText(int32_t index, int32_t number) const = 0;
+  virtual int32_t numberedTextCount(int32_t index) const = 0;
+  // All its texts as the file has them, read without the class.
+  virtual std::vector<player::SongText> textsInFile(int32_t index) const = 0;
+  // The names of those of its texts that Unicode cannot hold whole: "title".
+  virtual std::vector<std::string> lossyTexts(int32_t index) const = 0;
+  // The bytes of a text by which songs of this library are grouped, and whether two songs with the same bytes
+  // are the same by this text.
+  virtual std::string storedText(SongTextField field, int32_t index) const = 0;
+  virtual bool isSame(SongTextField by, int32_t one, int32_t other) const = 0;
+  virtual bool hasCounts() const = 0;
+
+  // Playlists go by their number, entries by their position. What Unicode cannot hold of a name adds to
+  // `lost`, if there is one.
+  virtual int32_t playlistCount() const = 0;
+  virtual std::string playlistName(int32_t playlist, size_t *lost) const = 0;
+  // "library" for the list of everything, "playlist" for one that a person made.
+  virtual std::string playlistKind(int32_t playlist) const = 0;
+  virtual int32_t entryCount(int32_t playlist) const = 0;
+  virtual PlaylistEntry entry(int32_t playlist, int32_t position) const = 0;
+};
+
+}  // namespace zemhost

@@ -1,0 +1,30 @@
+#include "zemhost/library/OpenLibrary.h"
+
+#include <utility>
+
+#include "zemhost/library/SqliteSource.h"
+
+namespace zemhost {
+
+std::shared_ptr<const player::SqliteLibrary> readSqliteLibrary(const player::DatabaseLocation &location) {
+  const player::SqliteFiles files = player::sqliteFilesBeside(location.file);
+  for (const std::filesystem::path &file :
+       {files.library, files.locations, files.dynamic, files.extras, files.genius}) {
+    if (!file.empty() && !location.volumeRoot.empty())
+      checkPlace({file, file == files.library ? location.name : file.string(), location.volumeRoot});
+  }
+  return std::make_shared<const player::SqliteLibrary>(files);
+}
+
+OpenedLibrary openLibrary(const Host &host, const std::filesystem::path &path) {
+  const player::DatabaseLocation location = player::locateDatabase(path);
+  if (!location.isSqlite()) {
+    OpenDatabase database = openDatabase(host, path);
+    std::vector<std::string> warnings = std::move(database.warnings);
+    return {MusicLibrary(std::move(database)), std::move(warnings)};
+  }
+  const auto library = readSqliteLibrary(location);
+  return {MusicLibrary(host, std::make_shared<const SqliteSource>(location, library)), library->warnings()};
+}
+
+}  // namespace zemhost

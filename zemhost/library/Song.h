@@ -1,0 +1,54 @@
+#pragma once
+
+// The records of a library as every command sees them, whatever they were read from.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "player/PlayCounts.h"
+#include "player/SongFacts.h"
+
+namespace zemhost {
+
+struct Song {
+  std::optional<int32_t> id;  // by which entries refer to it; none in a library without such numbers
+  std::string title, artist, album, genre, composer, fileType;  // UTF-8; empty when the song has none
+  std::string path;                                             // on the device, colon-separated
+  uint32_t track = 0;
+  uint32_t trackTotal = 0;
+  uint32_t duration = 0;  // milliseconds
+  uint32_t size = 0;      // bytes
+  uint32_t year = 0;
+  uint32_t bitRate = 0;     // kilobits per second
+  uint32_t sampleRate = 0;  // hertz
+  uint32_t modified = 0;    // when its file changed; seconds since the start of 1904, in no time zone
+  // What the player's files say; all unknown when its place in them is not sure.
+  player::SongFacts facts;
+  std::optional<player::PlayCount>
+      sinceSync;  // of this, what the player counted since the last synchronisation
+};
+
+// The texts by which songs are told apart.
+enum class SongTextField { Title, Artist, Album, Genre, Composer };
+
+// What a list adds up to.
+struct Totals {
+  uint64_t songs = 0;
+  uint64_t duration = 0;  // milliseconds
+  uint64_t size = 0;      // bytes
+
+  void add(uint32_t songDuration, uint32_t songSize) {
+    ++songs;
+    duration += songDuration;
+    size += songSize;
+  }
+};
+
+struct PlaylistEntry {
+  std::string id;                  // of its song, as the library writes it
+  std::optional<int32_t> trackID;  // the same as a number, in a library that has such
+  int32_t song = -1;               // library index; -1 when no song has the ID
+};
+
+}  // namespace zemhost

@@ -309,6 +309,8 @@ size_t BeginFile(ChunkWriter &out, size_t sets, std::optional<uint32_t> headerLe
 std::string WriteLibrary(const Library &library, Variant variant) {
   ChunkWriter out(variant);
   const size_t file = BeginFile(out, library.sets.size(), library.headerLength);
+  HeaderFields fields(out, file);
+  for (const auto &[offset, value] : library.words) fields.Word(offset, value);
   for (const DataSet &set : library.sets) AppendDataSet(out, set);
   out.Finish(file);
   return out.TakeBytes();

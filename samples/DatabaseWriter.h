@@ -173,6 +173,7 @@ struct DataSet {
 struct Library {
   std::vector<DataSet> sets{};
   std::optional<uint32_t> headerLength{};
+  std::map<uint32_t, uint32_t> words{};  // as of a track
 };
 
 // A data set of type 1 with the tracks, then one of type 2 with the playlists.

@@ -285,7 +285,7 @@ std::string SampleDesktopLibrary() {
     auto bytes = InMacRoman(*list.name);
     if (!bytes) continue;
     list.name.reset();
-    list.objects = {EightBitObject(100, std::move(*bytes))};
+    list.objects.insert(list.objects.begin(), EightBitObject(100, std::move(*bytes)));
   }
   return WriteLibrary(OrdinaryLibrary(std::move(tracks), std::move(lists)), kVariant);
 }

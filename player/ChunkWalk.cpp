@@ -13,6 +13,7 @@ namespace player {
 namespace {
 
 constexpr size_t kFileHeaderSeen = 0x34;  // as far as the fields that are read go
+constexpr uint32_t kGroupedLists = 3;     // the type of the set in which podcasts stand in groups
 constexpr size_t kMostOpen = 64;          // unknown containers inside each other
 constexpr size_t kMostOtherTags = 50;     // listed one by one in the account
 
@@ -230,7 +231,10 @@ class Walk {
     } else if (chunk.kind == kPlaylist && readByClass) {
       ++account_.playlists;
       account_.entriesOf.push_back(0);
+      account_.playlistsAt.push_back(chunk.at);
       account_.declaredEntries += announcedBy(chunk);
+    } else if (chunk.kind == kPlaylist && setType_ == kGroupedLists) {
+      account_.groupedListsAt.push_back(chunk.at);
     } else if (chunk.kind == kEntry && readByClass) {
       ++account_.entries;
       if (!account_.entriesOf.empty()) ++account_.entriesOf.back();

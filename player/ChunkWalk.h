@@ -32,9 +32,11 @@ struct FileAccount {
   uint64_t declaredPlaylists = 0;  // in the headers of their lists
   uint64_t entries = 0;            // of these playlists
   uint64_t declaredEntries = 0;
-  std::vector<uint32_t> entriesOf;  // of each of them
-  std::vector<uint64_t> tracksAt;   // where the tracks begin
-  uint64_t rawBytes = 0;            // in data sets whose type says nothing about what they hold
+  std::vector<uint32_t> entriesOf;       // of each of them
+  std::vector<uint64_t> tracksAt;        // where the tracks begin
+  std::vector<uint64_t> playlistsAt;     // where the playlists that the class reads begin
+  std::vector<uint64_t> groupedListsAt;  // and those of the set in which podcasts stand in groups
+  uint64_t rawBytes = 0;                 // in data sets whose type says nothing about what they hold
   uint64_t unexplainedBytes = 0;
   Findings findings;
 };

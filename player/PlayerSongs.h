@@ -26,6 +26,10 @@ class PlayerSongs {
   // std::system_error when the database cannot be read any more.
   SongFacts facts(size_t song) const;
   std::vector<SongText> texts(size_t song) const { return reader_.texts(song); }
+  std::vector<Chapter> chapters(size_t song) const { return reader_.chapters(song); }
+
+  // Likewise what the database alone says, as of the last synchronisation.
+  SongFacts storedFacts(size_t song) const { return reader_.facts(song); }
 
   // What the player counted of it; nullptr when it left no counts that fit the database.
   const PlayCount *counted(size_t song) const { return merge_ ? &merge_->count(song) : nullptr; }

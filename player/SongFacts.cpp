@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "player/FileWord.h"
+#include "player/RecordHeader.h"
 
 namespace player {
 
@@ -14,81 +14,26 @@ constexpr uint32_t kWidestZone = 14 * 3600;
 constexpr uint8_t kHighestRating = 100;
 constexpr uint32_t kProtected = 0x0101'0100;
 
-// The numbers of a header, those that lie wholly in it.
-class Header {
- public:
-  Header(std::string_view bytes, bool bigEndian) : bytes_(bytes), bigEndian_(bigEndian) {
-    if (bytes.size() >= 8) bytes_ = bytes.substr(0, wordAt(bytes, 4, bigEndian));
-  }
-
-  std::optional<uint32_t> word(size_t at) const {
-    return has(at, 4) ? std::optional(wordAt(bytes_, at, bigEndian_)) : std::nullopt;
-  }
-  std::optional<uint8_t> byte(size_t at) const {
-    return has(at, 1) ? std::optional(static_cast<uint8_t>(bytes_[at])) : std::nullopt;
-  }
-  std::optional<uint16_t> half(size_t at) const {
-    if (!has(at, 2)) return std::nullopt;
-    const uint32_t first = *byte(at);
-    const uint32_t second = *byte(at + 1);
-    return static_cast<uint16_t>(bigEndian_ ? first << 8 | second : second << 8 | first);
-  }
-  std::optional<uint64_t> twoWords(size_t at) const {
-    if (!has(at, 8)) return std::nullopt;
-    const uint64_t first = *word(at);
-    const uint64_t second = *word(at + 4);
-    return bigEndian_ ? first << 32 | second : second << 32 | first;
-  }
-
-  std::optional<uint32_t> date(size_t at) const { return known(word(at), knownDate); }
-  std::optional<uint32_t> event(size_t at) const { return known(word(at), knownEvent); }
-  std::optional<bool> flag(size_t at) const {
-    const auto mark = byte(at);
-    return mark ? std::optional(*mark != 0) : std::nullopt;
-  }
-  // Of a mark with one value for each answer, and others that say nothing.
-  std::optional<bool> mark(size_t at, uint8_t yes, uint8_t no) const {
-    const auto found = byte(at);
-    return found && (*found == yes || *found == no) ? std::optional(*found == yes) : std::nullopt;
-  }
-
- private:
-  bool has(size_t at, size_t size) const { return bytes_.size() >= size && at <= bytes_.size() - size; }
-
-  static std::optional<uint32_t> known(std::optional<uint32_t> stored,
-                                       std::optional<uint32_t> (*rule)(uint32_t)) {
-    return stored ? rule(*stored) : std::nullopt;
-  }
-
-  std::string_view bytes_;
-  bool bigEndian_;
-};
-
-template <typename Number>
-std::optional<Number> unlessZero(std::optional<Number> number) {
-  return number && *number != 0 ? number : std::nullopt;
-}
-
-std::optional<uint8_t> ratingAt(const Header &header, size_t at) {
+std::optional<uint8_t> ratingAt(const RecordHeader &header, size_t at) {
   const auto rating = header.byte(at);
   return rating && *rating <= kHighestRating ? rating : std::nullopt;
 }
 
 // Two counters, of which programs write one or both; the second counts only beside a date.
-std::optional<uint32_t> skipsOf(const Header &header) {
+std::optional<uint32_t> skipsOf(const RecordHeader &header) {
   const auto skips = header.word(0x98);
   if (!skips || *skips != 0 || !header.event(0xa0)) return skips;
   return header.word(0x9c).value_or(0);
 }
 
-std::optional<bool> isBought(const Header &header) {
+std::optional<bool> isBought(const RecordHeader &header) {
   const auto date = header.word(0xdc);
   const auto number = header.word(0xe0);
   if (!number) return std::nullopt;
   return *number != 0 || *date != 0;
 }
 
-void readCommon(const Header &header, SongFacts &facts) {
+void readCommon(const RecordHeader &header, SongFacts &facts) {
   facts.id = header.word(0x10).value_or(0);
   facts.modified = header.word(0x20);
   facts.size = header.word(0x24);
@@ -100,7 +45,7 @@ void readCommon(const Header &header, SongFacts &facts) {
   facts.rateWord = header.word(0x3c);
 }
 
-void readBigEndian(const Header &header, SongFacts &facts) {
+void readBigEndian(const RecordHeader &header, SongFacts &facts) {
   facts.plays = header.word(0x4c);
   facts.lastPlayed = header.event(0x64);
   facts.rating = ratingAt(header, 0x6c);
@@ -109,7 +54,7 @@ void readBigEndian(const Header &header, SongFacts &facts) {
   facts.bpm = unlessZero(header.half(0xa4));
 }
 
-void readCounts(const Header &header, SongFacts &facts) {
+void readCounts(const RecordHeader &header, SongFacts &facts) {
   facts.rating = ratingAt(header, 0x1f);
   facts.plays = header.word(0x50);
   facts.lastPlayed = header.event(0x58);
@@ -120,7 +65,7 @@ void readCounts(const Header &header, SongFacts &facts) {
   facts.heard = header.mark(0xb2, 1, 2);
 }
 
-void readKinds(const Header &header, SongFacts &facts) {
+void readKinds(const RecordHeader &header, SongFacts &facts) {
   facts.compilation = header.flag(0x1e);
   facts.disc = unlessZero(header.word(0x5c));
   facts.discs = unlessZero(header.word(0x60));
@@ -139,7 +84,7 @@ void readKinds(const Header &header, SongFacts &facts) {
   facts.bought = isBought(header);
 }
 
-void readPlayback(const Header &header, SongFacts &facts) {
+void readPlayback(const RecordHeader &header, SongFacts &facts) {
   if (const auto volume = header.word(0x40)) facts.volume = static_cast<int32_t>(*volume);
   facts.start = unlessZero(header.word(0x44));
   facts.stop = unlessZero(header.word(0x48));
@@ -169,7 +114,7 @@ std::optional<uint32_t> knownEvent(uint32_t date) {
 }
 
 SongFacts readSongFacts(std::string_view header, bool bigEndian) {
-  const Header fields(header, bigEndian);
+  const RecordHeader fields(header, bigEndian);
   SongFacts facts;
   readCommon(fields, facts);
   if (bigEndian) {

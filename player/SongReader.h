@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "player/Chapters.h"
+#include "player/RecordObjects.h"
 #include "player/SongFacts.h"
 
 namespace player {
@@ -30,13 +32,15 @@ class SongReader {
   // break off. Those of more than a mebibyte are left out.
   std::vector<SongText> texts(size_t index) const;
 
+  // The chapters of the song; none for most.
+  std::vector<Chapter> chapters(size_t index) const;
+
  private:
+  std::vector<StoredObject> objects(size_t index) const;
+
   int file_;
   bool bigEndian_;
   std::vector<uint64_t> songs_;
 };
-
-// UTF-8 of UTF-16, with U+FFFD for what is no character; a last odd byte is left out.
-std::string utf8OfUtf16(std::string_view bytes, bool bigEndian);
 
 }  // namespace player

@@ -264,6 +264,7 @@ void AppendEntry(ChunkWriter &out, const Entry &entry) {
   HeaderFields fields(out, chunk);
   fields.Word(0x10, entry.ply);
   fields.Word(0x18, entry.ref);
+  for (const auto &[offset, value] : entry.words) fields.Word(offset, value);
   for (const DataObject &object : entry.objects) AppendObject(out, object);
   out.Finish(chunk);
 }
@@ -277,6 +278,7 @@ void AppendPlaylist(ChunkWriter &out, const Playlist &playlist) {
   fields.Word(0x10, Length32(playlist.entries.size()));
   if (playlist.master) fields.Word(0x14, little ? 1 : 0x100);
   fields.Byte(0x2c, playlist.typeII);
+  for (const auto &[offset, value] : playlist.words) fields.Word(offset, value);
   if (playlist.name) AppendObject(out, TextObject(little ? 1 : 100, *playlist.name));
   for (const DataObject &object : playlist.objects) AppendObject(out, object);
   for (const Entry &entry : playlist.entries) AppendEntry(out, entry);
@@ -307,6 +309,8 @@ size_t BeginFile(ChunkWriter &out, size_t sets, std::optional<uint32_t> headerLe
 std::string WriteLibrary(const Library &library, Variant variant) {
   ChunkWriter out(variant);
   const size_t file = BeginFile(out, library.sets.size(), library.headerLength);
+  HeaderFields fields(out, file);
+  for (const auto &[offset, value] : library.words) fields.Word(offset, value);
   for (const DataSet &set : library.sets) AppendDataSet(out, set);
   out.Finish(file);
   return out.TakeBytes();

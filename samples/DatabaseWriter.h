@@ -145,6 +145,7 @@ struct Entry {
   uint32_t ply = 0;                   // play word, at 0x10
   std::vector<DataObject> objects{};  // players add one of type 100 with the position
   std::optional<uint32_t> headerLength{};
+  std::map<uint32_t, uint32_t> words{};  // as of a track
 };
 
 // One playlist (mhyp / hpim).
@@ -157,6 +158,7 @@ struct Playlist {
   std::vector<Entry> entries{};
   std::optional<uint32_t> type{};  // at 12, when it should differ from the number of data objects
   std::optional<uint32_t> headerLength{};
+  std::map<uint32_t, uint32_t> words{};  // as of a track
 };
 
 // One data set (mhsd / hdsm) with a list of tracks, a list of playlists, or chunks written by hand.
@@ -171,6 +173,7 @@ struct DataSet {
 struct Library {
   std::vector<DataSet> sets{};
   std::optional<uint32_t> headerLength{};
+  std::map<uint32_t, uint32_t> words{};  // as of a track
 };
 
 // A data set of type 1 with the tracks, then one of type 2 with the playlists.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "samples/GeneratedLibrary.h"
+#include "samples/SmartObjects.h"
 
 namespace samples {
 
@@ -115,6 +116,9 @@ SongTexts TextsOf(const SampleSong &song, std::u16string_view folder) {
           text(song.genre), text(song.filetype), text(song.composer)};
 }
 
+const std::vector<ChapterMark> kSampleChapters = {
+    {0, u"The Missing Coast", {}}, {412000, u"A Map without Names", {}}, {981000, u"Low Water", {}}};
+
 std::vector<Track> Tracks(Variant variant) {
   const bool little = variant == Variant::LittleEndian;
   std::vector<Track> tracks;
@@ -128,19 +132,54 @@ std::vector<Track> Tracks(Variant variant) {
     }
     if (little && !song.enclosure.empty())
       track.objects.push_back(RawObject(15, std::string(song.enclosure)));
+    if (little && song.mediaType == 8) track.objects.push_back(ChapterObject(kSampleChapters));
     tracks.push_back(std::move(track));
   }
   return tracks;
 }
 
-std::vector<Playlist> Playlists(Variant variant) {
+std::map<uint32_t, uint32_t> ListWords(const SamplePlaylist &sample, size_t place, Variant variant) {
+  const uint64_t id = Random(place + 9000).Next() | 1;
+  const auto low = static_cast<uint32_t>(id);
+  const auto high = static_cast<uint32_t>(id >> 32);
+  if (variant == Variant::BigEndian) return {{0x1c, Since1904(sample.created)}, {0x1b8, high}, {0x1bc, low}};
+  return {{0x18, Since1904(sample.created)},
+          {0x1c, low},
+          {0x20, high},
+          {0x28, sample.podcasts ? 0x10000U : 0U},
+          {0x58, Since1904(sample.changed)}};
+}
+
+// The same entries under a heading for each album, as the third data set has them.
+std::vector<Entry> UnderHeadings(const SamplePlaylist &sample) {
+  constexpr uint32_t kFirstHeading = 1000;
+  std::vector<Entry> entries;
+  std::u16string_view album;
+  uint32_t heading = kFirstHeading;
+  for (const size_t song : sample.songs) {
+    const std::u16string_view name = SampleSongs().at(song).album;
+    if (name != album) {
+      album = name;
+      entries.push_back(
+          {.ply = 0x100, .objects = {TextObject(1, std::u16string(name))}, .words = {{0x14, ++heading}}});
+    }
+    entries.push_back({.ref = TrackId(song), .words = {{0x20, heading}}});
+  }
+  return entries;
+}
+
+std::vector<Playlist> Playlists(Variant variant, bool grouped = false) {
   std::vector<Playlist> lists;
   for (const SamplePlaylist &sample : SamplePlaylists()) {
     Playlist list;
     list.name = std::u16string(sample.name);
     list.master = lists.empty();
-    list.typeII = lists.empty() ? 5 : 1;
+    list.typeII = sample.order;
+    list.words = ListWords(sample, lists.size(), variant);
+    if (sample.smart) list.objects = SampleRules(variant);
+    if (grouped && sample.podcasts) list.entries = UnderHeadings(sample);
     for (const size_t song : sample.songs) {
+      if (grouped && sample.podcasts) break;
       const auto position = static_cast<uint32_t>(list.entries.size() + 1);
       list.entries.push_back({.ref = TrackId(song), .objects = {PositionObject(variant, position)}});
     }
@@ -205,12 +244,34 @@ std::string SamplePlayCounts() {
   return out.TakeBytes();
 }
 
+std::vector<DataObject> SampleRules(Variant variant) {
+  constexpr uint32_t kRating = 0x19;
+  constexpr uint32_t kPlays = 0x16;
+  constexpr uint32_t kAtLeast = 0x20;
+  constexpr uint32_t kGreater = 0x10;
+  const uint32_t order = variant == Variant::LittleEndian ? 0x15 : 0x19;
+  return SmartObjects(variant, {.limited = true, .order = order, .limit = 6},
+                      {{.field = kRating, .action = kAtLeast, .from = {.value = 80}, .to = {.value = 80}},
+                       {.field = kPlays, .action = kGreater, .from = {.value = 10}, .to = {.value = 10}}});
+}
+
+std::string SampleOnTheGo() { return OnTheGoFile({4, 22, 0}); }
+
+std::string SampleSysInfo() {
+  return "BoardHwName: iPod\npszSerialNumber: XX000000SZ9\nModelNumStr: MA002\n"
+         "FirewireGuid: 0x000A270000000001\nHddFirmwareRev: BAH1C04Q\nRegionCode: LL(0x0001)\n"
+         "buildID: 0x01218000 (1.2.1)\nvisibleBuildID: 0x01218000 (1.2.1)\niPodFamily: 0x00000006\n";
+}
+
+std::string SampleDeviceInfo() { return DeviceInfoFile({u"Sample Player", u"sample", u"desk"}); }
+
 std::string SamplePlayerDatabase() {
   constexpr Variant kVariant = Variant::LittleEndian;
   Library library;
+  library.words = {{0x6c, 2 * 3600}};  // the zone of the computer
   library.sets.push_back({.type = 4, .content = AlbumChunks()});
   library.sets.push_back({.type = 1, .content = Tracks(kVariant)});
-  library.sets.push_back({.type = 3, .content = Playlists(kVariant)});
+  library.sets.push_back({.type = 3, .content = Playlists(kVariant, true)});
   library.sets.push_back({.type = 2, .content = Playlists(kVariant)});
   return WriteLibrary(library, kVariant);
 }
@@ -224,7 +285,7 @@ std::string SampleDesktopLibrary() {
     auto bytes = InMacRoman(*list.name);
     if (!bytes) continue;
     list.name.reset();
-    list.objects = {EightBitObject(100, std::move(*bytes))};
+    list.objects.insert(list.objects.begin(), EightBitObject(100, std::move(*bytes)));
   }
   return WriteLibrary(OrdinaryLibrary(std::move(tracks), std::move(lists)), kVariant);
 }

@@ -71,7 +71,15 @@ uint64_t SamplePersistentId(size_t song);
 struct SamplePlaylist {
   std::u16string_view name{};
   std::vector<size_t> songs{};  // positions in SampleSongs(); a song may stand more than once
+  int64_t created = 0;          // as the dates of songs
+  int64_t changed = 0;
+  uint8_t order = 1;  // by hand
+  bool podcasts = false;
+  bool smart = false;  // with the rules of SampleRules()
 };
+
+// What chooses the songs of the smart playlist.
+std::vector<DataObject> SampleRules(Variant variant);
 
 const std::vector<SampleSong> &SampleSongs();
 
@@ -83,6 +91,13 @@ std::string PlaceholderFile(const SampleSong &song);
 
 // What the player wrote down since the last synchronisation: the file "Play Counts".
 std::string SamplePlayCounts();
+
+// A list that was made on the player since the last synchronisation: the file "OTGPlaylistInfo".
+std::string SampleOnTheGo();
+
+// What the player says of itself: the files "SysInfo" and "DeviceInfo".
+std::string SampleSysInfo();
+std::string SampleDeviceInfo();
 
 // The player's database: albums, tracks, podcasts, playlists, in this order.
 std::string SamplePlayerDatabase();

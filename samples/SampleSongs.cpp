@@ -355,13 +355,18 @@ std::vector<SamplePlaylist> SamplePlaylists() {
   std::vector<size_t> all(SampleSongs().size());
   std::iota(all.begin(), all.end(), 0);
   return {
-      {.name = u"Sample Player", .songs = all},
-      {.name = u"Night Drives", .songs = {22, 6, 7, 4, 15, 22}},
-      {.name = u"夏のプレイリスト", .songs = {9, 6, 21, 8}},
-      {.name = u"Café du matin", .songs = {10, 11, 12, 16}},
-      {.name = u"Empty for Now"},
-      {.name = u"Roadside Jukebox", .songs = {14, 15, 16, 17}},
-      {.name = u"Podcasts", .songs = {27, 28}},
+      {.name = u"Sample Player", .songs = all, .created = 1075600000, .order = 5},
+      {.name = u"Night Drives", .songs = {22, 6, 7, 4, 15, 22}, .created = 1141000000, .changed = 1152300000},
+      {.name = u"夏のプレイリスト", .songs = {9, 6, 21, 8}, .created = 1120000000, .changed = 1120000900},
+      {.name = u"Café du matin", .songs = {10, 11, 12, 16}, .created = 1099000000},
+      {.name = u"Empty for Now", .created = 1151000000},
+      {.name = u"Roadside Jukebox", .songs = {14, 15, 16, 17}, .created = 1109000000},
+      {.name = u"Podcasts", .songs = {27, 28}, .created = 1130000000, .podcasts = true},
+      {.name = u"Four Stars and Up",
+       .songs = {0, 4, 6, 7, 10, 22},
+       .created = 1142000000,
+       .changed = 1153000000,
+       .smart = true},
   };
 }
 

@@ -20,6 +20,9 @@ void WritePlayer(const fs::path &player) {
   }
   WriteFile(control / "iTunes" / "iTunesDB", samples::SamplePlayerDatabase());
   WriteFile(control / "iTunes" / "Play Counts", samples::SamplePlayCounts());
+  WriteFile(control / "iTunes" / "OTGPlaylistInfo", samples::SampleOnTheGo());
+  WriteFile(control / "iTunes" / "DeviceInfo", samples::SampleDeviceInfo());
+  WriteFile(control / "Device" / "SysInfo", samples::SampleSysInfo());
 }
 
 }  // namespace

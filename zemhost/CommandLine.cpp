@@ -8,6 +8,7 @@
 
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
+#include "zemhost/library/SmartLists.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/TextEncoder.h"
 
@@ -106,15 +107,25 @@ void addPlays(CLI::App &program, Action &action) {
   addEncoding(*command.app, arguments.encoding);
 }
 
+void checkPlaylist(const CLI::App & /*command*/, const PlaylistArguments &arguments) {
+  if (arguments.day.empty()) return;
+  if (!arguments.evaluate) throw CLI::ValidationError("--day", "only --evaluate asks for a day");
+  if (!endOfDay(arguments.day)) throw CLI::ValidationError("--day", "write the day as 2006-07-22");
+}
+
 void addPlaylist(CLI::App &program, Action &action) {
   const auto command =
-      addCommand(program, action, "playlist", "List the songs of one playlist", listPlaylist);
+      addCommand(program, action, "playlist", "List the songs of one playlist", listPlaylist, checkPlaylist);
   addPath(*command.app, command.arguments->path);
   command
       ->add_option("PLAYLIST", command.arguments->playlist,
                    "Its number, its name, or the beginning of its name")
       ->required();
   addColumns(*command.app, command.arguments->columns);
+  command->add_flag("--evaluate", command.arguments->evaluate,
+                    "Compare a smart playlist with the songs that its rules choose");
+  command->add_option("--day", command.arguments->day,
+                      "The day, as 2006-07-22, at the end of which --evaluate looks at the rules [today]");
   addEncoding(*command.app, command.arguments->encoding);
 }
 

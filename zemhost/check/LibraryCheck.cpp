@@ -94,6 +94,7 @@ class Check {
         ++account_.lossyTexts;
         add(player::FindingKind::LossyText, name + ": the name holds characters that are not valid");
       }
+      comparePlaylist(list, name);
       const int32_t entries = library_.entryCount(list);
       for (int32_t position = 0; position < entries; ++position) {
         const PlaylistEntry entry = library_.entry(list, position);
@@ -102,6 +103,18 @@ class Check {
         add(player::FindingKind::EntryWithoutSong,
             name + ", entry " + std::to_string(position) + ": no song has the ID " + entry.id);
       }
+    }
+  }
+
+  void comparePlaylist(int32_t list, const std::string &name) {
+    const auto held = library_.idsInFile(list);
+    if (!held || held->size() != static_cast<size_t>(library_.entryCount(list))) return;  // reported already
+    for (size_t i = 0; i < held->size(); ++i) {
+      const auto answered = library_.entry(list, static_cast<int32_t>(i)).trackID;
+      if (answered && static_cast<uint32_t>(*answered) == (*held)[i]) continue;
+      add(player::FindingKind::ClassDiffers,
+          name + ", entry " + std::to_string(i) + ": the class answers another song than the file holds");
+      return;
     }
   }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "player/Device.h"
 #include "zemhost/ExitStatus.h"
 #include "zemhost/check/CheckReport.h"
 #include "zemhost/commands/Commands.h"
@@ -43,6 +44,8 @@ CheckReport checkLoaded(OpenDatabase database) {
   }
   if (!database.songs->warning().empty())
     report.findings.add(player::FindingKind::UnusedFile, database.songs->warning());
+  for (const std::string &warning : database.lists->warnings())
+    report.findings.add(player::FindingKind::UnusedFile, warning);
   const MusicLibrary library(std::move(database));
   report.form = library.form();
   report.reconciliation = reconcile(report.file, *library.object());
@@ -75,12 +78,20 @@ CheckReport checkSqlite(const player::DatabaseLocation &location) {
   return report;
 }
 
+// The files in which the player says what it is.
+void checkDevice(const std::filesystem::path &root, player::Findings &findings) {
+  if (root.empty()) return;
+  for (const std::string &warning : player::readDevice(root).warnings)
+    findings.add(player::FindingKind::UnusedFile, warning);
+}
+
 }  // namespace
 
 int checkDatabase(const CheckArguments &arguments) {
   const player::DatabaseLocation location = player::locateDatabase(arguments.path);
-  const CheckReport report =
+  CheckReport report =
       location.isSqlite() ? checkSqlite(location) : checkLoaded(loadDatabase(Host::load(), arguments.path));
+  checkDevice(location.volumeRoot, report.findings);
   if (arguments.json) {
     writeJson(report, std::cout);
   } else {

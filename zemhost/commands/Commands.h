@@ -41,6 +41,8 @@ struct PlaylistArguments {
   std::string path;
   std::string playlist;              // its number, its name, or the beginning of its name
   std::vector<std::string> columns;  // none: those that fit
+  bool evaluate = false;             // compare a smart list with what its rules choose
+  std::string day;                   // on which they are looked at, "2006-07-22"; empty: today
   std::string encoding = "UTF-8";
 };
 int listPlaylist(const PlaylistArguments &arguments);

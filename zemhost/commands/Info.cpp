@@ -1,6 +1,10 @@
+#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <system_error>
+#include <utility>
 
+#include "player/Device.h"
 #include "player/Folder.h"
 #include "player/PlayerFolders.h"
 #include "zemhost/ExitStatus.h"
@@ -10,6 +14,7 @@
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
+#include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
@@ -32,6 +37,55 @@ std::string otherDatabases(const MusicLibrary &library) {
     names += names.empty() ? name : std::string(" and ") + name;
   }
   return names;
+}
+
+// "UTC-5", "UTC+5:30".
+std::string zoneText(int32_t seconds) {
+  const int32_t minutes = std::abs(seconds) / 60;
+  std::string text = seconds < 0 ? "UTC-" : "UTC+";
+  text += std::to_string(minutes / 60);
+  if (minutes % 60 != 0) text += std::string(minutes % 60 < 10 ? ":0" : ":") + std::to_string(minutes % 60);
+  return text;
+}
+
+std::string modelText(const player::Device &device) {
+  std::string text = device.model ? device.model->text() : std::string();
+  if (!device.modelNumber.empty()) text += (text.empty() ? "number " : ", number ") + device.modelNumber;
+  return text;
+}
+
+std::string filesText(const player::Device &device) {
+  std::string text;
+  for (const std::string &file : device.files) text += (text.empty() ? "" : ", ") + file;
+  return text;
+}
+
+std::string spaceText(const std::filesystem::path &root) {
+  std::error_code error;
+  const std::filesystem::space_info space = std::filesystem::space(root, error);
+  return error ? std::string() : totalSizeText(space.available) + " of " + totalSizeText(space.capacity);
+}
+
+// What the player says of itself; a line for each thing that is known.
+template <typename Write>
+void writePlayer(const MusicLibrary &library, const Write &writeLine) {
+  const std::filesystem::path &root = library.location().volumeRoot;
+  if (root.empty()) return;
+  const player::Device device = player::readDevice(root);
+  for (const std::string &warning : device.warnings) printError(warning);
+  const auto zone = library.syncZone();
+  const std::pair<const char *, std::string> lines[] = {
+      {"Name       ", device.name.empty() ? library.playlistName(0) : device.name},
+      {"Model      ", modelText(device)},
+      {"Serial     ", device.serialNumber},
+      {"Firmware   ", device.firmware},
+      {"Last sync  ", zone ? "in the zone " + zoneText(*zone) : std::string()},
+      {"Clock      ", device.clockZone ? zoneText(*device.clockZone) : std::string()},
+      {"Files      ", filesText(device)},
+      {"Free       ", spaceText(root)}};
+  for (const auto &[label, text] : lines) {
+    if (!text.empty()) writeLine(label, text);
+  }
 }
 
 }  // namespace
@@ -60,6 +114,7 @@ int showInfo(const ListingArguments &arguments) {
   writeLine("Time       ", totalTimeText(totals.duration));
   const bool isSizeKnown = totals.size != 0 || songs == 0 || library.form() != LibraryForm::Sqlite;
   writeLine("Size       ", isSizeKnown ? totalSizeText(totals.size) : "not known");
+  writePlayer(library, writeLine);
   out.finish();
   return kSuccess;
 }

@@ -134,13 +134,18 @@ void SongTable::addMissingSong(int32_t number, const std::string &id) {
   table_.addRow(std::move(row));
 }
 
-void SongTable::finish() {
+void SongTable::addHeading(const std::string &text) {
+  std::vector<std::string> row(cells_.size() + 1);
+  row[1] = text;
+  table_.addRow(std::move(row));
+}
+
+void SongTable::write() {
   out_.write(table_);
   std::string line = countText(totals_.songs, "song", "songs");
   if (missing_ > 0) line += ", " + countText(missing_, "entry", "entries") + " without a song";
   out_.write("\n");
   out_.write(line + ", " + totalTimeText(totals_.duration) + ", " + totalSizeText(totals_.size) + "\n");
-  out_.finish();
 }
 
 }  // namespace zemhost

@@ -23,9 +23,11 @@ class SongTable {
   // A row for a playlist entry whose song is not in the library.
   void addMissingSong(int32_t number, const std::string &id);
 
+  // A row that names the entries after it.
+  void addHeading(const std::string &text);
+
   // Writes the table, to the terminal's width when standard output is one, and a line that sums it up.
-  // Nothing can be written to the output after it.
-  void finish();
+  void write();
 
  private:
   using Cell = std::string (*)(const Song &song);

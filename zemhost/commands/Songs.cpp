@@ -13,7 +13,8 @@ int listSongs(const SongsArguments &arguments) {
   SongTable table(out, arguments.columns);
   const int32_t count = library.songCount();
   for (int32_t index = 0; index < count; ++index) table.addSong(index, library.song(index));
-  table.finish();
+  table.write();
+  out.finish();
   return kSuccess;
 }
 

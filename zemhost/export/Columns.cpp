@@ -12,37 +12,13 @@
 #include "host/Error.h"
 #include "host/runtime/Names.h"
 #include "zemhost/export/ClassAnswers.h"
+#include "zemhost/export/ExportValues.h"
+#include "zemhost/library/StoredText.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
 
 namespace {
-
-// Words of the file are unsigned; an Integer of host code shows half of them as negative.
-Json word(const Value &value) { return static_cast<uint32_t>(value.integer()); }
-
-Json textOrNull(std::string text) { return text.empty() ? Json() : Json(std::move(text)); }
-
-// "2004-08-09T10:11:12": the clock of whoever stored the date, so no zone.
-Json dateOrNull(uint32_t secondsSince1904) {
-  std::string text = dateText(secondsSince1904);
-  std::replace(text.begin(), text.end(), ' ', 'T');
-  return textOrNull(std::move(text));
-}
-
-template <typename Fact>
-Json known(const std::optional<Fact> &fact) {
-  return fact ? Json(*fact) : Json();
-}
-
-Json dateOrNull(const std::optional<uint32_t> &date) { return date ? dateOrNull(*date) : Json(); }
-
-Json hexOrNull(const std::optional<uint64_t> &number) {
-  if (!number) return {};
-  std::array<char, 17> digits{};
-  std::snprintf(digits.data(), digits.size(), "%016" PRIX64, *number);
-  return digits.data();
-}
 
 // Of an adjustment of -255 to 255.
 Json percentOrNull(const std::optional<int32_t> &volume) {
@@ -103,6 +79,7 @@ struct SongColumns::State {
     return textOrNull(library.numberedText(index, number).value_or(std::string()));
   }
   Json otherTexts() const;
+  Json chapters() const;
   // A text to sort by, without the control characters at its end that some programs write.
   Json sortText(int32_t number) const {
     Json text = numberedText(number);
@@ -138,6 +115,16 @@ struct SongColumns::State {
   std::vector<ExportColumn> columns;
   std::vector<Json (*)(State &)> readers;  // beside columns
 };
+
+Json SongColumns::State::chapters() const {
+  Json chapters = Json::array();
+  for (const player::Chapter &chapter : library.chapters(index)) {
+    chapters.push_back({{"start_ms", chapter.start},
+                        {"title", textOrNull(chapter.title)},
+                        {"url", textOrNull(addressText(chapter.url))}});
+  }
+  return chapters.empty() ? Json() : chapters;
+}
 
 Json SongColumns::State::otherTexts() const {
   const int32_t count = library.numberedTextCount(index);
@@ -241,6 +228,7 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"sort_show", Text}, [](S &s) { return s.sortText(kSortShow); }},
       {{"enclosure_url", Text}, [](S &s) { return s.numberedText(kEnclosureUrl); }},
       {{"feed_url", Text}, [](S &s) { return s.numberedText(kFeedUrl); }},
+      {{"chapters", Texts}, [](S &s) { return s.chapters(); }},
       {{"other_texts", Texts}, [](S &s) { return s.otherTexts(); }},
       {{"numbered_texts", Integer}, [](S &s) { return Json(s.library.numberedTextCount(s.index)); }},
       {{"prop_0", Integer}, [](S &s) { return s.prop(0); }},
@@ -290,63 +278,6 @@ Row SongColumns::row(int32_t index) const {
   row.reserve(state_->readers.size());
   for (const auto &read : state_->readers) row.push_back(read(*state_));
   return row;
-}
-
-struct PlaylistColumns::State {
-  explicit State(const MusicLibrary &source) : library(source) {
-    if (const Object *const object = library.object()) answers.emplace(*object);
-  }
-
-  // The class answers 0 for what is not known.
-  Json count(uint32_t number) const { return number == 0 && !answers ? Json() : Json(number); }
-  // What the class answers; null where it has no part in the library.
-  Json wordOf(Method PlaylistAnswers::*method, int32_t playlist) const {
-    return answers ? word((*answers.*method)(playlist)) : Json();
-  }
-
-  const MusicLibrary &library;
-  std::optional<PlaylistAnswers> answers;
-};
-
-PlaylistColumns::PlaylistColumns(const MusicLibrary &library) : state_(std::make_unique<State>(library)) {}
-
-PlaylistColumns::~PlaylistColumns() = default;
-
-const std::vector<ExportColumn> &PlaylistColumns::columns() {
-  using enum ColumnType;
-  static const std::vector<ExportColumn> kColumns = {
-      {"playlist_number", Integer}, {"name", Text},      {"kind", Text},          {"entry_count", Integer},
-      {"type_1", Integer},          {"type_2", Integer}, {"name_encode", Integer}};
-  return kColumns;
-}
-
-const std::vector<ExportColumn> &PlaylistColumns::entryColumns() {
-  using enum ColumnType;
-  static const std::vector<ExportColumn> kColumns = {{"position", Integer},
-                                                     {"song_index", Integer},
-                                                     {"track_id", Integer},
-                                                     {"play", Boolean},
-                                                     {"flags", Integer}};
-  return kColumns;
-}
-
-Row PlaylistColumns::row(int32_t playlist) const {
-  const MusicLibrary &library = state_->library;
-  return {playlist,
-          textOrNull(library.playlistName(playlist)),
-          library.playlistKind(playlist),
-          library.entryCount(playlist),
-          state_->wordOf(&PlaylistAnswers::typeI, playlist),
-          state_->wordOf(&PlaylistAnswers::typeII, playlist),
-          state_->wordOf(&PlaylistAnswers::nameEncode, playlist)};
-}
-
-Row PlaylistColumns::entryRow(int32_t playlist, int32_t position) const {
-  const PlaylistEntry entry = state_->library.entry(playlist, position);
-  const std::optional<PlaylistAnswers> &answers = state_->answers;
-  return {position, entry.song < 0 ? Json() : Json(entry.song), known(entry.trackID),
-          answers ? Json(answers->play(playlist, position).boolean()) : Json(),
-          answers ? word(answers->flags(playlist, position)) : Json()};
 }
 
 }  // namespace zemhost

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/Error.h"
+#include "player/Device.h"
 #include "zemhost/library/ClassWords.h"
 #include "zemhost/library/StoredText.h"
 
@@ -158,7 +159,69 @@ bool ClassSource::isSame(SongTextField by, int32_t one, int32_t other) const {
   return sameComposer_(one, other).boolean();
 }
 
+std::vector<player::Chapter> ClassSource::chapters(int32_t index) const {
+  const auto place = static_cast<size_t>(index);
+  const player::PlayerSongs &songs = *database_.songs;
+  return place < songs.count() ? read([&] { return songs.chapters(place); }) : std::vector<player::Chapter>();
+}
+
+player::SongFacts ClassSource::storedFacts(int32_t index) const {
+  const auto place = static_cast<size_t>(index);
+  const player::PlayerSongs &songs = *database_.songs;
+  return place < songs.count() ? read([&] { return songs.storedFacts(place); }) : player::SongFacts();
+}
+
+const player::OnTheGoList *ClassSource::onTheGo(int32_t playlist) const {
+  const std::vector<player::OnTheGoList> &lists = database_.lists->onTheGo();
+  const auto place = static_cast<size_t>(playlist - storedLists_);
+  return playlist >= storedLists_ && place < lists.size() ? &lists[place] : nullptr;
+}
+
+std::optional<size_t> ClassSource::placeInFile(int32_t playlist) const {
+  const auto place = static_cast<size_t>(playlist);
+  const size_t stored = database_.lists->stored().count();
+  return stored == static_cast<size_t>(storedLists_) && place < stored ? std::optional(place) : std::nullopt;
+}
+
+int32_t ClassSource::playlistCount() const {
+  return storedLists_ + static_cast<int32_t>(database_.lists->onTheGo().size());
+}
+
+player::PlaylistFacts ClassSource::playlistFacts(int32_t playlist) const {
+  player::PlaylistFacts facts;
+  if (onTheGo(playlist) != nullptr) {
+    facts.kind = player::PlaylistKind::OnTheGo;
+  } else if (const auto place = placeInFile(playlist)) {
+    facts = read([&] { return database_.lists->stored().facts(*place); });
+  } else if (playlist == 0) {
+    facts.kind = player::PlaylistKind::Library;
+  }
+  return facts;
+}
+
+int32_t ClassSource::entryCount(int32_t playlist) const {
+  const player::OnTheGoList *const list = onTheGo(playlist);
+  return list != nullptr ? static_cast<int32_t>(list->songs.size()) : entryCount_(playlist).integer();
+}
+
+std::optional<std::vector<uint32_t>> ClassSource::idsInFile(int32_t playlist) const {
+  const auto place = placeInFile(playlist);
+  if (!place) return std::nullopt;
+  return read([&] { return database_.lists->stored().songIds(*place); });
+}
+
+std::vector<player::PodcastGroup> ClassSource::podcastGroups(int32_t playlist) const {
+  const auto place = placeInFile(playlist);
+  return place ? read([&] { return database_.lists->stored().podcastGroups(*place); })
+               : std::vector<player::PodcastGroup>();
+}
+
+std::optional<int32_t> ClassSource::syncZone() const {
+  return read([&] { return player::syncZoneOf(database_.content.number()); });
+}
+
 std::string ClassSource::playlistName(int32_t playlist, size_t *lost) const {
+  if (const player::OnTheGoList *const list = onTheGo(playlist)) return list->name();
   const Value name = playlistName_(playlist);
   if (name.isNil()) return {};
   const auto code = static_cast<uint32_t>(playlistEncode_(playlist).integer());
@@ -167,6 +230,14 @@ std::string ClassSource::playlistName(int32_t playlist, size_t *lost) const {
 
 PlaylistEntry ClassSource::entry(int32_t playlist, int32_t position) const {
   PlaylistEntry entry;
+  if (const player::OnTheGoList *const list = onTheGo(playlist)) {
+    const auto place = static_cast<size_t>(position);
+    if (place >= list->songs.size()) return entry;
+    entry.song = static_cast<int32_t>(list->songs[place]);
+    entry.trackID = id_(entry.song).integer();
+    entry.id = std::to_string(*entry.trackID);
+    return entry;
+  }
   entry.trackID = entryTrackID_(playlist, position).integer();
   entry.id = std::to_string(*entry.trackID);
   const int32_t song = entrySong_(playlist, position).integer();

@@ -33,13 +33,20 @@ class ClassSource final : public LibrarySource {
   bool isSame(SongTextField by, int32_t one, int32_t other) const override;
   bool hasCounts() const override { return database_.songs->hasCounts(); }
 
-  int32_t playlistCount() const override { return playlistCount_().integer(); }
+  std::vector<player::Chapter> chapters(int32_t index) const override;
+  player::SongFacts storedFacts(int32_t index) const override;
+
+  // Those of the database, and behind them those that were made on the player since.
+  int32_t playlistCount() const override;
   std::string playlistName(int32_t playlist, size_t *lost) const override;
-  // Players and desktop programs store the list of everything before all others.
-  std::string playlistKind(int32_t playlist) const override { return playlist == 0 ? "library" : "playlist"; }
-  int32_t entryCount(int32_t playlist) const override { return entryCount_(playlist).integer(); }
+  player::PlaylistFacts playlistFacts(int32_t playlist) const override;
+  bool isAnsweredByClass(int32_t playlist) const override { return onTheGo(playlist) == nullptr; }
+  int32_t entryCount(int32_t playlist) const override;
   // The class reads song 0 for an entry whose track ID no song carries; here such an entry names no song.
   PlaylistEntry entry(int32_t playlist, int32_t position) const override;
+  std::optional<std::vector<uint32_t>> idsInFile(int32_t playlist) const override;
+  std::vector<player::PodcastGroup> podcastGroups(int32_t playlist) const override;
+  std::optional<int32_t> syncZone() const override;
 
  private:
   // A text method and its Encode method.
@@ -54,6 +61,10 @@ class ClassSource final : public LibrarySource {
   template <typename Step>
   auto read(const Step &step) const;
   void addFacts(int32_t index, Song &song) const;
+  // The list with this number that was made on the player; nullptr for all others.
+  const player::OnTheGoList *onTheGo(int32_t playlist) const;
+  // Where a playlist stands among those of the file; none where the class answers with other ones.
+  std::optional<size_t> placeInFile(int32_t playlist) const;
   Method numberMethod(const std::string &name) const;
   Method compareMethod(const std::string &name) const;
 
@@ -85,7 +96,7 @@ class ClassSource final : public LibrarySource {
   Method sameGenre_ = compareMethod("Genre");
   Method sameComposer_ = compareMethod("Composer");
 
-  Method playlistCount_ = database_.object.method("CountPlayLists As Integer");
+  int32_t storedLists_ = database_.object.call("CountPlayLists").integer();
   Method playlistName_ = database_.object.method("GetPlayListName(playlist As Integer) As String");
   Method playlistEncode_ = database_.object.method("GetPlayListEncode(playlist As Integer) As Integer");
   Method entryCount_ = database_.object.method("CountSongsInPlayList(playlist As Integer) As Integer");

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "host/Host.h"
+#include "player/Chapters.h"
 #include "player/DatabaseLocation.h"
+#include "player/Playlists.h"
 #include "player/SongReader.h"
 #include "zemhost/library/Song.h"
 
@@ -53,15 +55,28 @@ class LibrarySource {
   virtual std::string storedText(SongTextField field, int32_t index) const = 0;
   virtual bool isSame(SongTextField by, int32_t one, int32_t other) const = 0;
   virtual bool hasCounts() const = 0;
+  // The chapters of a song; none for most.
+  virtual std::vector<player::Chapter> chapters(int32_t /*index*/) const { return {}; }
+  // Its facts as of the last synchronisation, as far as the source keeps them apart from what the player
+  // counted since.
+  virtual player::SongFacts storedFacts(int32_t index) const = 0;
 
   // Playlists go by their number, entries by their position. What Unicode cannot hold of a name adds to
   // `lost`, if there is one.
   virtual int32_t playlistCount() const = 0;
   virtual std::string playlistName(int32_t playlist, size_t *lost) const = 0;
-  // "library" for the list of everything, "playlist" for one that a person made.
-  virtual std::string playlistKind(int32_t playlist) const = 0;
+  virtual player::PlaylistFacts playlistFacts(int32_t playlist) const = 0;
+  // Whether the class's methods answer for it too.
+  virtual bool isAnsweredByClass(int32_t playlist) const = 0;
   virtual int32_t entryCount(int32_t playlist) const = 0;
   virtual PlaylistEntry entry(int32_t playlist, int32_t position) const = 0;
+  // The IDs of its songs as the file has them, read without the class; none where that is all there is.
+  virtual std::optional<std::vector<uint32_t>> idsInFile(int32_t /*playlist*/) const { return std::nullopt; }
+  // The groups of a list of podcasts; none of others, and where the source keeps none.
+  virtual std::vector<player::PodcastGroup> podcastGroups(int32_t /*playlist*/) const { return {}; }
+
+  // The zone of the last synchronisation, in seconds east of UTC.
+  virtual std::optional<int32_t> syncZone() const { return std::nullopt; }
 };
 
 }  // namespace zemhost

@@ -54,6 +54,11 @@ class MusicLibrary {
   bool isSame(SongTextField by, int32_t one, int32_t other) const { return source_->isSame(by, one, other); }
   // Whether the player left counts since the last synchronisation that fit the database.
   bool hasCounts() const { return source_->hasCounts(); }
+  // The chapters of a song; none for most.
+  std::vector<player::Chapter> chapters(int32_t index) const { return source_->chapters(index); }
+  // Its facts as of the last synchronisation, as far as they are kept apart from what the player counted
+  // since.
+  player::SongFacts storedFacts(int32_t index) const { return source_->storedFacts(index); }
 
   // The file of a song's path, whether or not it is there: the only way to one.
   SongFile file(const std::string &path) const { return files_->find(path); }
@@ -64,11 +69,23 @@ class MusicLibrary {
   std::string playlistName(int32_t playlist, size_t *lost = nullptr) const {
     return source_->playlistName(playlist, lost);
   }
-  // "library" for the list of everything, "playlist" for one that a person made.
-  std::string playlistKind(int32_t playlist) const { return source_->playlistKind(playlist); }
+  player::PlaylistFacts playlistFacts(int32_t playlist) const { return source_->playlistFacts(playlist); }
+  // Whether the class's methods answer for it too.
+  bool isAnsweredByClass(int32_t playlist) const { return source_->isAnsweredByClass(playlist); }
   int32_t entryCount(int32_t playlist) const { return source_->entryCount(playlist); }
   PlaylistEntry entry(int32_t playlist, int32_t position) const { return source_->entry(playlist, position); }
   Totals playlistTotals(int32_t playlist) const;
+  // The IDs of its songs as the file has them, read without the class; none where that is all there is.
+  std::optional<std::vector<uint32_t>> idsInFile(int32_t playlist) const {
+    return source_->idsInFile(playlist);
+  }
+  // The groups of a list of podcasts; none of others, and where the library keeps none.
+  std::vector<player::PodcastGroup> podcastGroups(int32_t playlist) const {
+    return source_->podcastGroups(playlist);
+  }
+
+  // The zone of the last synchronisation, in seconds east of UTC.
+  std::optional<int32_t> syncZone() const { return source_->syncZone(); }
 
  private:
   Host host_;

@@ -59,6 +59,8 @@ void readContent(OpenDatabase &database) {
     database.account = player::walkChunks(database.content.number());
     database.songs = std::make_shared<const player::PlayerSongs>(database.content.number(), database.account,
                                                                  database.location.file);
+    database.lists = std::make_shared<const player::PlayerLists>(
+        database.content.number(), database.account, database.location.file, database.location.volumeRoot);
   } catch (const std::system_error &error) {
     throw HostError(database.location.name, error.code().value());
   }
@@ -74,8 +76,8 @@ void checkPlace(const player::DatabaseLocation &location) {
 }
 
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {},
-                        {}};
+  OpenDatabase database{
+      host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {}, {}, {}};
   const player::DatabaseLocation &location = database.location;
   if (location.isSqlite()) {
     throw HostError(
@@ -121,6 +123,8 @@ OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path) {
                                 "; to see what is wrong run: zemhost check " + shellWord(path.string()));
   }
   if (!database.songs->warning().empty()) database.warnings.push_back(database.songs->warning());
+  const std::vector<std::string> &lists = database.lists->warnings();
+  database.warnings.insert(database.warnings.end(), lists.begin(), lists.end());
   return database;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/carbon/Descriptor.h"
 #include "player/ChunkWalk.h"
 #include "player/DatabaseLocation.h"
+#include "player/PlayerLists.h"
 #include "player/PlayerSongs.h"
 
 namespace zemhost {
@@ -23,6 +24,7 @@ struct OpenDatabase {
   uint64_t bytesAfterStream;    // bytes of a compressed file after its stream
   player::FileAccount account;  // of the content
   std::shared_ptr<const player::PlayerSongs> songs;  // read from the content without the plug-in
+  std::shared_ptr<const player::PlayerLists> lists;  // likewise
   std::vector<std::string> warnings;  // a line each; none unless openDatabase() has something to say
 };
 

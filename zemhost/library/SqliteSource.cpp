@@ -16,6 +16,34 @@ const Record &at(const std::vector<Record> &records, int32_t index) {
   return index >= 0 && place < records.size() ? records[place] : kNone;
 }
 
+player::PlaylistKind kindOf(player::SqliteListKind kind) {
+  switch (kind) {
+    case player::SqliteListKind::Library:
+      return player::PlaylistKind::Library;
+    case player::SqliteListKind::Smart:
+      return player::PlaylistKind::Smart;
+    case player::SqliteListKind::Folder:
+      return player::PlaylistKind::Folder;
+    case player::SqliteListKind::Ordinary:
+      break;
+  }
+  return player::PlaylistKind::Ordinary;
+}
+
+player::SmartRules rulesOf(const player::SqliteList &list) {
+  player::SmartRules rules;
+  rules.isLive = list.isLive.value_or(true);
+  rules.usesRules = list.usesRules.value_or(true);
+  rules.isLimited = list.isLimited.value_or(false) && list.limit;
+  rules.limitUnit = player::limitUnitOf(list.limitKind.value_or(0));
+  rules.limitOrder = player::limitOrderOf(list.limitOrder.value_or(0));
+  rules.limit = list.limit.value_or(0);
+  rules.onlyChecked = list.onlyChecked.value_or(false);
+  rules.isReversed = list.reverse.value_or(false);
+  rules.groups = player::readRuleGroups(list.criteria);
+  return rules;
+}
+
 }  // namespace
 
 SqliteSource::SqliteSource(player::DatabaseLocation location,
@@ -99,18 +127,16 @@ std::string SqliteSource::playlistName(int32_t playlist, size_t *lost) const {
   return list.name;
 }
 
-std::string SqliteSource::playlistKind(int32_t playlist) const {
-  switch (list(playlist).kind) {
-    case player::SqliteListKind::Library:
-      return "library";
-    case player::SqliteListKind::Smart:
-      return "smart";
-    case player::SqliteListKind::Folder:
-      return "folder";
-    case player::SqliteListKind::Ordinary:
-      break;
-  }
-  return "playlist";
+player::PlaylistFacts SqliteSource::playlistFacts(int32_t playlist) const {
+  const player::SqliteList &list = this->list(playlist);
+  player::PlaylistFacts facts;
+  facts.kind = kindOf(list.kind);
+  facts.created = list.created;
+  facts.modified = list.modified;
+  if (list.pid != 0) facts.persistentId = static_cast<uint64_t>(list.pid);
+  if (list.parent) facts.folder = static_cast<uint64_t>(*list.parent);
+  if (!list.criteria.empty()) facts.rules = rulesOf(list);
+  return facts;
 }
 
 int32_t SqliteSource::entryCount(int32_t playlist) const {

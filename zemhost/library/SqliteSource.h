@@ -28,10 +28,12 @@ class SqliteSource final : public LibrarySource {
   std::string storedText(SongTextField field, int32_t index) const override;
   bool isSame(SongTextField by, int32_t one, int32_t other) const override;
   bool hasCounts() const override { return library_->hasCounts(); }
+  player::SongFacts storedFacts(int32_t index) const override { return record(index).facts; }
 
   int32_t playlistCount() const override { return static_cast<int32_t>(library_->lists().size()); }
   std::string playlistName(int32_t playlist, size_t *lost) const override;
-  std::string playlistKind(int32_t playlist) const override;
+  player::PlaylistFacts playlistFacts(int32_t playlist) const override;
+  bool isAnsweredByClass(int32_t /*playlist*/) const override { return false; }
   int32_t entryCount(int32_t playlist) const override;
   PlaylistEntry entry(int32_t playlist, int32_t position) const override;
 

@@ -173,7 +173,7 @@ class Rescue {
     if (!request_.playlists.empty()) return request_.playlists;
     std::vector<int32_t> lists;
     for (int32_t list = 0; list < library_.playlistCount(); ++list) {
-      if (library_.playlistKind(list) != "library") lists.push_back(list);
+      if (library_.playlistFacts(list).kind != player::PlaylistKind::Library) lists.push_back(list);
     }
     return lists;
   }

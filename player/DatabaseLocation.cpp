@@ -21,12 +21,16 @@ uintmax_t sizeOf(const fs::path &file) {
   return error ? 0 : size;
 }
 
+// No folder outside the player is searched.
 fs::path databaseIn(const fs::path &control, const fs::path &named) {
+  const fs::path root = control.parent_path();
+  expectInside(root, control, control.string());
   const std::optional<fs::path> folder = childNamed(control, kDatabaseFolder);
   if (!folder) {
     throw PlayerError(named.string() + ": no database here: " + control.string() + " has no " +
                       kDatabaseFolder + " folder");
   }
+  expectInside(root, *folder, folder->string());
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
   const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
   if (!file && !compressed) {
@@ -47,6 +51,11 @@ fs::path volumeRootOf(const fs::path &file) {
   return {};
 }
 
+DatabaseLocation checked(DatabaseLocation location) {
+  if (!location.volumeRoot.empty()) expectInside(location.volumeRoot, location.file, location.name);
+  return location;
+}
+
 fs::path normalised(const fs::path &path) {
   std::error_code error;
   const fs::path absolute = fs::absolute(path, error);
@@ -62,7 +71,7 @@ DatabaseLocation locateDatabase(const fs::path &path) {
   const fs::file_status status = fs::status(path, error);
   if (!fs::exists(status)) throw PlayerError(path.string(), error ? error.value() : ENOENT);
   const fs::path absolute = normalised(path);
-  if (!fs::is_directory(status)) return {absolute, path.string(), volumeRootOf(absolute)};
+  if (!fs::is_directory(status)) return checked({absolute, path.string(), volumeRootOf(absolute)});
   const std::optional<fs::path> control =
       isNamed(absolute, kControlFolder) ? absolute : childNamed(absolute, kControlFolder);
   if (!control) {
@@ -70,7 +79,7 @@ DatabaseLocation locateDatabase(const fs::path &path) {
                       " folder");
   }
   const fs::path file = databaseIn(*control, path);
-  return {file, file.string(), control->parent_path()};
+  return checked({file, file.string(), control->parent_path()});
 }
 
 fs::path musicFolder(const fs::path &root) {

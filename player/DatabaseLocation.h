@@ -16,7 +16,7 @@ struct DatabaseLocation {
 // Finds the database of a player's root directory or of its iPod_Control folder, or takes a file as it is;
 // the player's own folder names match without regard to case. Of iTunesDB and iTunesCDB the larger is taken.
 // The two paths are absolute. Throws PlayerError, naming the path, when it does not exist, cannot be read, or
-// is a directory without a database.
+// is a directory without a database, and naming a file or folder from which a link leads out of the player.
 DatabaseLocation locateDatabase(const std::filesystem::path &path);
 
 // The folder with the songs of the player mounted at a directory, without symbolic links on its way; empty

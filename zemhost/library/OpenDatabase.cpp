@@ -10,9 +10,11 @@
 
 #include "host/runtime/MacPaths.h"
 #include "player/FileProbe.h"
-#include "zemhost/files/Beneath.h"
+#include "zemhost/files/OutOfMemory.h"
 #include "zemhost/library/InflatedCopy.h"
+#include "zemhost/library/MemoryLimit.h"
 #include "zemhost/library/Reconciliation.h"
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 
@@ -42,14 +44,6 @@ std::string shellWord(const std::string &text) {
   return word + "'";
 }
 
-// A player's database may be reached through symbolic links on the player, and not through others.
-void checkPlace(const player::DatabaseLocation &location) {
-  const carbon::Descriptor root(open(location.volumeRoot.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  const std::string below = location.file.lexically_relative(location.volumeRoot).string();
-  if (openBeneath(root.number(), below, O_PATH) || errno != EXDEV) return;
-  throw HostError(location.name + ": a symbolic link leads out of the player");
-}
-
 void load(const Object &object, const std::string &name, const std::filesystem::path &file) {
   const FolderItem item = itemOf(file);
   if (!item) {
@@ -66,19 +60,15 @@ void readContent(OpenDatabase &database) {
   try {
     database.account = player::walkChunks(database.content.number());
     database.songs = std::make_shared<const player::PlayerSongs>(database.content.number(), database.account,
-                                                                 database.location.file);
+                                                                 database.location);
   } catch (const std::system_error &error) {
     throw HostError(database.location.name, error.code().value());
   }
 }
 
-}  // namespace
-
-OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {},
-                        {}};
+// Into an object that has loaded nothing.
+void load(OpenDatabase &database) {
   const player::DatabaseLocation &location = database.location;
-  if (!location.volumeRoot.empty()) checkPlace(location);
   const player::FileProbe probe = player::probeFile(location.file);
   if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
 
@@ -93,6 +83,10 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
       throw HostError(location.name + ": its compressed content: " +
                       (inflated.reason.empty() ? "a compressed database again" : inflated.reason));
     }
+    if (limitMemoryFor(copy.size())) {
+      setMemorySubject(safeText(location.name),
+                       "a compressed database may take twice its inflated size and 64 MB");
+    }
     mount(copy.root());
     load(database.object, location.name, copy.file());
     database.compressed = true;
@@ -106,6 +100,15 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
     if (database.content.number() < 0) throw HostError(location.name, errno);
   }
   readContent(database);
+}
+
+}  // namespace
+
+OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database{host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {},
+                        {}};
+  setMemorySubject(safeText(database.location.name));
+  load(database);
   return database;
 }
 

@@ -11,8 +11,8 @@
 namespace zemhost {
 namespace {
 
-// Whether there is no room for the file. The system's loader does not say so: it "failed to map" the file, as it
-// does where programs may not run.
+// Whether there is no room for the file. The system's loader does not say so: it "failed to map" the file, as
+// it does where programs may not run.
 bool isMemoryShort(const std::filesystem::path &file) {
   constexpr size_t kForItsRecords = size_t{2} << 20;
   std::error_code failed;

@@ -45,9 +45,9 @@ void setMemorySubject(std::string name, std::string reason) {
 }
 
 void sayOutOfMemory() noexcept {
-  for (const std::string_view part : {std::string_view("zemhost: "), std::string_view(subject),
-                                      std::string_view("out of memory"), std::string_view(explanation),
-                                      std::string_view("\n")}) {
+  for (const std::string_view part :
+       {std::string_view("zemhost: "), std::string_view(subject), std::string_view("out of memory"),
+        std::string_view(explanation), std::string_view("\n")}) {
     say(part);
   }
 }

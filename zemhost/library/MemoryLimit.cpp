@@ -13,8 +13,8 @@ constexpr uint64_t kTimesInflated = 2;
 // 64 MiB, less what the program and its libraries are themselves.
 constexpr uint64_t kBesides = uint64_t{48} << 20;
 
-// What an address sanitizer needs for itself is many times what it is asked for, and it ends the program where
-// there is no more.
+// What an address sanitizer needs for itself is many times what it is asked for, and it ends the program
+// where there is no more.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kCanBeLimited = false;
 #elif !defined(__has_feature)

@@ -2,6 +2,7 @@
 
 import os
 import random
+import re
 import socket
 import struct
 
@@ -204,57 +205,58 @@ def _lists(body, announced):
 
 
 def _with_words(value):
-    """Every length and count of the whole file, one after the other in one of its parts each."""
+    """The whole file with one word of each chunk changed: its jump, its length or its count."""
     content = bytearray(_whole())
-    for at in range(0x6C, len(content) - 4, 0x6C):
-        struct.pack_into("<I", content, at, value)
+    for number, tag in enumerate(re.finditer(b"mh(it|od|yp|ip|lt|lp|sd)", bytes(content))):
+        struct.pack_into("<I", content, tag.start() + 4 * (number % 3 + 1), value)
     return bytes(content)
 
 
+# Made when they are needed: they are large.
 DATABASES = {
-    "empty": b"",
-    "of_one_header": _whole()[:0x68],
-    "cut_in_a_song": _whole()[:0x300],
-    "cut_at_its_end": _whole()[:-1],
-    "of_noise": _whole()[:0x68] + random.Random(1).randbytes(50_000),
-    "of_a_picture": b"\x89PNG\r\n\x1a\n" + bytes(500),
-    "of_a_program": b"\x7fELF" + bytes(500),
-    "of_an_archive": b"PK\3\4" + bytes(500),
-    "of_sqlite": b"SQLite format 3\0" + bytes(500),
-    "with_words_of_ones": _with_words(0xFFFFFFFF),
-    "with_words_of_half": _with_words(0x7FFFFFFF),
-    "with_words_of_nothing": _with_words(0),
-    "with_songs_announced": database(track_list(_SONG, 0xFFFFFFFE)),
-    "with_lists_announced": database(track_list(_SONG, 1) + _lists(chunk(b"mhyp", 0x6C, 0x6C, 9), 0xFFFFFFFE)),
-    "with_one_id": database(track_list(_SONG * 2000, 2000) + _lists(chunk(b"mhyp", 0x6C, 0x6C, 0) + _ENTRY * 2000, 1)),
-    "of_tiny_songs": database(track_list(chunk(b"mhit", 16, 16, 0) * 3000, 3000)),
-    "of_tiny_lists": database(track_list(_SONG, 1) + _lists(chunk(b"mhyp", 16, 16, 0) * 3000, 3000)),
-    "of_tiny_texts": database(track_list(chunk(b"mhit", 0x9C, 0x9C + 48_000, 3000) + chunk(b"mhod", 0, 16, 99) * 3000, 1)),
-    "of_nested_chunks": database(b"".join(chunk(b"mhxx", 16, 16 * (3000 - i), 1) for i in range(3000))),
-    "of_strange_chunks": database(b"".join(chunk(f"mh{i:02}".replace("0", "z").encode(), 16, 16) for i in range(90))),
-    "that_is_big_endian": library([{"title": "Song", "album": "x", "artist": "x"}], big=True),
-    "with_lists_in_lists": database(track_list(_SONG, 1) + _lists(_lists(chunk(b"mhyp", 0x6C, 0x6C, 0), 1), 5)),
+    "empty": lambda: b"",
+    "of_one_header": lambda: _whole()[:0x68],
+    "cut_in_a_song": lambda: _whole()[:0x300],
+    "cut_at_its_end": lambda: _whole()[:-1],
+    "of_noise": lambda: _whole()[:0x68] + random.Random(1).randbytes(50_000),
+    "of_a_picture": lambda: b"\x89PNG\r\n\x1a\n" + bytes(500),
+    "of_a_program": lambda: b"\x7fELF" + bytes(500),
+    "of_an_archive": lambda: b"PK\3\4" + bytes(500),
+    "of_sqlite": lambda: b"SQLite format 3\0" + bytes(500),
+    "with_words_of_ones": lambda: _with_words(0xFFFFFFFF),
+    "with_words_of_half": lambda: _with_words(0x7FFFFFFF),
+    "with_words_of_nothing": lambda: _with_words(0),
+    "with_songs_announced": lambda: database(track_list(_SONG, 0xFFFFFFFE)),
+    "with_lists_announced": lambda: database(track_list(_SONG, 1) + _lists(chunk(b"mhyp", 0x6C, 0x6C, 9), 0xFFFFFFFE)),
+    "with_one_id": lambda: database(track_list(_SONG * 2000, 2000) + _lists(chunk(b"mhyp", 0x6C, 0x6C, 0) + _ENTRY * 2000, 1)),
+    "of_tiny_songs": lambda: database(track_list(chunk(b"mhit", 16, 16, 0) * 3000, 3000)),
+    "of_tiny_lists": lambda: database(track_list(_SONG, 1) + _lists(chunk(b"mhyp", 16, 16, 0) * 3000, 3000)),
+    "of_tiny_texts": lambda: database(track_list(chunk(b"mhit", 0x9C, 0x9C + 48_000, 3000) + chunk(b"mhod", 0, 16, 99) * 3000, 1)),
+    "of_nested_chunks": lambda: database(b"".join(chunk(b"mhxx", 16, 16 * (3000 - i), 1) for i in range(3000))),
+    "of_strange_chunks": lambda: database(b"".join(chunk(bytes((109, 104, 97 + i // 26, 97 + i % 26)), 16, 16) for i in range(90))),
+    "that_is_big_endian": lambda: library([{"title": "Song", "album": "x", "artist": "x"}], big=True),
+    "with_lists_in_lists": lambda: database(track_list(_SONG, 1) + _lists(_lists(chunk(b"mhyp", 0x6C, 0x6C, 0), 1), 5)),
 }
 
 
 @family("database", DATABASES)
-def _database(place, content):
-    place.write_database(content)
+def _database(place, make):
+    place.write_database(make())
     place.write_music()
 
 
 @family("compressed", {
-    "of_zeros": _whole()[:0x68] + compressed(database(bytes(70 << 20)), 1)[0x68:],
-    "of_noise": _whole()[:0x68] + b"x\x9c" + random.Random(2).randbytes(9000),
-    "again": compressed(compressed(_whole())),
-    "cut_short": compressed(_whole())[:-20],
-    "with_a_tail": compressed(_whole()) + bytes(100),
-    "of_tiny_songs": compressed(database(track_list(chunk(b"mhit", 16, 16, 0) * 8000, 8000)), 1),
-    "of_songs_announced": compressed(database(track_list(_SONG, 0xFFFFFFFE))),
-    "with_a_dictionary": _whole()[:0x68] + b"\x78\xbb" + bytes(64),
+    "of_zeros": lambda: _whole()[:0x68] + compressed(database(bytes(70 << 20)), 1)[0x68:],
+    "of_noise": lambda: _whole()[:0x68] + b"x\x9c" + random.Random(2).randbytes(9000),
+    "again": lambda: compressed(compressed(_whole())),
+    "cut_short": lambda: compressed(_whole())[:-20],
+    "with_a_tail": lambda: compressed(_whole()) + bytes(100),
+    "of_tiny_songs": lambda: compressed(database(track_list(chunk(b"mhit", 16, 16, 0) * 8000, 8000)), 1),
+    "of_songs_announced": lambda: compressed(database(track_list(_SONG, 0xFFFFFFFE))),
+    "with_a_dictionary": lambda: _whole()[:0x68] + b"\x78\xbb" + bytes(64),
 })
-def _compressed(place, content):
-    place.write_database(content, "iTunesCDB")
+def _compressed(place, make):
+    place.write_database(make(), "iTunesCDB")
     place.write_music()
 
 

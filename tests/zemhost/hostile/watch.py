@@ -61,7 +61,7 @@ def manifest(folder):
         for name in folders + files:
             status = os.lstat(name, dir_fd=descriptor)
             target = os.readlink(name, dir_fd=descriptor) if stat.S_ISLNK(status.st_mode) else ""
-            add(os.path.join(os.path.relpath(where, top), name), status, target)
+            add(os.path.normpath(os.path.join(os.path.relpath(where, top), name)), status, target)
     return found
 
 

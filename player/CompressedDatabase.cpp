@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
@@ -70,7 +71,7 @@ class Inflater {
 
   void inflateBody() {
     z_stream stream{};
-    if (inflateInit(&stream) != Z_OK) fail("no memory to inflate it");
+    if (inflateInit(&stream) != Z_OK) throw std::bad_alloc();
     const std::unique_ptr<z_stream, decltype(&inflateEnd)> owner(&stream, &inflateEnd);
     std::vector<char> in(kBlock);
     std::vector<char> out(kBlock);

@@ -26,12 +26,16 @@ std::optional<fs::path> sqliteFileIn(const std::optional<fs::path> &folder) {
   return folder && fs::is_directory(*folder, error) ? childNamed(*folder, kSqliteFile) : std::nullopt;
 }
 
+// No folder outside the player is searched.
 fs::path databaseIn(const fs::path &control, const fs::path &named) {
+  const fs::path root = control.parent_path();
+  expectInside(root, control, control.string());
   const std::optional<fs::path> folder = childNamed(control, kDatabaseFolder);
   if (!folder) {
     throw PlayerError(named.string() + ": no database here: " + control.string() + " has no " +
                       kDatabaseFolder + " folder");
   }
+  expectInside(root, *folder, folder->string());
   if (const auto sqlite = sqliteFileIn(childNamed(*folder, kSqliteFolder))) return *sqlite;
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
   const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
@@ -55,6 +59,11 @@ fs::path volumeRootOf(const fs::path &file) {
   return {};
 }
 
+DatabaseLocation checked(DatabaseLocation location) {
+  if (!location.volumeRoot.empty()) expectInside(location.volumeRoot, location.file, location.name);
+  return location;
+}
+
 fs::path normalised(const fs::path &path) {
   std::error_code error;
   const fs::path absolute = fs::absolute(path, error);
@@ -72,8 +81,9 @@ DatabaseLocation locateDatabase(const fs::path &path) {
   const fs::file_status status = fs::status(path, error);
   if (!fs::exists(status)) throw PlayerError(path.string(), error ? error.value() : ENOENT);
   const fs::path absolute = normalised(path);
-  if (!fs::is_directory(status)) return {absolute, path.string(), volumeRootOf(absolute)};
-  if (const auto sqlite = sqliteFileIn(absolute)) return {*sqlite, sqlite->string(), volumeRootOf(*sqlite)};
+  if (!fs::is_directory(status)) return checked({absolute, path.string(), volumeRootOf(absolute)});
+  if (const auto sqlite = sqliteFileIn(absolute))
+    return checked({*sqlite, sqlite->string(), volumeRootOf(*sqlite)});
   if (isNamed(absolute, kSqliteFolder)) {
     throw PlayerError(path.string() + ": no database here: the folder has no " + kSqliteFile);
   }
@@ -84,7 +94,7 @@ DatabaseLocation locateDatabase(const fs::path &path) {
                       " folder");
   }
   const fs::path file = databaseIn(*control, path);
-  return {file, file.string(), control->parent_path()};
+  return checked({file, file.string(), control->parent_path()});
 }
 
 fs::path musicFolder(const fs::path &root) {

@@ -20,7 +20,8 @@ struct DatabaseLocation {
 // or takes a file as it is; the player's own folder names match without regard to case. A folder of SQLite
 // files goes before iTunesDB and iTunesCDB, of which the larger is taken: players that have such a folder
 // read it alone. The two paths are absolute. Throws PlayerError, naming the path, when it does not exist,
-// cannot be read, or is a directory without a database.
+// cannot be read, or is a directory without a database, and naming a file or folder from which a link leads
+// out of the player.
 DatabaseLocation locateDatabase(const std::filesystem::path &path);
 
 // The folder with the songs of the player mounted at a directory, without symbolic links on its way; empty

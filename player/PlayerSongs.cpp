@@ -3,14 +3,16 @@
 #include <utility>
 
 #include "player/Error.h"
+#include "player/Folder.h"
 
 namespace player {
 
-PlayerSongs::PlayerSongs(int content, const FileAccount &account, const std::filesystem::path &database)
+PlayerSongs::PlayerSongs(int content, const FileAccount &account, const DatabaseLocation &location)
     : reader_(content, account.bigEndian, account.tracksAt) {
-  const std::filesystem::path counts = playCountsBeside(database);
+  const std::filesystem::path counts = playCountsBeside(location.file);
   if (counts.empty()) return;
   try {
+    if (!location.volumeRoot.empty()) expectInside(location.volumeRoot, counts, counts.string());
     PlayCountMerge merge(readPlayCounts(counts, reader_.count()),
                          [this](size_t song) { return reader_.facts(song); });
     if (merge.isLeftOver()) throw PlayerError(counts.string() + ": its dates are older than the database");

@@ -3,12 +3,12 @@
 // The songs of a player: what its database says of each, with what the player counted since the last
 // synchronisation.
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "player/ChunkWalk.h"
+#include "player/DatabaseLocation.h"
 #include "player/PlayCounts.h"
 #include "player/SongReader.h"
 
@@ -17,8 +17,8 @@ namespace player {
 class PlayerSongs {
  public:
   // `content` is the database, plain or inflated, and must stay open; `account` is what a walk over it found,
-  // and `database` where it lies, for the files beside it. Throws std::system_error when it cannot be read.
-  PlayerSongs(int content, const FileAccount &account, const std::filesystem::path &database);
+  // and `location` where it lies, for the files beside it. Throws std::system_error when it cannot be read.
+  PlayerSongs(int content, const FileAccount &account, const DatabaseLocation &location);
 
   size_t count() const { return reader_.count(); }
 

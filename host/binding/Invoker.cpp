@@ -2,10 +2,13 @@
 
 #include <array>
 #include <cassert>
+#include <cstdint>
 #include <ffi.h>
+#include <new>
 #include <utility>
 
 #include "host/Error.h"
+#include "host/runtime/MemoryFailures.h"
 
 namespace zemhost {
 namespace {
@@ -76,6 +79,22 @@ Value take(Kind kind, const Returned &returned) {
   return {};
 }
 
+// What a method answers that found nothing, or no memory to answer with.
+bool isNeutral(const Value &result) {
+  switch (result.kind()) {
+    case Kind::Integer:
+      return result.integer() == 0;
+    case Kind::Boolean:
+      return !result.boolean();
+    case Kind::String:
+    case Kind::FolderItem:
+      return result.isNil();
+    case Kind::None:
+      break;
+  }
+  return true;
+}
+
 constexpr size_t kMostPassed = kMaxArguments + 2;
 
 }  // namespace
@@ -142,8 +161,11 @@ Value Invoker::call(REALobject object, std::span<const Value> arguments) const {
   for (const Value &argument : arguments) passed[count++] = pass(argument);
   for (size_t i = 0; i < count; ++i) pointers[i] = &passed[i];
   Returned returned{};
+  const uint64_t failures = memoryFailures();
   ffi_call(&s.interface, s.function, &returned, pointers.data());
-  return take(s.result, returned);
+  Value result = take(s.result, returned);
+  if (memoryFailures() != failures && isNeutral(result)) throw std::bad_alloc();
+  return result;
 }
 
 }  // namespace zemhost

@@ -30,7 +30,8 @@ class Invoker {
   ~Invoker();
 
   // Calls the function; `object` is not used for a method of no class. The arguments must be of the declared
-  // number and kinds, and are lent. The result holds the reference that the plug-in gave away.
+  // number and kinds, and are lent. The result holds the reference that the plug-in gave away. Throws
+  // std::bad_alloc when the function found no memory and answers 0, False, nil or nothing for that reason.
   Value call(REALobject object, std::span<const Value> arguments) const;
 
  private:

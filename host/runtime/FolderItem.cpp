@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <new>
 #include <string_view>
 #include <system_error>
@@ -25,7 +24,7 @@ constexpr uint32_t kPathRoom = 16384;
 
 void destroyFolderItem(REALobject self) {
   removeHandle(self, &LiveHandles::folderItems);
-  std::free(self);
+  ::operator delete(self);
 }
 
 std::string fullName(const FSSpec &spec) {
@@ -56,7 +55,7 @@ bool makeSpec(std::string_view macPath, FSSpec &spec) {
 
 REALfolderItem newFolderItem(const FSSpec *spec) {
   if (spec == nullptr || spec->name[0] == 0 || fullName(*spec).empty()) return nullptr;
-  void *block = std::malloc(sizeof(REALfolderItemStruct));
+  void *block = ::operator new(sizeof(REALfolderItemStruct), std::nothrow);
   if (block == nullptr) return nullptr;
   auto *item = new (block) REALfolderItemStruct{{1, destroyFolderItem}, *spec};
   addHandle(static_cast<REALobject>(item), &LiveHandles::folderItems);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <limits>
 #include <new>
 
@@ -34,7 +33,7 @@ StringBlock *blockOf(REALstring string) {
 REALstring newString(std::string_view bytes, uint32_t encoding) {
   constexpr int32_t kAround = 2;  // the length byte in front, a terminator behind
   if (bytes.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max() - kAround)) return nullptr;
-  void *room = std::malloc(sizeof(StringBlock) + bytes.size() + kAround);
+  void *room = ::operator new(sizeof(StringBlock) + bytes.size() + kAround, std::nothrow);
   if (room == nullptr) return nullptr;
   auto *data = static_cast<uint8_t *>(room) + sizeof(StringBlock);
   data[0] = static_cast<uint8_t>(bytes.size() > 255 ? 255 : bytes.size());
@@ -59,7 +58,7 @@ void releaseString(REALstring string) {
   StringBlock *block = blockOf(string);
   block->previous->next = block->next;
   block->next->previous = block->previous;
-  std::free(block);
+  ::operator delete(block);
 }
 
 std::vector<HostString> liveStrings() {

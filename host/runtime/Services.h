@@ -9,12 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "host/runtime/MemoryFailures.h"
 #include "sdk/HostTypes.h"
 
 namespace zemhost {
 
-// While one lives, the services answer for it. One at a time in a process: the services are plain C functions
-// without a context. Strings, folder items and objects do not belong to it and may outlive it.
+// While one lives, the services answer for it, and failures to find memory are counted. One at a time in a
+// process: the services are plain C functions without a context. Strings, folder items and objects do not belong to it and may outlive it.
 class ServiceSession {
  public:
   struct Settings {
@@ -60,6 +61,7 @@ class ServiceSession {
  private:
   friend struct ServiceCalls;
 
+  MemoryFailureCount memoryFailures_;
   Settings settings_;
   int32_t announcedVersion_ = 0;
   std::vector<LookUp> lookUps_;

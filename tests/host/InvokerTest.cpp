@@ -1,12 +1,14 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "host/binding/ClassReader.h"
 #include "host/binding/Invoker.h"
 #include "host/runtime/LiveHandles.h"
+#include "host/runtime/MemoryFailures.h"
 
 namespace zemhost {
 namespace {
@@ -151,6 +153,57 @@ TEST(Invoker, MovedInvokerStillCalls) {
   moved.push_back(Invoker::forMethod(readMethod(slot(give), "Give(n As Integer) As String", "test")));
   const Value argument(9);
   EXPECT_EQ(moved[0].call(kObject, {&argument, 1}).integer(), 9);
+}
+
+// What a request for memory does that cannot be met, and what a plug-in makes of it.
+void fail() {
+  try {
+    std::get_new_handler()();
+  } catch (const std::bad_alloc &) {
+  }
+}
+int32_t failed(REALobject, int32_t answer) {
+  fail();
+  return answer;
+}
+REALstring failedText(REALobject, int32_t length) {
+  fail();
+  return give(nullptr, length);
+}
+void failedWithoutAnswer(REALobject) { fail(); }
+
+TEST(Invoker, NeutralAnswerForLackOfMemoryIsNoAnswer) {
+  const MemoryFailureCount counted;
+  EXPECT_THROW(call("F(n As Integer) As Integer", slot(failed), {0}), std::bad_alloc);
+  EXPECT_THROW(call("F(b As Boolean) As Boolean", slot(failed), {false}), std::bad_alloc);
+  EXPECT_THROW(call("F(n As Integer) As String", slot(failedText), {-1}), std::bad_alloc);
+  EXPECT_THROW(call("F", slot(failedWithoutAnswer), {}), std::bad_alloc);
+  // What could be answered all the same is an answer.
+  EXPECT_EQ(call("F(n As Integer) As Integer", slot(failed), {3}).integer(), 3);
+  EXPECT_TRUE(call("F(b As Boolean) As Boolean", slot(failed), {true}).boolean());
+  EXPECT_EQ(call("F(n As Integer) As String", slot(failedText), {2}).bytes(), "xx");
+  // And a failure before the call is none of the call.
+  fail();
+  EXPECT_EQ(call("Same(n As Integer) As Integer", slot(same), {0}).integer(), 0);
+}
+
+TEST(Invoker, HandlerOfBeforeIsInItsPlaceAgain) {
+  static int called = 0;
+  called = 0;
+  const std::new_handler before = std::set_new_handler([] {
+    ++called;
+    throw std::bad_alloc();
+  });
+  const uint64_t failures = memoryFailures();
+  {
+    const MemoryFailureCount counted;
+    const MemoryFailureCount inside;
+    fail();
+  }
+  fail();
+  std::set_new_handler(before);
+  EXPECT_EQ(called, 2);
+  EXPECT_EQ(memoryFailures(), failures + 1);
 }
 
 }  // namespace

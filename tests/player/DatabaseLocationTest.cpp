@@ -90,6 +90,34 @@ TEST_F(DatabaseLocationTest, EmptyDatabaseAloneIsTheDatabase) {
   EXPECT_EQ(locateDatabase(root_).file, file);
 }
 
+TEST_F(DatabaseLocationTest, LinksOutOfThePlayerAreNotFollowed) {
+  const std::string reason = ": a symbolic link leads out of the player";
+  folder_.write("elsewhere/iTunes/ITUNESDB", "x");
+  const fs::path control = root_ / "iPod_Control";
+  fs::create_directory(root_);
+  fs::create_directory_symlink("../elsewhere", control);
+  EXPECT_EQ(refusal(root_), control.string() + reason);
+  fs::remove(control);
+  fs::create_directory(control);
+  fs::create_directory_symlink(folder_.path() / "elsewhere/iTunes", control / "iTunes");
+  EXPECT_EQ(refusal(root_), (control / "iTunes").string() + reason);
+  fs::remove(control / "iTunes");
+  fs::create_directory(control / "iTunes");
+  fs::create_symlink("../../../elsewhere/iTunes/ITUNESDB", control / "iTunes/iTunesDB");
+  EXPECT_EQ(refusal(root_), (control / "iTunes/iTunesDB").string() + reason);
+  EXPECT_EQ(refusal(control / "iTunes/iTunesDB"), (control / "iTunes/iTunesDB").string() + reason);
+}
+
+TEST_F(DatabaseLocationTest, LinksThatStayOnThePlayerAreFollowed) {
+  folder_.write("My iPod/kept/iTunesDB", "x");
+  fs::create_directory(root_ / "iPod_Control");
+  fs::create_directory_symlink("../kept", root_ / "iPod_Control/iTunes");
+  EXPECT_EQ(locateDatabase(root_).file, root_ / "iPod_Control/iTunes/iTunesDB");
+  // The player itself may be reached through a link.
+  fs::create_directory_symlink(root_, folder_.path() / "here");
+  EXPECT_EQ(locateDatabase(folder_.path() / "here").volumeRoot, folder_.path() / "here");
+}
+
 TEST_F(DatabaseLocationTest, MissingPathIsNamed) {
   const fs::path none = folder_.path() / "none";
   EXPECT_EQ(refusal(none), none.string() + ": No such file or directory");

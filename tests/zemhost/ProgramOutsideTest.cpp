@@ -89,6 +89,27 @@ TEST_F(Outside, MusicFolderThatIsALinkIsNotSearched) {
   EXPECT_THAT(runZemhost({"check", player}).out, Not(HasSubstr("secret.txt")));
 }
 
+TEST_F(Outside, PlayCountsThatAreALinkAreLeftOut) {
+  const fs::path player = makePlayer(u":iPod_Control:Music:F00:a.mp3");
+  std::string counts("mhdp\x60\0\0\0\x10\0\0\0\x01\0\0\0", 16);
+  counts.resize(0x60);
+  counts += std::string("\x33\0\0\0", 4) + std::string(12, '\0');  // played 51 times
+  folder_.write("counts", counts);
+  const fs::path link = player / "iPod_Control/iTunes/Play Counts";
+  fs::create_symlink("../../../counts", link);
+  const std::vector<std::string> command = {"export", player, "--format", "csv", "--fields", "play_count"};
+  const Outcome outcome = runZemhost(command);
+  EXPECT_THAT(outcome.out, Not(HasSubstr("51")));
+  EXPECT_EQ(outcome.err, "zemhost: " + link.string() +
+                             ": a symbolic link leads out of the player; plays since the last "
+                             "synchronisation are left out\n");
+  // The same file on the player counts.
+  fs::remove(link);
+  fs::rename(folder_.path() / "counts", player / "counts");
+  fs::create_symlink("../../counts", link);
+  EXPECT_THAT(runZemhost(command).out, HasSubstr("51"));
+}
+
 TEST_F(Outside, DatabaseThatIsALinkIsRefused) {
   const fs::path player = makePlayer(u":iPod_Control:Music:F00:a.mp3");
   const fs::path database = player / "iPod_Control/iTunes/iTunesDB";

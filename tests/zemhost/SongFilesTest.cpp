@@ -128,5 +128,13 @@ TEST_F(SongFilesTest, FolderIsReadOnceForAnyNumberOfNamesThatDiffer) {
   EXPECT_EQ(files.entriesRead(), kFiles + 2U + 1U + 2U);
 }
 
+TEST_F(SongFilesTest, NothingIsLookedUpBelowAFolderThatIsNotThere) {
+  std::string path;
+  for (int i = 0; i < 5000; ++i) path += ":none";
+  SongFiles files(location(root_), kOfAPlayer);
+  EXPECT_EQ(files.find(path + ":song.mp3").error, ENOENT);
+  EXPECT_EQ(files.foldersTried(), 2U);  // the root and the first of them
+}
+
 }  // namespace
 }  // namespace zemhost

@@ -5,6 +5,8 @@
 #include "zemhost/commands/Commands.h"
 #include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
+#include "zemhost/files/OutOfMemory.h"
+#include "zemhost/library/MemoryLimit.h"
 #include "zemhost/library/SongGroups.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
@@ -130,7 +132,10 @@ void writeJson(const Comparison &comparison, const MusicLibrary &a, const MusicL
 int compare(const CompareArguments &arguments) {
   const Host host = Host::load();
   const MusicLibrary a = openAndWarn(host, arguments.a);
+  liftMemoryLimit();  // of one library, which is no measure of both
   const MusicLibrary b = openAndWarn(host, arguments.b);
+  liftMemoryLimit();
+  setMemorySubject(safeText(arguments.a + " and " + arguments.b));
   const Sameness by = samenessNamed(arguments.by);
   const Comparison comparison = compareLibraries(a, b, by);
   if (arguments.json) {

@@ -43,7 +43,7 @@ class Database {
  private:
   // What the system said, where a call to it failed; SQLite's own words are about the "disk image".
   std::string reasonNow() const {
-    if (handle_ == nullptr) return "no memory for the database";
+    if (handle_ == nullptr) return "out of memory";
     const int code = sqlite3_errcode(handle_) & 0xFF;
     const int system = sqlite3_system_errno(handle_);
     if (code == SQLITE_FULL && system == 0) return std::generic_category().message(ENOSPC);

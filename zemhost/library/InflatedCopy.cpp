@@ -34,6 +34,9 @@ InflatedCopy::InflatedCopy(const player::DatabaseLocation &location) {
   if (content_.number() < 0) throw HostError(file_.path().string(), errno);
   bytesLeft_ =
       player::inflateDatabase(from.number(), location.name, content_.number(), file_.path().string());
+  struct stat status {};
+  if (fstat(content_.number(), &status) != 0) throw HostError(file_.path().string(), errno);
+  size_ = static_cast<uint64_t>(status.st_size);
 }
 
 }  // namespace zemhost

@@ -20,6 +20,7 @@ class InflatedCopy {
   // The directory that stands for the player's root.
   const std::filesystem::path &root() const { return root_.path(); }
   const std::filesystem::path &file() const { return file_.path(); }
+  uint64_t size() const { return size_; }
   // Bytes of the compressed file after its stream.
   uint64_t bytesLeft() const { return bytesLeft_; }
   // Hands the open copy on, which can be read even when its name has gone.
@@ -32,6 +33,7 @@ class InflatedCopy {
   TemporaryPath folder_;
   TemporaryPath file_;
   carbon::Descriptor content_;
+  uint64_t size_ = 0;
   uint64_t bytesLeft_ = 0;
 };
 

@@ -10,9 +10,11 @@
 
 #include "host/runtime/MacPaths.h"
 #include "player/FileProbe.h"
-#include "zemhost/files/Beneath.h"
+#include "zemhost/files/OutOfMemory.h"
 #include "zemhost/library/InflatedCopy.h"
+#include "zemhost/library/MemoryLimit.h"
 #include "zemhost/library/Reconciliation.h"
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 
@@ -58,7 +60,7 @@ void readContent(OpenDatabase &database) {
   try {
     database.account = player::walkChunks(database.content.number());
     database.songs = std::make_shared<const player::PlayerSongs>(database.content.number(), database.account,
-                                                                 database.location.file);
+                                                                 database.location);
     database.lists = std::make_shared<const player::PlayerLists>(
         database.content.number(), database.account, database.location.file, database.location.volumeRoot);
   } catch (const std::system_error &error) {
@@ -66,25 +68,14 @@ void readContent(OpenDatabase &database) {
   }
 }
 
-}  // namespace
-
-void checkPlace(const player::DatabaseLocation &location) {
-  const carbon::Descriptor root(open(location.volumeRoot.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  const std::string below = location.file.lexically_relative(location.volumeRoot).string();
-  if (openBeneath(root.number(), below, O_PATH) || errno != EXDEV) return;
-  throw HostError(location.name + ": a symbolic link leads out of the player");
-}
-
-OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database{
-      host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {}, {}, {}};
+// Into an object that has loaded nothing.
+void load(OpenDatabase &database) {
   const player::DatabaseLocation &location = database.location;
   if (location.isSqlite()) {
     throw HostError(
         location.name +
         ": the newest nanos keep their library in SQLite files, and the class reads iTunesDB alone");
   }
-  if (!location.volumeRoot.empty()) checkPlace(location);
   const player::FileProbe probe = player::probeFile(location.file);
   if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
 
@@ -99,6 +90,10 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
       throw HostError(location.name + ": its compressed content: " +
                       (inflated.reason.empty() ? "a compressed database again" : inflated.reason));
     }
+    if (limitMemoryFor(copy.size())) {
+      setMemorySubject(safeText(location.name),
+                       "a compressed database may take twice its inflated size and 64 MB");
+    }
     mount(copy.root());
     load(database.object, location.name, copy.file());
     database.compressed = true;
@@ -112,6 +107,15 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
     if (database.content.number() < 0) throw HostError(location.name, errno);
   }
   readContent(database);
+}
+
+}  // namespace
+
+OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
+  OpenDatabase database{
+      host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {}, {}, {}};
+  setMemorySubject(safeText(database.location.name));
+  load(database);
   return database;
 }
 

@@ -28,15 +28,12 @@ struct OpenDatabase {
   std::vector<std::string> warnings;  // a line each; none unless openDatabase() has something to say
 };
 
-// Whether the location is one that may be read: a player's database may be reached through symbolic links on
-// the player, and not through others. Throws HostError, naming the file, for such.
-void checkPlace(const player::DatabaseLocation &location);
-
 // Finds the database that the path stands for, declares its player as a mounted volume, and loads it into a
 // new object of the plug-in's class; a compressed one is inflated into a temporary file first, which is gone
-// when this returns. Walks over its chunks, and looks at the files beside it. Throws HostError, naming the
-// file and what is wrong with it; a symbolic link that leads from the player to a database elsewhere is wrong
-// too, and so are SQLite files, which the class does not read.
+// when this returns, and from then on the memory of the program is limited (MemoryLimit.h). Walks over its
+// chunks, and looks at the files beside it. Throws HostError, naming the file and what is wrong with it; a
+// symbolic link that leads from the player to a database elsewhere is wrong too, and so are SQLite files,
+// which the class does not read.
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path);
 
 // The same, with warnings when the class does not answer with all that the file announces or holds, and when

@@ -2,7 +2,10 @@
 
 #include <utility>
 
+#include "player/Folder.h"
+#include "zemhost/files/OutOfMemory.h"
 #include "zemhost/library/SqliteSource.h"
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 
@@ -11,7 +14,7 @@ std::shared_ptr<const player::SqliteLibrary> readSqliteLibrary(const player::Dat
   for (const std::filesystem::path &file :
        {files.library, files.locations, files.dynamic, files.extras, files.genius}) {
     if (!file.empty() && !location.volumeRoot.empty())
-      checkPlace({file, file == files.library ? location.name : file.string(), location.volumeRoot});
+      player::expectInside(location.volumeRoot, file, file == files.library ? location.name : file.string());
   }
   return std::make_shared<const player::SqliteLibrary>(files);
 }
@@ -23,6 +26,7 @@ OpenedLibrary openLibrary(const Host &host, const std::filesystem::path &path) {
     std::vector<std::string> warnings = std::move(database.warnings);
     return {MusicLibrary(std::move(database)), std::move(warnings)};
   }
+  setMemorySubject(safeText(location.name));
   const auto library = readSqliteLibrary(location);
   return {MusicLibrary(host, std::make_shared<const SqliteSource>(location, library)), library->warnings()};
 }

@@ -5,6 +5,7 @@
 #include <climits>
 #include <dirent.h>
 #include <fcntl.h>
+#include <new>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,7 +31,9 @@ std::vector<std::string> namesIn(const carbon::Descriptor &folder) {
   const int number = dup(folder.number());  // that the stream will own
   DIR *const stream = fdopendir(number);
   if (stream == nullptr) {
+    const bool isMemoryShort = errno == ENOMEM;
     if (number >= 0) close(number);
+    if (isMemoryShort) throw std::bad_alloc();
     return names;
   }
   while (const dirent *entry = readdir(stream)) names.emplace_back(entry->d_name);
@@ -110,7 +113,8 @@ SongFile SongFiles::findOnVolume(const std::string &path) {
   std::vector<std::string> names;
   if (!splitPath(path, names)) return file;
   std::string way = ".";
-  for (size_t i = 0; i + 1 < names.size(); ++i) way = folderNamed(way, names[i]);
+  // Nothing lies below a folder that is not there, however many names follow.
+  for (size_t i = 0; i + 1 < names.size() && folder(way).error == 0; ++i) way = folderNamed(way, names[i]);
   const Folder &last = folder(way);
   file.error = last.error;
   if (last.error != 0) return file;

@@ -47,6 +47,8 @@ class SongFiles {
 
   // The entries of folders that were read until now, for showing how the work grows.
   uint64_t entriesRead() const { return entriesRead_; }
+  // The folders that were looked up until now, there or not.
+  size_t foldersTried() const { return folders_.size(); }
 
  private:
   struct Folder {

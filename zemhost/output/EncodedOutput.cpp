@@ -30,6 +30,7 @@ void EncodedOutput::write(std::string_view text) {
 
 void EncodedOutput::write(const Table &table) {
   std::ostringstream text;
+  text.exceptions(std::ios::badbit);  // else a lack of memory would only cut the text short
   table.show(text);
   write(text.str());
 }

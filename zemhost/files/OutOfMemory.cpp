@@ -1,0 +1,57 @@
+#include "zemhost/files/OutOfMemory.h"
+
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
+
+#include "zemhost/ExitStatus.h"
+#include "zemhost/files/TemporaryPath.h"
+
+namespace zemhost {
+
+namespace {
+
+std::string subject;      // "NAME: "
+std::string explanation;  // "; REASON"
+
+// As much as standard error takes; nobody could be shown a failure.
+void say(std::string_view text) noexcept {
+  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+}
+
+[[noreturn]] void endAtOnce() noexcept {
+  if (std::current_exception() != nullptr) {
+    try {
+      throw;
+    } catch (const std::bad_alloc &) {
+      removeTemporaryPaths();
+      sayOutOfMemory();
+      _exit(kFailure);
+    } catch (...) {
+      std::abort();
+    }
+  }
+  std::abort();
+}
+
+}  // namespace
+
+void setMemorySubject(std::string name, std::string reason) {
+  subject = std::move(name) + ": ";
+  explanation = reason.empty() ? std::string() : "; " + std::move(reason);
+}
+
+void sayOutOfMemory() noexcept {
+  for (const std::string_view part :
+       {std::string_view("zemhost: "), std::string_view(subject), std::string_view("out of memory"),
+        std::string_view(explanation), std::string_view("\n")}) {
+    say(part);
+  }
+}
+
+void handleOutOfMemory() { std::set_terminate(endAtOnce); }
+
+}  // namespace zemhost

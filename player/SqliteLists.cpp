@@ -13,7 +13,7 @@ namespace {
 using L = SqliteList;
 using V = const SqliteValue;
 
-constexpr SqliteColumn<SqliteList> kColumns[] = {
+constexpr SqliteColumn<SqliteList> kListColumns[] = {
     {"name", [](L &l, V &v) { l.name = v.text(&l.lost); }},
     {"name_order", [](L &l, V &v) { l.nameOrder = v.integer(); }},
     {"date_created", [](L &l, V &v) { l.created = sqliteDate(v); }},
@@ -76,7 +76,7 @@ class ListReader {
       lists_.back().pid = pid;
       return &lists_.back();
     };
-    const std::span<const SqliteColumn<SqliteList>> columns = kColumns;
+    const std::span<const SqliteColumn<SqliteList>> columns = kListColumns;
     report_(file_, "container", readTable<SqliteList>(file_, "container", "pid", columns, find));
   }
 

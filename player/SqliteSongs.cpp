@@ -221,11 +221,11 @@ void SqliteSongs::readDynamic(SqliteFile &file) {
 }
 
 void SqliteSongs::readExtras(SqliteFile &file) {
-  constexpr SqliteColumn<SqliteSong> kColumns[] = {{"lyrics", [](SqliteSong &song, const SqliteValue &value) {
-                                                      if (!value.text().empty()) song.facts.lyrics = true;
-                                                    }}};
+  constexpr SqliteColumn<SqliteSong> kLyrics[] = {{"lyrics", [](SqliteSong &song, const SqliteValue &value) {
+                                                     if (!value.text().empty()) song.facts.lyrics = true;
+                                                   }}};
   const auto find = [this](int64_t pid) { return ofTable("lyrics", pid); };
-  report_(file, "lyrics", readTable<SqliteSong>(file, "lyrics", "item_pid", kColumns, find));
+  report_(file, "lyrics", readTable<SqliteSong>(file, "lyrics", "item_pid", kLyrics, find));
 }
 
 }  // namespace player

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
+#include <utility>
 #include <vector>
 
 #include "samples/SampleLibrary.h"
@@ -18,8 +18,8 @@ using Text = std::u16string;
 
 constexpr int64_t kFrom1970To2001 = 978307200;
 constexpr int64_t kFrom1904To1970 = 2082844800;
-constexpr int64_t kYears = 3287 * 86400;  // nine, by which a nano is younger than the sample player
-constexpr int64_t kZone = 2 * 3600;       // of its clock
+constexpr int64_t kYears = int64_t{3287} * 86400;  // nine, by which a nano is younger than the sample player
+constexpr int64_t kZone = int64_t{2} * 3600;       // of its clock
 
 constexpr int64_t kLibraryList = 0x4E616E6F00000001;
 constexpr int64_t kFolder = 0x4E616E6F00000100;
@@ -95,7 +95,7 @@ std::string OneRule(uint32_t field, uint32_t action, uint64_t value) {
 
 class Files {
  public:
-  explicit Files(const std::filesystem::path &folder) : folder_(folder) {}
+  explicit Files(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
   void Write() {
     WriteLibrary();

@@ -128,7 +128,7 @@ TEST_F(SqliteFileTest, RowsBeforeADamagedPageAreRead) {
       "INSERT INTO item SELECT i, hex(zeroblob(40)) FROM n");
   std::string bytes = support::contentOf(path);
   ASSERT_GT(bytes.size(), 20U * 4096);
-  std::fill(bytes.begin() + 20 * 4096, bytes.begin() + 21 * 4096, '\xFF');
+  std::fill(bytes.begin() + ptrdiff_t{20} * 4096, bytes.begin() + ptrdiff_t{21} * 4096, '\xFF');
   const auto read = numbers(folder_.write("damaged", bytes), "pid", TableState::Damaged);
   ASSERT_GT(read.size(), 100U);
   EXPECT_LT(read.size(), 2000U);

@@ -138,7 +138,7 @@ TEST_F(SqliteLibraryTest, PlayCountsAreJoinedInUtc) {
   ASSERT_TRUE(library.hasCounts());
   const samples::SampleFacts facts = samples::SampleFactsOf(0);
   EXPECT_EQ(library.songs()[0].facts.plays, facts.plays + facts.newPlays);
-  const int64_t moment = facts.newLastPlayed + 3287 * 86400 - 978307200;
+  const int64_t moment = facts.newLastPlayed + int64_t{3287} * 86400 - 978307200;
   EXPECT_EQ(library.songs()[0].facts.lastPlayed, static_cast<uint32_t>(moment) + kFrom1904To2001);
   EXPECT_EQ(library.counted(0)->plays, facts.newPlays);
   EXPECT_EQ(songNamed(library, "Episode 12: Tape Hiss").facts.rating, 60) << "given on the player";

@@ -127,7 +127,8 @@ TEST_F(Nano, ListensAreMomentsOfTheDatesInUtc) {
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   const std::vector<std::string> lines = linesOf(outcome.out);
   ASSERT_EQ(lines.size(), 3U);
-  EXPECT_EQ(json::parse(lines[0])["listened_at"], samples::SampleFactsOf(0).newLastPlayed + 3287 * 86400);
+  EXPECT_EQ(json::parse(lines[0])["listened_at"],
+            samples::SampleFactsOf(0).newLastPlayed + int64_t{3287} * 86400);
 }
 
 TEST_F(Nano, RescueCopiesItsMusicAndPlaylists) {

@@ -3,13 +3,14 @@
 // What exports ask of the class alone: its methods for them, each looked up once.
 
 #include <string>
+#include <utility>
 
 #include "host/Host.h"
 
 namespace zemhost {
 
 struct SongAnswers {
-  explicit SongAnswers(const Object &asked) : object(asked) {}
+  explicit SongAnswers(Object asked) : object(std::move(asked)) {}
 
   Method integer(const std::string &name) const {
     return object.method(name + "(index As Integer) As Integer");
@@ -33,7 +34,7 @@ struct SongAnswers {
 };
 
 struct PlaylistAnswers {
-  explicit PlaylistAnswers(const Object &asked) : object(asked) {}
+  explicit PlaylistAnswers(Object asked) : object(std::move(asked)) {}
 
   Object object;
   Method typeI = object.method("GetPlayListTypeI(playlist As Integer) As Integer");

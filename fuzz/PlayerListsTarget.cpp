@@ -48,7 +48,7 @@ player::SmartSource Source() {
     song.facts.rating = static_cast<uint8_t>(20 * place);
     song.facts.plays = static_cast<uint32_t>(place);
     song.facts.duration = 60000;
-    song.texts[4] = place == 1 ? "A" : "";
+    if (place == 1) song.texts.emplace(4, std::string(1, 'A'));
     return song;
   };
   source.isIn = [](uint64_t list, size_t song) -> std::optional<bool> {

@@ -10,7 +10,8 @@ _zemhost_options() {
     export) echo '-h --help --format -o --output --playlist --since-sync --fields --paths --encoding' ;;
     info | playlists) echo '-h --help --encoding' ;;
     plays) echo '-h --help --by --top --encoding' ;;
-    songs | playlist) echo '-h --help --columns --encoding' ;;
+    songs) echo '-h --help --columns --encoding' ;;
+    playlist) echo '-h --help --columns --evaluate --day --encoding' ;;
     rescue) echo '-h --help --pattern --playlist --dry-run' ;;
     *) echo '-h --help' ;;
   esac
@@ -25,7 +26,7 @@ _zemhost_values() {
     export:--format) echo 'csv json ndjson m3u8 sqlite listenbrainz' ;;
     export:--paths) echo 'host relative device' ;;
     export:-o | export:--output) echo FILE ;;
-    export:--playlist | export:--fields | *:--columns | *:--top | *:--encoding) echo TEXT ;;
+    export:--playlist | export:--fields | *:--columns | *:--top | *:--day | *:--encoding) echo TEXT ;;
     rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac

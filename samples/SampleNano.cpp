@@ -260,6 +260,7 @@ class Files {
     };
     const std::vector<SamplePlaylist> samples = SamplePlaylists();
     for (size_t i = 0; i < samples.size(); ++i) {
+      if (samples[i].smart) continue;  // this player has its own
       const int64_t pid = kLibraryList + static_cast<int64_t>(i);
       const bool isInFolder = i == 1 || i == 5;
       lists.push_back(List(pid, i == 0 ? u"Sample nano" : samples[i].name, static_cast<int64_t>(i * 100),

@@ -179,12 +179,18 @@ TEST(SongsCommand, HundredThousandSongsAreListedWhole) {
   EXPECT_EQ(linesOf(playlists.out).size(), 4U) << playlists.err;
 }
 
+std::string kindOf(const samples::SamplePlaylist &list, size_t place) {
+  if (list.smart) return "smart";
+  if (list.podcasts) return "podcasts";
+  return place == 0 ? "library" : "playlist";
+}
+
 TEST(PlaylistsCommand, ListsNamesKindsAndNumbersOfSongs) {
   const Outcome outcome = runZemhost({"playlists", kPlayer});
   ASSERT_EQ(outcome.status, 0) << outcome.err;
   const std::vector<std::string> lines = linesOf(outcome.out);
   const auto playlists = samples::SamplePlaylists();
-  ASSERT_EQ(lines.size(), playlists.size() + 1);
+  ASSERT_EQ(lines.size(), playlists.size() + 2);
   for (size_t i = 0; i < playlists.size(); ++i) {
     uint64_t duration = 0;
     for (const size_t song : playlists[i].songs) duration += samples::SampleSongs()[song].duration;
@@ -195,10 +201,10 @@ TEST(PlaylistsCommand, ListsNamesKindsAndNumbersOfSongs) {
     } else {
       std::snprintf(time, sizeof time, "%u:%02u:%02u", seconds / 3600, seconds / 60 % 60, seconds % 60);
     }
-    expectCellsInOrder(lines[i + 1],
-                       {std::to_string(i), utf8(playlists[i].name), i == 0 ? "library" : "playlist",
-                        std::to_string(playlists[i].songs.size()), time});
+    expectCellsInOrder(lines[i + 1], {std::to_string(i), utf8(playlists[i].name), kindOf(playlists[i], i),
+                                      std::to_string(playlists[i].songs.size()), time});
   }
+  expectCellsInOrder(lines.back(), {"8", "On-The-Go 1", "on-the-go", "3", "13:02"});
 }
 
 TEST(PlaylistsCommand, DesktopLibraryHasTheSameNames) {
@@ -212,9 +218,11 @@ TEST(PlaylistCommand, ListsItsSongsInTheirOrderByNumberAndName) {
     const Outcome outcome = runZemhost({"playlist", kPlayer, std::to_string(i)});
     ASSERT_EQ(outcome.status, 0) << outcome.err;
     const std::vector<std::string> lines = linesOf(outcome.out);
-    ASSERT_EQ(lines.size(), playlists[i].songs.size() + 3);
+    // A heading before the podcasts, a line about the list, and one about its rules.
+    const size_t heading = playlists[i].podcasts ? 1 : 0;
+    ASSERT_EQ(lines.size(), playlists[i].songs.size() + heading + (playlists[i].smart ? 5 : 4));
     for (size_t k = 0; k < playlists[i].songs.size(); ++k) {
-      expectCellsInOrder(lines[k + 1], cellsOf(playlists[i].songs[k], k, false));
+      expectCellsInOrder(lines[k + heading + 1], cellsOf(playlists[i].songs[k], k, false));
     }
     EXPECT_EQ(runZemhost({"playlist", kPlayer, utf8(playlists[i].name)}).out, outcome.out);
   }
@@ -273,7 +281,7 @@ TEST(PlaylistCommand, EntryWithoutASongIsSaidToBeRatherThanShownAsTheFirstSong) 
   const fs::path file = folder.write(
       "db", playerFile({track(1, u"First"), track(2, u"Second")}, {playlist(u"List", {2, 99, 1})}));
   const std::vector<std::string> lines = linesOf(runZemhost({"playlist", file, "0"}).out);
-  ASSERT_EQ(lines.size(), 6U);
+  ASSERT_EQ(lines.size(), 7U);
   EXPECT_THAT(lines[1], HasSubstr("Second"));
   EXPECT_THAT(lines[2], HasSubstr("(no song has the ID 99)"));
   EXPECT_THAT(lines[3], HasSubstr("First"));
@@ -283,18 +291,27 @@ TEST(PlaylistCommand, EntryWithoutASongIsSaidToBeRatherThanShownAsTheFirstSong) 
 TEST(InfoCommand, SumsUpThePlayer) {
   uint64_t duration = 0;
   for (const auto &song : samples::SampleSongs()) duration += song.duration;
-  size_t entries = 0;
+  size_t entries = 3;  // of the list that was made on the player
   for (const auto &playlist : samples::SamplePlaylists()) entries += playlist.songs.size();
   const std::vector<std::string> lines = linesOf(runZemhost({"info", kPlayer}).out);
   const auto seconds = static_cast<unsigned>(duration / 1000);
   char time[32];
   std::snprintf(time, sizeof time, "%u:%02u:%02u", seconds / 3600, seconds / 60 % 60, seconds % 60);
-  EXPECT_THAT(lines, ElementsAre("Database   " + (kPlayer / "iPod_Control" / "iTunes" / "iTunesDB").string(),
-                                 "Volume     player", "Variant    little-endian, a player's database",
-                                 "Songs      " + std::to_string(samples::SampleSongs().size()),
-                                 "Playlists  " + std::to_string(samples::SamplePlaylists().size()) +
-                                     " with " + std::to_string(entries) + " entries",
-                                 std::string("Time       ") + time, StartsWith("Size       ")));
+  ASSERT_EQ(lines.size(), 14U);
+  EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 7),
+              ElementsAre("Database   " + (kPlayer / "iPod_Control" / "iTunes" / "iTunesDB").string(),
+                          "Volume     player", "Variant    little-endian, a player's database",
+                          "Songs      " + std::to_string(samples::SampleSongs().size()),
+                          "Playlists  " + std::to_string(samples::SamplePlaylists().size() + 1) + " with " +
+                              std::to_string(entries) + " entries",
+                          std::string("Time       ") + time, StartsWith("Size       ")));
+  EXPECT_THAT(
+      std::vector(lines.begin() + 7, lines.end()),
+      ElementsAre("Name       Sample Player", "Model      iPod (generation 5), 30 GB, white, number MA002",
+                  "Serial     XX000000SZ9", "Firmware   1.2.1", "Last sync  in the zone UTC+2",
+                  StartsWith("Files      iPod_Control/iTunes/iTunesDB, iPod_Control/iTunes/Play Counts, "
+                             "iPod_Control/iTunes/OTGPlaylistInfo, "),
+                  StartsWith("Free       ")));
 }
 
 TEST(InfoCommand, NamesTheVariantOfADesktopLibrary) {

@@ -5,6 +5,7 @@ import os
 import re
 import struct
 
+import song_model
 from song_model import date, nonzero, text_of
 
 LIBRARY, ORDINARY, SMART, FOLDER, PODCASTS = range(5)
@@ -118,6 +119,49 @@ class Lists:
                 body = self.data[place + 0x28:place + length]
                 return text_of(body[:len(body) & ~1], False)
         return ""
+
+
+def lists_of(data):
+    """The playlists of a sound file, in which one chunk follows another."""
+    order = ">" if data[:4] == b"hdfm" else "<"
+    at, kind, places = 0, 0, {2: [], 3: []}
+    while at + 12 <= len(data):
+        tag, jump, length, count = data[at:at + 4], *struct.unpack(order + "III", data[at + 4:at + 16].ljust(12, b"\0"))
+        if tag in (b"mhsd", b"hdsm"):
+            kind = count
+        elif tag in (b"mhyp", b"hpim") and kind in places:
+            places[kind].append(at)
+        at += max(length if tag in (b"mhod", b"hohm") else jump, 1)
+    return Lists(data, places[2], places[3])
+
+
+def atoms(data):
+    at = 0
+    while at + 20 <= len(data):
+        (size,) = struct.unpack_from(">I", data, at)
+        if size < 20 or at + size > len(data):
+            return
+        yield data[at + 4:at + 8], struct.unpack_from(">I", data, at + 8)[0], data[at + 20:at + size]
+        at += size
+
+
+def chapters(data):
+    """Of each song of a sound file, triples of start, title and address."""
+    reader, found = Lists(data, [], []), []
+    for song in song_model.Database(data).songs:
+        marks = []
+        holders = [place for kind, place, _ in reader.objects(song["at"]) if kind == 17 and not reader.big]
+        for place in holders[:1]:
+            body = data[place + 0x24:place + reader.word(place + 8)]
+            for name, _, inside in atoms(body):
+                for kind, start, content in atoms(inside) if name == b"sean" else ():
+                    if kind == b"chap":
+                        parts = {one: rest for one, _, rest in atoms(content)}
+                        title = parts.get(b"name", b"\0\0")
+                        title = text_of(title[2:2 + 2 * int.from_bytes(title[:2], "big")], True)
+                        marks.append((0 if start == 1 else start, title, parts.get(b"url ", b"")[4:].decode()))
+        found.append(marks)
+    return found
 
 
 def read_rules(settings, criteria, big):

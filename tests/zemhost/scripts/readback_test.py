@@ -16,6 +16,7 @@ import jsonschema
 
 from answers import FolderItem, answers
 from database_file import File
+from exported_lists import chapters_of, expected_playlists, unsigned
 from program import DESKTOP, PLAYER, SHARED, SOURCE, generated, real_files, run
 
 sys.path.append(os.path.join(SOURCE, "tests", "player", "model"))
@@ -25,6 +26,7 @@ with open(os.path.join(SOURCE, "docs", "export-schema.json"), encoding="utf-8") 
     SCHEMA = json.load(schema_file)
 SONG = SCHEMA["$defs"]["song"]
 FIELDS = list(SONG["properties"])
+AS_JSON = ("chapters", "other_texts")  # in formats that have no such values
 
 # Fields that are a method's answer and nothing else.
 WORDS = {"track": "GetNumOfTrack", "track_total": "GetTotalTrack", "year": "GetYear", "duration_ms": "GetDuration",
@@ -56,10 +58,6 @@ OTHERS = {"track_id": "GetID", "_media_type": "GetMediaType", "compilation": "Ge
           "_bit_rate": "GetBitrate", "_sample_rate": "GetSamplerate", "_date": "GetDataAdded",
           "_file": "GetFolderItem"}
 NUMBERS = range(0, 60)
-
-
-def unsigned(word):
-    return word & 0xFFFFFFFF
 
 
 def date_text(seconds):
@@ -180,26 +178,6 @@ def on_this_machine(song, path):
     return os.path.join(os.path.realpath(path), *(part.replace("/", ":") for part in rest.split(":")))
 
 
-def expected_playlists(path, database_file):
-    (count,) = answers(path, ["CountPlayLists"])
-    playlists = []
-    for number in range(count):
-        name, encode, type_1, type_2, entries = answers(path, [
-            f"GetPlayListName({number})", f"GetPlayListEncode({number})", f"GetPlayListTypeI({number})",
-            f"GetPlayListTypeII({number})", f"CountSongsInPlayList({number})"])
-        if unsigned(encode) not in (0x01000000, 1):
-            name = database_file.playlists[number]["name"]
-        told = iter(answers(path, [f"{method}({number}, {i})" for i in range(entries) for method in
-                                   ("GetIndex", "GetRefNum", "GetPlaySong", "GetFlags")]))
-        playlists.append({
-            "playlist_number": number, "name": name or None, "kind": "library" if number == 0 else "playlist",
-            "entry_count": entries, "type_1": unsigned(type_1), "type_2": unsigned(type_2),
-            "name_encode": unsigned(encode),
-            "entries": [{"position": i, "song_index": next(told), "track_id": next(told), "play": next(told),
-                         "flags": unsigned(next(told))} for i in range(entries)]})
-    return playlists
-
-
 def in_csv(value):
     if value is None:
         return ""
@@ -237,7 +215,9 @@ class ReadBack(unittest.TestCase):
             facts, entries = song_model.known(database)
             for song, fact, counted in zip(songs, facts, entries or [None] * len(songs), strict=True):
                 add_facts(song, fact, counted)
-            playlists = expected_playlists(path, file)
+            playlists = expected_playlists(path, database, file)
+            for song, chapters in zip(songs, chapters_of(database), strict=True):
+                song["chapters"] = chapters
             for song in songs:
                 song["file"] = on_this_machine(song, path)
             ids = {}
@@ -261,10 +241,21 @@ class ReadBack(unittest.TestCase):
             self.assertEqual(list(one), FIELDS)
             self.assertEqual(one, {name: other[name] for name in FIELDS})
 
+    def assert_playlists(self, got, expected):
+        """The words of rules have tests of their own; here each text that rules hold must be among them."""
+        for one, other in zip(got, expected, strict=True):
+            rules, texts = one.pop("rules"), other["rules"]
+            self.assertEqual(rules is None, texts is None)
+            for text in texts or []:
+                self.assertIn(text, rules)
+            self.assertEqual(one, {name: value for name, value in other.items() if name != "rules"})
+
     def test_libraries_hold_what_the_checks_are_about(self):
         """Without this the comparisons could pass over nothing."""
         songs, playlists = self.databases[PLAYER]
-        self.assertEqual((len(songs), len(playlists)), (29, 7))
+        self.assertEqual((len(songs), len(playlists)), (29, 9))
+        self.assertEqual([playlist["kind"] for playlist in playlists[5:]], ["playlist", "podcasts", "smart", "on-the-go"])
+        self.assertEqual(len(songs[25]["chapters"]), 3)
         self.assertEqual(songs[0]["date_added"], "2005-03-12T00:00:00")  # the day the sample was given
         self.assertNotEqual(songs[25]["date_added"], songs[25]["date_modified"])
         self.assertEqual([songs[0]["play_count"], songs[0]["plays_since_sync"]], [33, 2])
@@ -281,7 +272,7 @@ class ReadBack(unittest.TestCase):
         for error in validator.iter_errors(got):
             self.fail(error.message)
         self.assert_songs(got["songs"], songs)
-        self.assertEqual(got["playlists"], playlists)
+        self.assert_playlists(got["playlists"], playlists)
 
     @of_each_database
     def test_ndjson(self, path, songs, playlists):
@@ -301,11 +292,12 @@ class ReadBack(unittest.TestCase):
         self.assertEqual(text.count("\r\n"), len(songs) + 1)
         self.assertEqual(text.count("\n"), len(songs) + 1)
         self.assertEqual(len(rows), len(songs) + 1)
-        place = FIELDS.index("other_texts")
         for row, song in zip(rows[1:], songs):
-            others = row.pop(place)
-            self.assertEqual(json.loads(others) if others else None, song["other_texts"])
-            self.assertEqual(row, [in_csv(song[name]) for name in FIELDS if name != "other_texts"])
+            for name in AS_JSON:
+                text = row[FIELDS.index(name)]
+                self.assertEqual(json.loads(text) if text else None, song[name])
+                row[FIELDS.index(name)] = ""
+            self.assertEqual(row, ["" if name in AS_JSON else in_csv(song[name]) for name in FIELDS])
 
     @of_each_database
     def test_sqlite(self, path, songs, playlists):
@@ -321,15 +313,17 @@ class ReadBack(unittest.TestCase):
             for name in FIELDS:
                 if "boolean" in SONG["properties"][name]["type"] and song[name] is not None:
                     song[name] = bool(song[name])
-            song["other_texts"] = song["other_texts"] and json.loads(song["other_texts"])
+            for name in AS_JSON:
+                song[name] = song[name] and json.loads(song[name])
             got.append(song)
         self.assert_songs(got, songs)
         lists = [dict(row) for row in database.execute("SELECT * FROM playlists ORDER BY playlist_number")]
         for row in lists:
-            row["entries"] = [{**dict(entry), "play": bool(entry["play"])} for entry in database.execute(
-                "SELECT position, song_index, track_id, play, flags FROM entries WHERE playlist_number = ? "
+            row["entries"] = [{**dict(entry), "play": None if entry["play"] is None else bool(entry["play"])}
+                              for entry in database.execute(
+                "SELECT position, song_index, track_id, play, flags, podcast FROM entries WHERE playlist_number = ? "
                 "ORDER BY position", [row["playlist_number"]])]
-        self.assertEqual(lists, playlists)
+        self.assert_playlists(lists, playlists)
         tables = {table: {(row["from"], row["table"], row["to"]) for row in
                           database.execute(f"PRAGMA foreign_key_list({table})")} for table in ["entries"]}
         self.assertEqual(tables["entries"], {("song_index", "songs", "song_index"),
@@ -392,7 +386,7 @@ class ReadBack(unittest.TestCase):
                 path, "--format", "csv", "--playlist", number, "--fields", "track_id,song_index"), newline="")))
             self.assertEqual([row["song_index"] for row in rows], list(map(str, order)))
             got = json.loads(self.export(path, "--format", "json", "--playlist", number))
-            self.assertEqual(got["playlists"], [playlist])
+            self.assert_playlists(got["playlists"], [playlist])
             self.assert_songs(got["songs"], [songs[index] for index in dict.fromkeys(order)])
 
 

@@ -107,6 +107,8 @@ class Memory(unittest.TestCase):
                 path = os.path.join(self.folder, "database")
                 size = write_records(path, record, count // 2)
                 for command, words in COMMANDS.items():
+                    if name not in ("songs", "playlists") and command not in ("info", "songs", "playlist", "check", "call"):
+                        continue  # the class keeps less of these records, and few commands show them
                     status, _, err, peak = self.run_limited([word.replace("{path}", path) for word in words],
                                                              shown=False)
                     times = 2 if command == "compare" else 1
@@ -122,7 +124,7 @@ class Memory(unittest.TestCase):
 
     def test_ordinary_compressed_databases_are_far_from_that(self):
         path = self.write("library", b"")
-        generated(path, 20_000, 10, 5_000)
+        generated(path, 8_000, 10, 5_000)
         with open(path, "rb") as file:
             plain = file.read()
         packed = self.write("packed", compressed(plain, 1))

@@ -15,7 +15,8 @@
 namespace zemhost {
 
 // While one lives, the services answer for it, and failures to find memory are counted. One at a time in a
-// process: the services are plain C functions without a context. Strings, folder items and objects do not belong to it and may outlive it.
+// process: the services are plain C functions without a context. Strings, folder items and objects do not
+// belong to it and may outlive it.
 class ServiceSession {
  public:
   struct Settings {

@@ -18,7 +18,7 @@ using player::Json;
 Json songsOf(const std::string &path) {
   const carbon::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   const player::FileAccount account = player::walkChunks(file.number());
-  const player::PlayerSongs songs(file.number(), account, path);
+  const player::PlayerSongs songs(file.number(), account, {path, path, {}});
   Json list = Json::array();
   for (size_t i = 0; i < songs.count(); ++i) {
     Json song = player::jsonOf(songs.facts(i));

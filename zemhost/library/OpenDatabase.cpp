@@ -112,6 +112,7 @@ void load(OpenDatabase &database) {
 }  // namespace
 
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
+  setMemorySubject(safeText(path.string()));
   OpenDatabase database{
       host, player::locateDatabase(path), host.make("ZemiTunesDB"), {}, false, 0, {}, {}, {}, {}};
   setMemorySubject(safeText(database.location.name));

@@ -43,7 +43,7 @@ class Watch:
                 events = events[16 + length:]
                 if mask & _OVERFLOW:
                     found.add("too much happened to be counted")
-                found |= {f"{word} {os.path.join(self.folders.get(watch, '?'), name)}"
+                found |= {f"{word} {os.path.normpath(os.path.join(self.folders.get(watch, '?'), name))}"
                           for bit, word in _EVENTS.items() if mask & bit}
 
 

@@ -107,6 +107,8 @@ class Memory(unittest.TestCase):
                 path = os.path.join(self.folder, "database")
                 size = write_records(path, record, count // 2)
                 for command, words in COMMANDS.items():
+                    if name not in ("songs", "playlists") and command not in ("info", "songs", "playlist", "check", "call"):
+                        continue  # the class keeps less of these records, and few commands show them
                     status, _, err, peak = self.run_limited([word.replace("{path}", path) for word in words],
                                                              shown=False)
                     times = 2 if command == "compare" else 1
@@ -122,7 +124,7 @@ class Memory(unittest.TestCase):
 
     def test_ordinary_compressed_databases_are_far_from_that(self):
         path = self.write("library", b"")
-        generated(path, 20_000, 10, 5_000)
+        generated(path, 8_000, 10, 5_000)
         with open(path, "rb") as file:
             plain = file.read()
         packed = self.write("packed", compressed(plain, 1))
@@ -145,7 +147,7 @@ class Memory(unittest.TestCase):
                           "path": f":iPod_Control:Music:F00:{i}.mp3"} for i in range(1200)], [("List", range(900))])
         alone = self.write("library.itunesdb", small)
         packed = self.write("packed.itunesdb", compressed(small))
-        first = self.smallest_start()
+        first, named = self.smallest_start(), 0
         for path in (PLAYER, alone, packed):
             for command, words in COMMANDS.items():
                 words = [word.replace("{path}", path) for word in words]
@@ -156,13 +158,16 @@ class Memory(unittest.TestCase):
                     status, out, err, _ = self.run_limited(words, limit)
                     if "out of memory" in err:
                         self.assertEqual(status, 1, (path, command, limit, err))
-                        self.assertRegex(err, "\\Azemhost: .*out of memory", (path, command))
+                        # It may be the plug-in, or even less, for which there is no memory.
+                        self.assertRegex(err.splitlines()[-1], "\\Azemhost: ((cannot load the plug-in )?/.*: )?out of memory")
+                        named += f"zemhost: {path}" in err
                         failures, well = failures + 1, 0
                     else:
                         self.assertEqual((status, out, err), whole[:3], (path, command, limit))
                         well += 1
                     limit += MEGABYTE // 6
                 self.assertGreater(failures, 0, (path, command))
+        self.assertGreater(named, 100)
 
     @unittest.skipIf(SANITIZED, "the sanitizers need memory of their own")
     def test_the_shell_sees_it_too(self):

@@ -49,6 +49,7 @@ constexpr int32_t kSortShow = 31;
 constexpr int32_t kNumbersWithAColumn[] = {
     kComment,     kCategory,   kGrouping,  kDescription, kEnclosureUrl,    kFeedUrl,      kSubtitle, kShow,
     kAlbumArtist, kSortArtist, kSortTitle, kSortAlbum,   kSortAlbumArtist, kSortComposer, kSortShow};
+constexpr int32_t kChapterText = 17;
 // Players number their texts from 1 up to about 50, and a few from 100 and 200.
 constexpr int32_t kLastNumber = 300;
 
@@ -134,6 +135,7 @@ Json SongColumns::State::otherTexts() const {
     const std::optional<std::string> text = library.numberedText(index, number);
     if (!text) continue;
     ++found;
+    if (number == kChapterText && !library.chapters(index).empty()) continue;  // they have a column
     if (std::count(std::begin(kNumbersWithAColumn), std::end(kNumbersWithAColumn), number) != 0) continue;
     texts[std::to_string(number)] = *text;
   }

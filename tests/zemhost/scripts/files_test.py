@@ -240,13 +240,14 @@ class Files(unittest.TestCase):
         file = os.path.join(self.folder, "library.itunesdb")
         with open(file, "wb") as out:
             out.write(library)
-        done = run("export", file, "--format", "csv", "--playlist", "6")
+        done = run("export", file, "--format", "csv", "--playlist", "7")
         self.assertEqual(done.status, 0)
         self.assertEqual(done.message,
                          f"zemhost: {file}: the playlist has 1 entry whose track ID no song carries\n")
         whole = json.loads(run("export", file, "--format", "json").text)
-        self.assertEqual(whole["playlists"][6]["entries"][0],
-                         {"position": 0, "song_index": None, "track_id": 123456, "play": True, "flags": 0})
+        self.assertEqual(whole["playlists"][7]["entries"][0],
+                         {"position": 0, "song_index": None, "track_id": 123456, "play": True, "flags": 0,
+                          "podcast": None})
 
 
 if __name__ == "__main__":

@@ -218,6 +218,9 @@ class ReadBack(unittest.TestCase):
             playlists = expected_playlists(path, database, file)
             for song, chapters in zip(songs, chapters_of(database), strict=True):
                 song["chapters"] = chapters
+                if chapters:  # they are no text
+                    del song["other_texts"]["17"]
+                    song["other_texts"] = song["other_texts"] or None
             for song in songs:
                 song["file"] = on_this_machine(song, path)
             ids = {}

@@ -163,7 +163,10 @@ std::vector<Entry> UnderHeadings(const SamplePlaylist &sample) {
       entries.push_back(
           {.ply = 0x100, .objects = {TextObject(1, std::u16string(name))}, .words = {{0x14, ++heading}}});
     }
-    entries.push_back({.ref = TrackId(song), .words = {{0x20, heading}}});
+    const auto position = static_cast<uint32_t>(entries.size() + 1);
+    entries.push_back({.ref = TrackId(song),
+                       .objects = {PositionObject(Variant::LittleEndian, position)},
+                       .words = {{0x20, heading}}});
   }
   return entries;
 }

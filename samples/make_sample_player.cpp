@@ -11,6 +11,7 @@
 #include <string>
 #include <system_error>
 
+#include "samples/SampleCovers.h"
 #include "samples/SampleLibrary.h"
 
 namespace {
@@ -34,6 +35,9 @@ void WritePlayer(const fs::path &player) {
   }
   WriteFile(control / "iTunes" / "iTunesDB", samples::SamplePlayerDatabase());
   WriteFile(control / "iTunes" / "Play Counts", samples::SamplePlayCounts());
+  WriteFile(control / "Artwork" / "ArtworkDB", samples::SampleArtworkDB());
+  WriteFile(control / "Artwork" / "F1028_1.ithmb", samples::SamplePictures(100));
+  WriteFile(control / "Artwork" / "F1029_1.ithmb", samples::SamplePictures(200));
 }
 
 }  // namespace

@@ -78,6 +78,7 @@ struct MusicLibrary::State {
   std::shared_ptr<const player::PlayerSongs> songs;
   int32_t libType = object.get("LibType").integer();
   std::unique_ptr<SongFiles> files = std::make_unique<SongFiles>(location, libType);  // remembers folders
+  Covers covers{*files, !location.volumeRoot.empty() && libType != 0};
 
   TextMethods title{object, "Title"};
   TextMethods artist{object, "Artist"};
@@ -145,6 +146,7 @@ Song MusicLibrary::song(int32_t index) const {
   song.sampleRate = sampleRateHertz(rateWord(my.sampleRate(index).integer(), my.libType));
   song.modified = number(my.modified, index);
   my.addFacts(index, song);
+  song.covers = &my.covers;
   return song;
 }
 
@@ -170,6 +172,8 @@ std::vector<player::SongText> MusicLibrary::textsInFile(int32_t index) const {
 
 SongFile MusicLibrary::file(const std::string &path) const { return state_->files->find(path); }
 carbon::Descriptor MusicLibrary::open(const SongFile &file) const { return state_->files->open(file); }
+
+const Covers &MusicLibrary::covers() const { return state_->covers; }
 
 bool MusicLibrary::hasCounts() const { return state_->songs->hasCounts(); }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "zemhost/library/Covers.h"
 #include "zemhost/library/OpenDatabase.h"
 #include "zemhost/library/SongFiles.h"
 
@@ -29,7 +30,12 @@ struct Song {
   // What the player's files say; all unknown when its place in them is not sure.
   player::SongFacts facts;
   std::optional<player::PlayCount>
-      sinceSync;  // of this, what the player counted since the last synchronisation
+      sinceSync;                   // of this, what the player counted since the last synchronisation
+  const Covers *covers = nullptr;  // of its library, which must outlive it
+
+  // Whether it has a cover; no value where that is not known. The list of covers is read when it is first
+  // asked for.
+  std::optional<bool> hasCover() const { return covers == nullptr ? std::nullopt : covers->has(facts); }
 };
 
 // What a list adds up to.
@@ -69,6 +75,8 @@ class MusicLibrary {
   SongFile file(const std::string &path) const;
   // Opens it for reading; no descriptor, and errno, when that fails.
   carbon::Descriptor open(const SongFile &file) const;
+  // The covers of the songs.
+  const Covers &covers() const;
   // Whether the player left counts since the last synchronisation that fit the database.
   bool hasCounts() const;
   // Only these two of a song's numbers, for adding up.

@@ -65,7 +65,9 @@ Json jsonOf(const player::SongFacts &facts) {
           {"padding", jsonOf(facts.padding)},
           {"samples", jsonOf(facts.samples)},
           {"gapless_album", jsonOf(facts.gaplessAlbum)},
-          {"persistent_id", jsonOf(facts.persistentId)}};
+          {"persistent_id", jsonOf(facts.persistentId)},
+          {"image", jsonOf(facts.image)},
+          {"picture", jsonOf(facts.picture)}};
 }
 
 Json songsOf(const std::string &path) {

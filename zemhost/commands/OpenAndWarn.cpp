@@ -1,5 +1,7 @@
 #include "zemhost/commands/OpenAndWarn.h"
 
+#include <string>
+
 #include "zemhost/output/Messages.h"
 
 namespace zemhost {
@@ -10,6 +12,11 @@ OpenDatabase openAndWarn(const Host &host, const std::filesystem::path &path) {
   OpenDatabase database = openDatabase(host, path);
   for (const std::string &warning : database.warnings) printError(warning);
   return database;
+}
+
+void warnOfCovers(const MusicLibrary &library) {
+  const std::string warning = library.covers().warning();
+  if (!warning.empty()) printError(warning);
 }
 
 }  // namespace zemhost

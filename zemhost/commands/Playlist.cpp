@@ -23,6 +23,7 @@ int listPlaylist(const PlaylistArguments &arguments) {
     }
   }
   table.finish();
+  warnOfCovers(library);
   return kSuccess;
 }
 

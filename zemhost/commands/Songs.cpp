@@ -14,6 +14,7 @@ int listSongs(const SongsArguments &arguments) {
   const int32_t count = library.songCount();
   for (int32_t index = 0; index < count; ++index) table.addSong(index, library.song(index));
   table.finish();
+  warnOfCovers(library);
   return kSuccess;
 }
 

@@ -18,7 +18,9 @@ const PictureList *Covers::list() const {
 std::optional<bool> Covers::has(const player::SongFacts &song) const {
   const bool saysWhich = song.image || song.persistentId || song.picture;
   if (!saysWhich || !areKnown()) return std::nullopt;
-  return imageOf(song).has_value();
+  if (imageOf(song)) return true;
+  // Of a list with a fault the image may be in what was left out.
+  return list_->warning().empty() ? std::optional(false) : std::nullopt;
 }
 
 // A song names its image, and one that names none is named by it; one that is marked as without a picture may

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "player/SongFacts.h"
 #include "zemhost/library/PictureList.h"
@@ -30,7 +30,7 @@ class Covers {
   std::optional<size_t> imageOf(const player::SongFacts &song) const;
 
   // The largest picture of these images that can be read. Throws HostError when there is none.
-  PictureFile largest(const std::vector<size_t> &images) const { return list()->largest(images); }
+  PictureFile largest(const std::set<size_t> &images) const { return list()->largest(images); }
 
   // One line about what is left out of the list; empty when nothing is, and until it was asked for.
   std::string warning() const { return list_ ? list_->warning() : std::string(); }

@@ -82,7 +82,7 @@ void PictureList::readStatedFormats() {
   }
 }
 
-std::vector<PictureList::Candidate> PictureList::candidates(const std::vector<size_t> &images) const {
+std::vector<PictureList::Candidate> PictureList::candidates(const std::set<size_t> &images) const {
   std::vector<Candidate> found;
   for (const size_t image : images) {
     for (const player::StoredPicture &picture : images_.images[image].pictures) {
@@ -96,7 +96,7 @@ std::vector<PictureList::Candidate> PictureList::candidates(const std::vector<si
   return found;
 }
 
-PictureFile PictureList::largest(const std::vector<size_t> &images) const {
+PictureFile PictureList::largest(const std::set<size_t> &images) const {
   const std::vector<Candidate> found = candidates(images);
   std::optional<HostError> first;
   for (const Candidate &candidate : found) {

@@ -3,6 +3,7 @@
 // A player's list of pictures, and the pictures in the files that it names.
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,7 @@ class PictureList {
   // The largest of the pictures of some images (positions in the list) that can be read, as a file; of two
   // that are as large, the first. The whole photos are not looked at. Throws HostError, saying what is wrong
   // with the largest, when there is none.
-  PictureFile largest(const std::vector<size_t> &images) const;
+  PictureFile largest(const std::set<size_t> &images) const;
 
   // The file of a photo itself, as the list names it; one that is not there when it names none.
   SongFile wholePhoto(const player::Image &image) const;
@@ -49,7 +50,7 @@ class PictureList {
 
   void read(const std::string &place);
   void readStatedFormats();
-  std::vector<Candidate> candidates(const std::vector<size_t> &images) const;
+  std::vector<Candidate> candidates(const std::set<size_t> &images) const;
   PictureFile load(const Candidate &candidate) const;
 
   SongFiles &files_;

@@ -17,6 +17,7 @@
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/Progress.h"
 #include "zemhost/rescue/RescuePlan.h"
+#include "zemhost/rescue/RescuedCovers.h"
 #include "zemhost/rescue/RescuedLists.h"
 
 namespace zemhost {
@@ -49,9 +50,11 @@ class Rescue {
     result_.remarks = plan_.remarks();
     if (request_.dryRun) {
       showPlan();
+      writeCovers();
     } else {
       warnOfSpace();
       copySongs();
+      writeCovers();
       RescuedLists(
           library_, plan_, destination_, [this](int32_t song) { return copyOf(song); }, result_)
           .write(chosenLists());
@@ -119,6 +122,15 @@ class Rescue {
         const std::string label = songLabel(file.song, library_.song(file.song));
         result_.problems.push_back(label + ": " + file.source.path.string() + ": " + failure.what());
       }
+    }
+  }
+
+  void writeCovers() {
+    if (!request_.covers) return;
+    try {
+      writeRescuedCovers(library_, plan_, destination_, request_.dryRun, result_);
+    } catch (const CopyFailure &failure) {
+      stop(request_.destination.string() + ": " + failure.what());
     }
   }
 

@@ -1,0 +1,136 @@
+#include "zemhost/rescue/CoverExport.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "host/Error.h"
+#include "zemhost/files/Signals.h"
+#include "zemhost/output/DisplayText.h"
+#include "zemhost/output/Messages.h"
+#include "zemhost/rescue/DestinationFolder.h"
+#include "zemhost/rescue/FileCopy.h"
+#include "zemhost/rescue/NewFiles.h"
+#include "zemhost/rescue/SafeName.h"
+
+namespace zemhost {
+
+namespace {
+
+constexpr const char *kContinue = "run the same command again to continue";
+
+// An album, or a song that stands on none.
+struct Album {
+  std::string name;
+  std::string artist;
+  std::set<size_t> images;  // of its songs
+
+  std::string label() const { return inQuotes(name) + (artist.empty() ? "" : " by " + artist); }
+};
+
+// Those of one name, by their artists, both in a form in which case has gone.
+using Namesakes = std::map<std::string, Album>;
+
+std::string albumArtist(const MusicLibrary &library, int32_t index, const Song &song) {
+  constexpr uint32_t kAlbumArtist = 22;
+  for (const player::SongText &text : library.textsInFile(index)) {
+    if (text.type == kAlbumArtist && !text.text.empty()) return text.text;
+  }
+  return song.facts.compilation.value_or(false) ? "Various Artists" : song.artist;
+}
+
+std::map<std::string, Namesakes> albumsOf(const MusicLibrary &library) {
+  std::map<std::string, Namesakes> albums;
+  const int32_t songs = library.songCount();
+  for (int32_t index = 0; index < songs; ++index) {
+    const Song song = library.song(index);
+    const std::string &name = song.album.empty() ? song.title : song.album;
+    const std::string artist = albumArtist(library, index, song);
+    Album &album =
+        albums[foldedText(name)].try_emplace(foldedText(artist), Album{name, artist, {}}).first->second;
+    if (const auto image = library.covers().imageOf(song.facts)) album.images.insert(*image);
+  }
+  return albums;
+}
+
+class CoverExport {
+ public:
+  CoverExport(const MusicLibrary &library, const std::filesystem::path &path)
+      : covers_(library.covers()), destination_(path, library.location().volumeRoot), files_(destination_) {}
+
+  PictureResult run(const MusicLibrary &library) {
+    destination_.make();
+    setInterruptionAdvice(kContinue);
+    for (const auto &[name, namesakes] : albumsOf(library)) writeNamesakes(namesakes);
+    result_.evaded = files_.evaded();
+    return std::move(result_);
+  }
+
+ private:
+  // Albums that share a name and a cover are one, as far as a cover is concerned.
+  void writeNamesakes(const Namesakes &namesakes) {
+    std::vector<const Album *> withCover;
+    for (const auto &[artist, album] : namesakes) {
+      if (album.images.empty()) {
+        ++result_.without;
+      } else {
+        withCover.push_back(&album);
+      }
+    }
+    const bool areOne = withCover.size() < 2 || shareCover(withCover);
+    if (areOne && !withCover.empty()) withCover.erase(withCover.begin() + 1, withCover.end());
+    for (const Album *const album : withCover)
+      write(*album, areOne ? album->name : artistOf(*album) + " - " + album->name);
+  }
+
+  bool shareCover(const std::vector<const Album *> &albums) const {
+    try {
+      const std::string first = covers_.largest(albums.front()->images).bytes;
+      return std::all_of(albums.begin() + 1, albums.end(),
+                         [&](const Album *album) { return covers_.largest(album->images).bytes == first; });
+    } catch (const HostError &) {
+      return false;  // which of them has none that can be read is reported when each is written
+    }
+  }
+
+  static std::string artistOf(const Album &album) {
+    return album.artist.empty() ? "Unknown Artist" : album.artist;
+  }
+
+  void write(const Album &album, const std::string &name) {
+    try {
+      const PictureFile picture = covers_.largest(album.images);
+      const NewFiles::Added added = files_.add(fileOf(picture.bytes), [&](std::string_view suffix) {
+        return safeName(name, "Untitled", suffix, picture.extension);
+      });
+      ++(added.isNew ? result_.written : result_.alreadyThere);
+      if (added.isNew) std::cout << safeText(added.name) << '\n';
+    } catch (const CopyFailure &failure) {
+      if (failure.reach() == CopyFailure::Reach::Destination)
+        throw HostError(destination_.path().string() + ": " + failure.what() + "; " + kContinue);
+      result_.problems.push_back(album.label() + ": " + failure.what());
+    } catch (const HostError &failure) {
+      result_.problems.push_back(album.label() + ": " + failure.what());
+    }
+  }
+
+  const Covers &covers_;
+  DestinationFolder destination_;
+  NewFiles files_;
+  PictureResult result_;
+};
+
+}  // namespace
+
+PictureResult writeCovers(const MusicLibrary &library, const std::filesystem::path &destination) {
+  CoverExport covers(library, destination);
+  if (!library.covers().areKnown()) {
+    throw HostError(library.location().name +
+                    ": no list of covers stands beside it (iPod_Control/Artwork/ArtworkDB)");
+  }
+  return covers.run(library);
+}
+
+}  // namespace zemhost

@@ -64,7 +64,12 @@ class Reader {
       const std::string_view rest = holder.bytes.substr(at);
       const Fields fields(rest);
       const uint32_t header = fields.word(4).value_or(0);
-      const uint32_t length = fields.word(8).value_or(0);
+      size_t length = fields.word(8).value_or(0);
+      // The rest of a file that is cut off is not lost with the whole set that it breaks.
+      if (rest.starts_with("mhsd") && length > rest.size()) {
+        breakAt(holder.at + holder.bytes.size());
+        length = rest.size();
+      }
       if (!rest.starts_with("mh") || header < kShortestHeader || header > length || length > rest.size())
         return breakAt(holder.at + at);
       sink(Chunk{rest.substr(0, length), holder.at + at, header});

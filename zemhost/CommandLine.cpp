@@ -267,6 +267,7 @@ void addCommands(CLI::App &program, Action &action) {
   addExport(program, action);
   addRescue(program, action);
   addPictures(program, action, "covers", "Write the cover of each album as a PNG file", exportCovers);
+  addPictures(program, action, "photos", "Write the photos of a player, in folders by album", exportPhotos);
   addCompare(program, action);
   addDuplicates(program, action);
   addCall(program, action);

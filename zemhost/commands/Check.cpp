@@ -44,6 +44,8 @@ int checkDatabase(const CheckArguments &arguments) {
   report.reconciliation = reconcile(report.file, library.object());
   addDifferences(report.reconciliation, library, report.file, report.findings);
   report.library = checkLibrary(library, report.findings);
+  if (library.covers().areKnown() && !library.covers().warning().empty())
+    report.findings.add(player::FindingKind::UnusedFile, library.covers().warning());
   if (arguments.json) {
     writeJson(report, std::cout);
   } else {

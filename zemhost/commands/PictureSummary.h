@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "zemhost/rescue/CoverExport.h"
+#include "zemhost/rescue/PictureResult.h"
 
 namespace zemhost {
 
@@ -15,7 +15,7 @@ void writeList(const std::string &heading, const std::vector<std::string> &lines
 struct PictureWords {
   std::string one;
   std::string several;
-  std::string oneWithout;  // after a number: "album has no cover"
+  std::string oneWithout;  // after a number: "album has no cover"; not needed where all have one
   std::string severalWithout;
 };
 

@@ -127,6 +127,8 @@ PictureFile PictureList::load(const Candidate &candidate) const {
   return {pngOf(player::visiblePart(player::decodedSlot(bytes, candidate.format), picture.visible)), ".png"};
 }
 
+carbon::Descriptor PictureList::open(const SongFile &photo) const { return openRegular(files_, photo); }
+
 SongFile PictureList::wholePhoto(const player::Image &image) const {
   for (const player::StoredPicture &picture : image.pictures) {
     if (picture.isWhole && picture.file.starts_with(':')) return files_.find(kPhotos + picture.file);

@@ -40,6 +40,8 @@ class PictureList {
 
   // The file of a photo itself, as the list names it; one that is not there when it names none.
   SongFile wholePhoto(const player::Image &image) const;
+  // Opens such a file. Throws HostError, naming it.
+  carbon::Descriptor open(const SongFile &photo) const;
 
  private:
   struct Candidate {

@@ -1,25 +1,21 @@
 #include "zemhost/rescue/CoverExport.h"
 
 #include <algorithm>
-#include <iostream>
 #include <map>
 #include <set>
-#include <utility>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/Error.h"
-#include "zemhost/files/Signals.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
-#include "zemhost/rescue/DestinationFolder.h"
-#include "zemhost/rescue/FileCopy.h"
-#include "zemhost/rescue/NewFiles.h"
+#include "zemhost/rescue/PictureWriter.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
 
 namespace {
-
-constexpr const char *kContinue = "run the same command again to continue";
 
 // An album, or a song that stands on none.
 struct Album {
@@ -58,14 +54,12 @@ std::map<std::string, Namesakes> albumsOf(const MusicLibrary &library) {
 class CoverExport {
  public:
   CoverExport(const MusicLibrary &library, const std::filesystem::path &path)
-      : covers_(library.covers()), destination_(path, library.location().volumeRoot), files_(destination_) {}
+      : covers_(library.covers()), writer_(path, library.location().volumeRoot) {}
 
   PictureResult run(const MusicLibrary &library) {
-    destination_.make();
-    setInterruptionAdvice(kContinue);
+    writer_.begin();
     for (const auto &[name, namesakes] : albumsOf(library)) writeNamesakes(namesakes);
-    result_.evaded = files_.evaded();
-    return std::move(result_);
+    return writer_.finish();
   }
 
  private:
@@ -74,7 +68,7 @@ class CoverExport {
     std::vector<const Album *> withCover;
     for (const auto &[artist, album] : namesakes) {
       if (album.images.empty()) {
-        ++result_.without;
+        writer_.addWithout();
       } else {
         withCover.push_back(&album);
       }
@@ -100,26 +94,18 @@ class CoverExport {
   }
 
   void write(const Album &album, const std::string &name) {
-    try {
-      const PictureFile picture = covers_.largest(album.images);
-      const NewFiles::Added added = files_.add(fileOf(picture.bytes), [&](std::string_view suffix) {
-        return safeName(name, "Untitled", suffix, picture.extension);
-      });
-      ++(added.isNew ? result_.written : result_.alreadyThere);
-      if (added.isNew) std::cout << safeText(added.name) << '\n';
-    } catch (const CopyFailure &failure) {
-      if (failure.reach() == CopyFailure::Reach::Destination)
-        throw HostError(destination_.path().string() + ": " + failure.what() + "; " + kContinue);
-      result_.problems.push_back(album.label() + ": " + failure.what());
-    } catch (const HostError &failure) {
-      result_.problems.push_back(album.label() + ": " + failure.what());
-    }
+    PictureFile picture;
+    writer_.write(
+        album.label(),
+        [&] {
+          picture = covers_.largest(album.images);
+          return fileOf(picture.bytes);
+        },
+        [&](std::string_view suffix) { return safeName(name, "Untitled", suffix, picture.extension); });
   }
 
   const Covers &covers_;
-  DestinationFolder destination_;
-  NewFiles files_;
-  PictureResult result_;
+  PictureWriter writer_;
 };
 
 }  // namespace

@@ -2,23 +2,12 @@
 
 // The covers of a library as files of pictures, one for each album.
 
-#include <cstdint>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/rescue/PictureResult.h"
 
 namespace zemhost {
-
-// What came of writing pictures.
-struct PictureResult {
-  uint64_t written = 0;
-  uint64_t alreadyThere = 0;
-  uint64_t without = 0;               // albums and songs without one
-  uint64_t evaded = 0;                // names that another file has
-  std::vector<std::string> problems;  // what could not be written, and why
-};
 
 // Writes the largest cover of each album into a folder, under the album's name, and under the names of artist
 // and album where two albums of one name have different covers. A song without an album counts as one of its

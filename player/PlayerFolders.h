@@ -9,5 +9,6 @@ constexpr const char *kDatabaseFolder = "iTunes";       // in the control folder
 constexpr const char *kMusicFolder = "Music";           // likewise
 constexpr const char *kDatabaseFile = "iTunesDB";       // in the database folder
 constexpr const char *kCompressedFile = "iTunesCDB";    // likewise
+constexpr const char *kShuffleFile = "iTunesSD";        // likewise; the songs of a shuffle
 
 }  // namespace player

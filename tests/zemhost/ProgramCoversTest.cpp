@@ -159,6 +159,7 @@ TEST_F(Covers, FilesOutsideThePlayerAndPipesAreNotRead) {
   const Outcome outcome = covers();
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.out, HasSubstr("0 covers written\n1 problem:\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("F1029_1.ithmb lies outside the player\n"));
   EXPECT_THAT(names(), IsEmpty());
 }
 
@@ -169,7 +170,7 @@ TEST_F(Covers, ListOutsideThePlayerIsNotRead) {
   fs::create_symlink(folder_.path() / "outside", list);
   const Outcome outcome = covers();
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.err, HasSubstr("its pictures are left out"));
+  EXPECT_THAT(outcome.err, HasSubstr("ArtworkDB lies outside the player; its pictures are left out\n"));
   EXPECT_THAT(names(), IsEmpty());
 }
 

@@ -2,12 +2,14 @@
 
 // The result of a check, for people and for programs.
 
+#include <optional>
 #include <ostream>
 #include <string>
 
 #include "player/ChunkWalk.h"
 #include "player/DatabaseLocation.h"
 #include "zemhost/check/LibraryCheck.h"
+#include "zemhost/check/ShuffleCheck.h"
 #include "zemhost/library/Reconciliation.h"
 
 namespace zemhost {
@@ -18,6 +20,7 @@ struct CheckReport {
   player::FileAccount file;
   Reconciliation reconciliation;
   LibraryAccount library;
+  std::optional<ShuffleAccount> shuffle;
   player::Findings findings;  // of all the above
 };
 

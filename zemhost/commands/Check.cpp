@@ -31,7 +31,7 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
 
 int checkDatabase(const CheckArguments &arguments) {
   OpenDatabase database = loadDatabase(Host::load(), arguments.path);
-  CheckReport report{database.location, database.compressed, database.account, {}, {}, {}};
+  CheckReport report{database.location, database.compressed, database.account, {}, {}, {}, {}};
   report.findings = report.file.findings;
   if (database.bytesAfterStream > 0) {
     report.findings.add(
@@ -44,6 +44,7 @@ int checkDatabase(const CheckArguments &arguments) {
   report.reconciliation = reconcile(report.file, library.object());
   addDifferences(report.reconciliation, library, report.file, report.findings);
   report.library = checkLibrary(library, report.findings);
+  report.shuffle = checkShuffle(library, report.findings);
   if (library.covers().areKnown() && !library.covers().warning().empty())
     report.findings.add(player::FindingKind::UnusedFile, library.covers().warning());
   if (arguments.json) {

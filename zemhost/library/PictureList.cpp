@@ -25,6 +25,7 @@ constexpr const char *kPhotos = ":Photos";
 
 // Opens a file that was found; it must be one with content, not a pipe that took its name meanwhile.
 carbon::Descriptor openRegular(const SongFiles &files, const SongFile &file) {
+  if (file.isOutside()) throw HostError(file.name + " lies outside the player");
   if (!file.isThere()) throw HostError(file.path.empty() ? file.name : file.path.string(), file.error);
   carbon::Descriptor open = files.open(file);
   struct stat status {};

@@ -76,7 +76,9 @@ ShuffleDatabase readNew(std::string_view bytes) {
   const Fields fields(list);
   for (uint64_t i = 0; i < found.declaredSongs; ++i) {
     const size_t place = kSongListHeader + 4 * static_cast<size_t>(i);
-    if (place + 4 > fields.word(4).value_or(0)) return found;
+    // Songs that share a place could fill the memory.
+    const bool hasRoom = (i + 1) * (kPathAt + kPath) <= bytes.size();
+    if (!hasRoom || place + 4 > fields.word(4).value_or(0)) return found;
     const auto song = songAt(bytes, fields.word(place).value_or(0));
     if (!song) return found;
     found.songs.push_back(*song);

@@ -86,6 +86,17 @@ TEST(ShuffleDatabase, OffsetsBehindTheEndEndTheList) {
   EXPECT_EQ(readShuffleDatabase(bytes)->summary(), "it lists 2 songs, and announces 4294967295");
 }
 
+TEST(ShuffleDatabase, SongsThatShareAPlaceAreNotMoreThanTheFileHasRoomFor) {
+  std::string bytes = newerShuffleList(std::vector<std::string>(100, kPaths[0]));
+  const std::string first = bytes.substr(0x40 + 0x14, 4);
+  for (size_t i = 1; i < 100; ++i) bytes.replace(0x40 + 0x14 + 4 * i, 4, first);
+  bytes.resize(0x40 + 0x14 + 400 + 0x174 * 10);
+  const auto found = readShuffleDatabase(bytes);
+  ASSERT_TRUE(found);
+  EXPECT_LE(found->songs.size() * 0x118, bytes.size());
+  EXPECT_TRUE(found->isCutShort);
+}
+
 TEST(ShuffleCounts, HoldPlaysAndSkipsOfBothForms) {
   for (const std::string &bytes :
        {olderShuffleCounts({{3, 1}, {0, 2}}), newerShuffleCounts({{3, 1}, {0, 2}})}) {

@@ -37,7 +37,8 @@ def newer_list(data):
     limit = word(at + 4) or 0
     for i in range(count):
         place = 20 + 4 * i
-        song = word(at + place) if place + 4 <= limit else None
+        room = (i + 1) * 0x118 <= len(data)  # for so many songs beside each other
+        song = word(at + place) if place + 4 <= limit and room else None
         if song is None or data[song:song + 4] != b"rths":
             return songs, count, True
         length = word(song + 4) or 0

@@ -15,16 +15,16 @@ namespace player {
 
 namespace {
 
-constexpr size_t kShortestHeader = 12;
-constexpr size_t kObjectHeader = 0x10;  // that says what the object is
-constexpr size_t kTextAt = 0x24;
-constexpr size_t kLongestText = 4096;  // bytes; a path, or the name of an album
-constexpr uint32_t kMostFileHeader = 0x1000;
+constexpr size_t kShortestPiece = 12;
+constexpr size_t kObjectStart = 0x10;  // that says what the object is
+constexpr size_t kObjectTextAt = 0x24;
+constexpr size_t kLongestName = 4096;  // bytes; a path, or the name of an album
+constexpr uint32_t kLongestStart = 0x1000;
 
-enum ObjectType : uint16_t { kName = 1, kThumbnail = 2, kFileName = 3, kWholePhoto = 5 };
+enum ObjectType : uint16_t { kAlbumName = 1, kSmallPicture = 2, kPictureFile = 3, kWholePhoto = 5 };
 
 // A piece of the file that one chunk fills, or the rest of a list.
-struct Chunk {
+struct Piece {
   std::string_view bytes;
   size_t at = 0;      // in the file
   size_t header = 0;  // bytes
@@ -33,18 +33,18 @@ struct Chunk {
   Fields fields() const { return Fields(bytes.substr(0, header)); }
 };
 
-class Reader {
+class ImageReader {
  public:
-  explicit Reader(std::string_view file) : file_(file) {}
+  explicit ImageReader(std::string_view file) : file_(file) {}
 
   ImageDatabase run() {
     const Fields header(file_);
     const uint32_t length = header.word(4).value_or(0);
-    if (!file_.starts_with("mhfd") || length < kShortestHeader || length > kMostFileHeader)
+    if (!file_.starts_with("mhfd") || length < kShortestPiece || length > kLongestStart)
       throw PlayerError("it is no list of pictures");
     const size_t from = std::min<size_t>(length, file_.size());
     if (header.word(8).value_or(0) > file_.size()) breakAt(file_.size());
-    eachChild(Chunk{file_, 0, from}, [this](const Chunk &set) {
+    eachChild(Piece{file_, 0, from}, [this](const Piece &set) {
       if (set.tag() == "mhsd") readSet(set);
     });
     index();
@@ -58,7 +58,7 @@ class Reader {
 
   // Hands on what follows the header of a chunk, one by one, up to its end or to what is no chunk.
   template <typename Sink>
-  void eachChild(const Chunk &holder, const Sink &sink) {
+  void eachChild(const Piece &holder, const Sink &sink) {
     size_t at = holder.header;
     while (at < holder.bytes.size()) {
       const std::string_view rest = holder.bytes.substr(at);
@@ -70,40 +70,40 @@ class Reader {
         breakAt(holder.at + holder.bytes.size());
         length = rest.size();
       }
-      if (!rest.starts_with("mh") || header < kShortestHeader || header > length || length > rest.size())
+      if (!rest.starts_with("mh") || header < kShortestPiece || header > length || length > rest.size())
         return breakAt(holder.at + at);
-      sink(Chunk{rest.substr(0, length), holder.at + at, header});
+      sink(Piece{rest.substr(0, length), holder.at + at, header});
       at += length;
     }
   }
 
   // A list states how many it holds, in place of its length.
-  void readSet(const Chunk &set) {
+  void readSet(const Piece &set) {
     const std::string_view rest = set.bytes.substr(set.header);
     const uint32_t header = Fields(rest).word(4).value_or(0);
-    if (!rest.starts_with("mhl") || header < kShortestHeader || header > rest.size())
+    if (!rest.starts_with("mhl") || header < kShortestPiece || header > rest.size())
       return breakAt(set.at + set.header);
-    eachChild(Chunk{rest, set.at + set.header, header}, [this](const Chunk &record) {
+    eachChild(Piece{rest, set.at + set.header, header}, [this](const Piece &record) {
       if (record.tag() == "mhii") readImage(record);
       if (record.tag() == "mhba") readAlbum(record);
     });
   }
 
-  void readImage(const Chunk &record) {
+  void readImage(const Piece &record) {
     Image image;
     image.id = record.fields().word(0x10).value_or(0);
     image.song = record.fields().twoWords(0x14).value_or(0);
-    eachChild(record, [&](const Chunk &object) {
+    eachChild(record, [&](const Piece &object) {
       const uint16_t type = typeOf(object);
-      if (type != kThumbnail && type != kWholePhoto) return;
-      eachChild(object, [&](const Chunk &picture) {
+      if (type != kSmallPicture && type != kWholePhoto) return;
+      eachChild(object, [&](const Piece &picture) {
         if (picture.tag() == "mhni") image.pictures.push_back(pictureIn(picture, type == kWholePhoto));
       });
     });
     found_.images.push_back(std::move(image));
   }
 
-  StoredPicture pictureIn(const Chunk &record, bool isWhole) {
+  StoredPicture pictureIn(const Piece &record, bool isWhole) {
     const Fields fields = record.fields();
     const auto padding = [&](size_t at) { return static_cast<int16_t>(fields.half(at).value_or(0)); };
     StoredPicture picture;
@@ -113,34 +113,35 @@ class Reader {
     picture.visible = {padding(0x1c), padding(0x1e), fields.half(0x20).value_or(0),
                        fields.half(0x22).value_or(0)};
     picture.isWhole = isWhole;
-    eachChild(record, [&](const Chunk &object) {
-      if (typeOf(object) == kFileName) picture.file = textOf(object);
+    eachChild(record, [&](const Piece &object) {
+      if (typeOf(object) == kPictureFile) picture.file = textOf(object);
     });
     return picture;
   }
 
-  void readAlbum(const Chunk &record) {
+  void readAlbum(const Piece &record) {
     PhotoAlbum album;
     album.isAll = record.fields().byte(0x1e) == 1;
-    eachChild(record, [&](const Chunk &child) {
-      if (typeOf(child) == kName) album.name = textOf(child);
+    eachChild(record, [&](const Piece &child) {
+      if (typeOf(child) == kAlbumName) album.name = textOf(child);
       if (child.tag() == "mhia") album.images.push_back(child.fields().word(0x10).value_or(0));
     });
     found_.albums.push_back(std::move(album));
   }
 
   // 0 for a chunk that is no object.
-  static uint16_t typeOf(const Chunk &object) {
-    const bool isObject = object.tag() == "mhod" && object.bytes.size() >= kObjectHeader;
+  static uint16_t typeOf(const Piece &object) {
+    const bool isObject = object.tag() == "mhod" && object.bytes.size() >= kObjectStart;
     return isObject ? Fields(object.bytes).half(0x0c).value_or(0) : uint16_t{0};
   }
 
-  static std::string textOf(const Chunk &object) {
+  static std::string textOf(const Piece &object) {
     const Fields fields(object.bytes);
     const size_t length = fields.word(0x18).value_or(0);
-    if (object.bytes.size() < kTextAt || length > object.bytes.size() - kTextAt || length > kLongestText)
+    if (object.bytes.size() < kObjectTextAt || length > object.bytes.size() - kObjectTextAt ||
+        length > kLongestName)
       return {};
-    const std::string_view text = object.bytes.substr(kTextAt, length);
+    const std::string_view text = object.bytes.substr(kObjectTextAt, length);
     constexpr uint8_t kUtf16 = 2;
     return fields.byte(0x1c) == kUtf16 ? utf8OfUtf16(text, false) : std::string(text);
   }
@@ -158,18 +159,18 @@ class Reader {
   ImageDatabase found_;
 };
 
-const Image *lookUp(const std::vector<std::pair<uint64_t, size_t>> &index, uint64_t key,
-                    const std::vector<Image> &images) {
+const Image *firstOf(const std::vector<std::pair<uint64_t, size_t>> &index, uint64_t key,
+                     const std::vector<Image> &images) {
   const auto found = std::lower_bound(index.begin(), index.end(), std::pair(key, size_t{0}));
   return found == index.end() || found->first != key ? nullptr : &images[found->second];
 }
 
 }  // namespace
 
-const Image *ImageDatabase::withId(uint32_t id) const { return lookUp(byId, id, images); }
+const Image *ImageDatabase::withId(uint32_t id) const { return firstOf(byId, id, images); }
 
 const Image *ImageDatabase::ofSong(uint64_t persistentId) const {
-  return lookUp(bySong, persistentId, images);
+  return firstOf(bySong, persistentId, images);
 }
 
 ImageDatabase readImageDatabase(int file) {
@@ -180,6 +181,6 @@ ImageDatabase readImageDatabase(int file) {
   return readImageDatabase(readAt(file, 0, static_cast<size_t>(status.st_size)));
 }
 
-ImageDatabase readImageDatabase(std::string_view bytes) { return Reader(bytes).run(); }
+ImageDatabase readImageDatabase(std::string_view bytes) { return ImageReader(bytes).run(); }
 
 }  // namespace player

@@ -53,7 +53,7 @@ struct ImageDatabase {
 };
 
 // Longer files are refused; that of 100,000 images in three sizes takes 80 MB.
-constexpr uint64_t kMostImageDatabaseBytes = 512ULL << 20;
+constexpr uint64_t kMostImageDatabaseBytes = 128ULL << 20;
 
 // What the list of pictures in an open file says. Chunks are followed by their lengths, each checked against
 // what holds it; what stands behind a broken one up to the end of its list is left out. Throws PlayerError,

@@ -114,7 +114,8 @@ std::optional<PictureFormat> pictureFormat(uint32_t number, uint64_t bytes,
   const auto *const known = std::find_if(std::begin(kKnown), std::end(kKnown), isIt);
   if (known != std::end(kKnown)) return *known;
   if (bytes % 2 != 0 || bytes > kMostPictureBytes) return std::nullopt;
-  const auto side = static_cast<uint32_t>(std::lround(std::sqrt(static_cast<double>(bytes / 2))));
+  const uint64_t pixels = bytes / 2;
+  const auto side = static_cast<uint32_t>(std::lround(std::sqrt(static_cast<double>(pixels))));
   const PictureFormat square{number, side, side};
   return fits(square, bytes) ? std::optional(square) : std::nullopt;
 }

@@ -10,7 +10,7 @@ namespace {
 
 using enum PixelForm;
 
-uint32_t byteAt(std::string_view bytes, size_t at) { return static_cast<unsigned char>(bytes[at]); }
+uint32_t partAt(std::string_view bytes, size_t at) { return static_cast<unsigned char>(bytes[at]); }
 
 // Five or six bits as eight, so that all of them set become all set.
 uint32_t widened5(uint32_t bits) { return bits << 3 | bits >> 2; }
@@ -57,8 +57,8 @@ class Decoder {
   size_t rowAt(uint32_t y) const {
     return size_t{y} * (format_.rowBytes != 0 ? format_.rowBytes : size_t{2} * format_.width);
   }
-  uint32_t half(size_t at) const { return byteAt(bytes_, at) | byteAt(bytes_, at + 1) << 8; }
-  uint32_t swappedHalf(size_t at) const { return byteAt(bytes_, at) << 8 | byteAt(bytes_, at + 1); }
+  uint32_t half(size_t at) const { return partAt(bytes_, at) | partAt(bytes_, at + 1) << 8; }
+  uint32_t swappedHalf(size_t at) const { return partAt(bytes_, at) << 8 | partAt(bytes_, at + 1); }
 
   // Of the bits of the place, from the lowest on, y has the even ones and x the odd ones.
   static size_t placeInQuarters(uint32_t x, uint32_t y) {
@@ -96,14 +96,14 @@ class Decoder {
   }
   void putUyvy(uint32_t x, uint32_t y) {
     const size_t row = y / 2 + (y % 2 == 0 ? 0 : format_.height / 2);
-    const size_t pair = 2 * (row * format_.width + x / 2 * 2);
-    putYuv(x, y, byteAt(bytes_, pair + (x % 2 == 0 ? 1 : 3)), byteAt(bytes_, pair), byteAt(bytes_, pair + 2));
+    const size_t pair = 2 * (row * format_.width + (size_t{x} & ~size_t{1}));
+    putYuv(x, y, partAt(bytes_, pair + (x % 2 == 0 ? 1 : 3)), partAt(bytes_, pair), partAt(bytes_, pair + 2));
   }
   void putI420(uint32_t x, uint32_t y) {
     const size_t pixels = size_t{format_.width} * format_.height;
     const size_t colour = size_t{y / 2} * (format_.width / 2) + x / 2;
-    putYuv(x, y, byteAt(bytes_, size_t{y} * format_.width + x), byteAt(bytes_, pixels + colour),
-           byteAt(bytes_, pixels + pixels / 4 + colour));
+    putYuv(x, y, partAt(bytes_, size_t{y} * format_.width + x), partAt(bytes_, pixels + colour),
+           partAt(bytes_, pixels + pixels / 4 + colour));
   }
 
   std::string_view bytes_;

@@ -18,18 +18,18 @@ constexpr uint32_t kOldCount = 0x12;
 
 // Of the newer one.
 constexpr size_t kSongListHeader = 0x14;
-constexpr size_t kPathAt = 0x18;
-constexpr size_t kPath = 256;
+constexpr size_t kPathFrom = 0x18;
+constexpr size_t kPathSize = 256;
 constexpr size_t kPersistentIdAt = 0x148;
-constexpr uint32_t kCount = 0x20;
+constexpr uint32_t kNewCount = 0x20;
 
-uint32_t byteAt(std::string_view bytes, size_t at) { return static_cast<unsigned char>(bytes[at]); }
+uint32_t octetAt(std::string_view bytes, size_t at) { return static_cast<unsigned char>(bytes[at]); }
 
 uint32_t bigThree(std::string_view bytes, size_t at) {
-  return byteAt(bytes, at) << 16 | byteAt(bytes, at + 1) << 8 | byteAt(bytes, at + 2);
+  return octetAt(bytes, at) << 16 | octetAt(bytes, at + 1) << 8 | octetAt(bytes, at + 2);
 }
 uint32_t littleThree(std::string_view bytes, size_t at) {
-  return byteAt(bytes, at + 2) << 16 | byteAt(bytes, at + 1) << 8 | byteAt(bytes, at);
+  return octetAt(bytes, at + 2) << 16 | octetAt(bytes, at + 1) << 8 | octetAt(bytes, at);
 }
 
 bool isOldForm(std::string_view bytes) {
@@ -56,9 +56,9 @@ ShuffleDatabase readOld(std::string_view bytes) {
 std::optional<ShuffleSong> songAt(std::string_view bytes, size_t at) {
   if (at >= bytes.size() || !bytes.substr(at).starts_with("rths")) return std::nullopt;
   const uint32_t length = Fields(bytes.substr(at)).word(4).value_or(0);
-  if (length < kPathAt + kPath || length > bytes.size() - at) return std::nullopt;
+  if (length < kPathFrom + kPathSize || length > bytes.size() - at) return std::nullopt;
   const std::string_view song = bytes.substr(at, length);
-  const std::string_view path = song.substr(kPathAt, kPath);
+  const std::string_view path = song.substr(kPathFrom, kPathSize);
   const auto id = Fields(song).twoWords(kPersistentIdAt);
   return ShuffleSong{std::string(path.substr(0, path.find('\0'))), id.value_or(0) == 0 ? std::nullopt : id};
 }
@@ -69,7 +69,7 @@ ShuffleDatabase readNew(std::string_view bytes) {
   ShuffleDatabase found;
   found.declaredSongs = header.word(0x0c).value_or(0);
   const size_t at = header.word(0x24).value_or(0);
-  if (found.declaredSongs == 0 && at == 0) return found;
+  if (found.declaredSongs == 0) return found;
   found.isCutShort = true;
   if (at >= bytes.size() || !bytes.substr(at).starts_with("hths")) return found;
   const std::string_view list = bytes.substr(at);
@@ -77,7 +77,7 @@ ShuffleDatabase readNew(std::string_view bytes) {
   for (uint64_t i = 0; i < found.declaredSongs; ++i) {
     const size_t place = kSongListHeader + 4 * static_cast<size_t>(i);
     // Songs that share a place could fill the memory.
-    const bool hasRoom = (i + 1) * (kPathAt + kPath) <= bytes.size();
+    const bool hasRoom = (i + 1) * (kPathFrom + kPathSize) <= bytes.size();
     if (!hasRoom || place + 4 > fields.word(4).value_or(0)) return found;
     const auto song = songAt(bytes, fields.word(place).value_or(0));
     if (!song) return found;
@@ -108,11 +108,12 @@ std::optional<std::vector<ShuffleCount>> readShuffleCounts(std::string_view byte
   if (bytes.size() > kMostShuffleBytes || bytes.size() < kOldStatsHeader) return std::nullopt;
   std::vector<ShuffleCount> counts;
   const Fields fields(bytes);
-  const bool isNew = bytes.size() >= kStatsHeader + kCount ? fields.word(kStatsHeader) == kCount
-                                                           : bytes == std::string_view("\0\0\0\0\0\0\0\0", 8);
+  const bool isNew = bytes.size() >= kStatsHeader + kNewCount
+                         ? fields.word(kStatsHeader) == kNewCount
+                         : bytes == std::string_view("\0\0\0\0\0\0\0\0", 8);
   if (isNew) {
-    for (size_t at = kStatsHeader; counts.size() < *fields.word(0); at += kCount) {
-      if (fields.word(at) != kCount || !fields.word(at + kCount - 4)) break;
+    for (size_t at = kStatsHeader; counts.size() < *fields.word(0); at += kNewCount) {
+      if (fields.word(at) != kNewCount || !fields.word(at + kNewCount - 4)) break;
       counts.push_back({*fields.word(at + 0x08), *fields.word(at + 0x10)});
     }
     return counts;

@@ -8,11 +8,11 @@ namespace samples {
 
 namespace {
 
-constexpr uint32_t kObjectHeader = 0x18;
+constexpr uint32_t kTextHeader = 0x18;
 
 enum Encoding : uint8_t { kUtf8 = 1, kUtf16 = 2 };
 
-void AppendHalf(ChunkWriter &out, uint32_t value) {
+void AppendTwoBytes(ChunkWriter &out, uint32_t value) {
   out.AppendByte(static_cast<uint8_t>(value));
   out.AppendByte(static_cast<uint8_t>(value >> 8));
 }
@@ -24,14 +24,14 @@ void PutHalf(ChunkWriter &out, size_t at, uint32_t value) {
 
 // Filled up to a multiple of four bytes; a byte of the header says with how many.
 void AppendText(ChunkWriter &out, uint32_t type, std::string_view text, Encoding encoding) {
-  const size_t object = out.Begin("mhod", kObjectHeader, type);
+  const size_t object = out.Begin("mhod", kTextHeader, type);
   const size_t bytes = encoding == kUtf16 ? 2 * text.size() : text.size();
   out.AppendWord(static_cast<uint32_t>(bytes));
   out.AppendWord(encoding);
   out.AppendWord(0);
   for (const char c : text) {
     if (encoding == kUtf16) {
-      AppendHalf(out, static_cast<unsigned char>(c));
+      AppendTwoBytes(out, static_cast<unsigned char>(c));
     } else {
       out.AppendByte(static_cast<uint8_t>(c));
     }
@@ -43,7 +43,7 @@ void AppendText(ChunkWriter &out, uint32_t type, std::string_view text, Encoding
 }
 
 void AppendSize(ChunkWriter &out, const StoredSize &size) {
-  const size_t object = out.Begin("mhod", kObjectHeader, size.whole ? 5 : 2);
+  const size_t object = out.Begin("mhod", kTextHeader, size.whole ? 5 : 2);
   const size_t picture = out.Begin("mhni", 0x4c, size.file.empty() ? 0 : 1);
   out.PutWord(picture + 0x10, size.format);
   out.PutWord(picture + 0x14, size.offset);

@@ -42,7 +42,9 @@ TEST(ShuffleDatabase, NewerFormHoldsPathsAndIds) {
 }
 
 TEST(ShuffleDatabase, EmptyListsAreWhole) {
-  for (const std::string &bytes : {olderShuffleList({}), newerShuffleList({})}) {
+  std::string withPlace = newerShuffleList({});
+  withPlace[0x24] = '\x40';
+  for (const std::string &bytes : {olderShuffleList({}), newerShuffleList({}), withPlace}) {
     const auto found = readShuffleDatabase(bytes);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->songs.size(), 0U);

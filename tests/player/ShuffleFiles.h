@@ -63,9 +63,10 @@ inline std::string olderShuffleCounts(const ShuffleCounted &counts) {
 
 inline std::string newerShuffleCounts(const ShuffleCounted &counts) {
   std::string bytes = littleBytes(counts.size(), 4) + littleBytes(0, 4);
-  for (const auto &[plays, skips] : counts)
+  for (const auto &[plays, skips] : counts) {
     bytes += filled(
         filled(filled(littleBytes(0x20, 4), 8) + littleBytes(plays, 4), 0x10) + littleBytes(skips, 4), 0x20);
+  }
   return bytes;
 }
 

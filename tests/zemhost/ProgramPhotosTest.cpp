@@ -28,9 +28,10 @@ class Photos : public CoverFixture {
   void makePhotos(const std::vector<StoredImage> &images,
                   const std::vector<samples::ImageAlbum> &albums) const {
     folder_.write("iPod/Photos/Photo Database", samples::WriteImageDatabase(images, albums));
-    for (const StoredImage &one : images)
+    for (const StoredImage &one : images) {
       folder_.write("iPod/Photos/Thumbs/F00/T" + std::to_string(one.id) + ".ithmb",
                     std::string(kBytes, static_cast<char>(one.id)));
+    }
   }
   Outcome photos(const fs::path &from) const { return runZemhost({"photos", from, destination()}); }
   Outcome photos() const { return photos(player()); }

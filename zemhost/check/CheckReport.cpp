@@ -35,10 +35,12 @@ std::string filesText(const LibraryAccount &library) {
 }
 
 std::string shuffleText(const ShuffleAccount &shuffle) {
-  const std::string songs = countText(shuffle.songs, "song", "songs") + " in iTunesSD";
-  if (!shuffle.plays) return songs;
-  return songs + ", " + countText(*shuffle.plays, "play", "plays") + " and " +
-         countText(*shuffle.skips, "skip", "skips") + " in iTunesStats";
+  std::string text = countText(shuffle.songs, "song", "songs") + " in iTunesSD";
+  if (shuffle.plays) {
+    text += ", " + countText(*shuffle.plays, "play", "plays") + " and " +
+            countText(*shuffle.skips, "skip", "skips") + " in iTunesStats";
+  }
+  return text;
 }
 
 void writeChunks(const player::FileAccount &file, std::ostream &out) {

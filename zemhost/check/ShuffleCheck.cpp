@@ -19,8 +19,8 @@ namespace zemhost {
 
 namespace {
 
-constexpr const char *kList = ":iPod_Control:iTunes:iTunesSD";
-constexpr const char *kCounts = ":iPod_Control:iTunes:iTunesStats";
+constexpr const char *kShuffleList = ":iPod_Control:iTunes:iTunesSD";
+constexpr const char *kShuffleCounts = ":iPod_Control:iTunes:iTunesStats";
 
 class ShuffleCheck {
  public:
@@ -28,7 +28,7 @@ class ShuffleCheck {
       : library_(library), findings_(findings) {}
 
   std::optional<ShuffleAccount> run() {
-    const SongFile file = library_.file(kList);
+    const SongFile file = library_.file(kShuffleList);
     if (file.error == ENOENT || file.error == ENOTDIR) return std::nullopt;
     const auto bytes = contentOf(file);
     if (!bytes) return std::nullopt;
@@ -99,7 +99,7 @@ class ShuffleCheck {
   }
 
   void readCounts() {
-    const SongFile file = library_.file(kCounts);
+    const SongFile file = library_.file(kShuffleCounts);
     if (file.error == ENOENT || file.error == ENOTDIR) return;
     const auto bytes = contentOf(file);
     if (!bytes) return;

@@ -5,8 +5,7 @@
 namespace zemhost {
 
 int exportPhotos(const PictureArguments &arguments) {
-  return writePictureSummary(writePhotos(arguments.path, arguments.destination),
-                             {"photo", "photos", {}, {}});
+  return writePictureSummary(writePhotos(arguments.path, arguments.destination), {"photo", "photos", {}, {}});
 }
 
 }  // namespace zemhost

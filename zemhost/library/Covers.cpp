@@ -4,14 +4,14 @@ namespace zemhost {
 
 namespace {
 
-constexpr const char *kFolder = ":iPod_Control:Artwork";
-constexpr const char *kList = ":iPod_Control:Artwork:ArtworkDB";
+constexpr const char *kArtworkFolder = ":iPod_Control:Artwork";
+constexpr const char *kCoverList = ":iPod_Control:Artwork:ArtworkDB";
 
 }  // namespace
 
 const PictureList *Covers::list() const {
   if (!isOnPlayer_) return nullptr;
-  if (!list_) list_ = std::make_unique<const PictureList>(files_, kList, kFolder);
+  if (!list_) list_ = std::make_unique<const PictureList>(files_, kCoverList, kArtworkFolder);
   return list_->isThere() ? list_.get() : nullptr;
 }
 

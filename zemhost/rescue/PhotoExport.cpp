@@ -27,12 +27,12 @@ constexpr const char *kPhotoFolder = "Photos";
 constexpr const char *kPhotoFile = "Photo Database";
 
 // The list's place, and where its names of smaller pictures start from.
-constexpr const char *kList = ":Photos:Photo Database";
-constexpr const char *kThumbnails = ":Photos:Thumbs";
+constexpr const char *kPhotoList = ":Photos:Photo Database";
+constexpr const char *kThumbnailFolder = ":Photos:Thumbs";
 
 // Of pictures, in small letters; a copy with another one would be opened as something else.
-constexpr std::array<std::string_view, 10> kExtensions = {".bmp", ".gif", ".heic", ".jpeg", ".jpg",
-                                                          ".pct", ".png", ".psd",  ".tif",  ".tiff"};
+constexpr std::array<std::string_view, 10> kPictureExtensions = {".bmp", ".gif", ".heic", ".jpeg", ".jpg",
+                                                                 ".pct", ".png", ".psd",  ".tif",  ".tiff"};
 
 fs::path playerOf(const fs::path &named) {
   std::error_code error;
@@ -54,7 +54,9 @@ player::DatabaseLocation locationOf(const fs::path &named) {
 class PhotoExport {
  public:
   PhotoExport(const player::DatabaseLocation &location, const fs::path &destination)
-      : files_(location, 1), list_(files_, kList, kThumbnails), writer_(destination, location.volumeRoot) {
+      : files_(location, 1),
+        list_(files_, kPhotoList, kThumbnailFolder),
+        writer_(destination, location.volumeRoot) {
     if (!list_.isThere())
       throw HostError(location.name + ": no photos here: the player has no Photos/Photo Database");
   }
@@ -118,8 +120,8 @@ class PhotoExport {
 
   static std::string extensionOf(const fs::path &name) {
     const std::string extension = name.extension().string();
-    const bool isKnown =
-        std::find(kExtensions.begin(), kExtensions.end(), foldedText(extension)) != kExtensions.end();
+    const bool isKnown = std::find(kPictureExtensions.begin(), kPictureExtensions.end(),
+                                   foldedText(extension)) != kPictureExtensions.end();
     return isKnown ? extension : ".bin";
   }
 

@@ -10,12 +10,6 @@
 
 namespace zemhost {
 
-namespace {
-
-constexpr const char *kContinue = "run the same command again to continue";
-
-}  // namespace
-
 PictureWriter::PictureWriter(const std::filesystem::path &destination,
                              const std::filesystem::path &playerRoot)
     : destination_(destination, playerRoot), files_(destination_) {}

@@ -24,8 +24,6 @@ namespace zemhost {
 
 namespace {
 
-constexpr const char *kContinue = "run the same command again to continue";
-
 class Rescue {
  public:
   Rescue(const MusicLibrary &library, const RescueRequest &request)

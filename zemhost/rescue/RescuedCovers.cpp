@@ -15,7 +15,7 @@ namespace zemhost {
 namespace {
 
 // What lies in a folder of the destination.
-struct Folder {
+struct AlbumFolder {
   std::set<std::string> albums;  // in a form in which case has gone; two are enough to know
   std::set<size_t> images;
 
@@ -23,11 +23,11 @@ struct Folder {
 };
 
 // By their paths, with a slash at the end.
-std::map<std::string, Folder> foldersOf(const MusicLibrary &library, const RescuePlan &plan) {
-  std::map<std::string, Folder> folders;
+std::map<std::string, AlbumFolder> foldersOf(const MusicLibrary &library, const RescuePlan &plan) {
+  std::map<std::string, AlbumFolder> folders;
   for (const PlannedFile &file : plan.files()) {
     const Song song = library.song(file.song);
-    Folder &folder = folders[file.target.substr(0, file.target.rfind('/') + 1)];  // npos + 1 is 0
+    AlbumFolder &folder = folders[file.target.substr(0, file.target.rfind('/') + 1)];  // npos + 1 is 0
     if (folder.albums.size() < 2) folder.albums.insert(foldedText(song.album));
     if (const auto image = library.covers().imageOf(song.facts)) folder.images.insert(*image);
   }

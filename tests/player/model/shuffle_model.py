@@ -30,7 +30,7 @@ def newer_list(data):
     def word(at):
         return struct.unpack_from("<I", data, at)[0] if at + 4 <= len(data) else None
     count, at, songs = word(12) or 0, word(0x24) or 0, []
-    if count == 0 and at == 0:
+    if count == 0:
         return songs, 0, False
     if data[at:at + 4] != b"hths":
         return songs, count, True

@@ -39,6 +39,11 @@ fs::path databaseIn(const fs::path &control, const fs::path &named) {
   if (const auto sqlite = sqliteFileIn(childNamed(*folder, kSqliteFolder))) return *sqlite;
   const std::optional<fs::path> file = childNamed(*folder, kDatabaseFile);
   const std::optional<fs::path> compressed = childNamed(*folder, kCompressedFile);
+  if (!file && !compressed && childNamed(*folder, kShuffleFile)) {
+    throw PlayerError(named.string() + ": no database here, only " + kShuffleFile +
+                      ", the songs of a shuffle in the order of playing: " + folder->string() + " has no " +
+                      kDatabaseFile);
+  }
   if (!file && !compressed) {
     throw PlayerError(named.string() + ": no database here: " + folder->string() + " has no " +
                       kDatabaseFile);

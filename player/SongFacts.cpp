@@ -75,6 +75,7 @@ void readKinds(const RecordHeader &header, SongFacts &facts) {
   facts.released = header.date(0x8c);
   facts.explicitContent = header.mark(0x92, 1, 2);
   if (const auto account = header.word(0x94)) facts.isProtected = *account == kProtected;
+  facts.picture = header.mark(0xa4, 1, 2);
   facts.lyrics = header.flag(0xb0);
   facts.movie = header.flag(0xb1);
   facts.mediaType = header.word(0xd0);
@@ -82,6 +83,7 @@ void readKinds(const RecordHeader &header, SongFacts &facts) {
   facts.episode = unlessZero(header.word(0xd8));
   facts.purchased = header.date(0xdc);
   facts.bought = isBought(header);
+  facts.image = unlessZero(header.word(0x160));
 }
 
 void readPlayback(const RecordHeader &header, SongFacts &facts) {

@@ -65,6 +65,8 @@ struct SongFacts {
   std::optional<bool> gaplessAlbum;
 
   std::optional<uint64_t> persistentId;
+  std::optional<uint32_t> image;  // id in the list of pictures
+  std::optional<bool> picture;    // whether it has a picture; no value: not said
 };
 
 // The longest header that is read; no file seen has one of more.

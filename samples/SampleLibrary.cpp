@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "samples/GeneratedLibrary.h"
+#include "samples/SampleCovers.h"
 #include "samples/SmartObjects.h"
 
 namespace samples {
@@ -57,6 +58,7 @@ std::map<uint32_t, uint32_t> PlayerWords(size_t index) {
   const uint64_t id = SamplePersistentId(index);
   const bool isSpoken = song.mediaType == 4 || song.mediaType == 8;
   const uint32_t video = song.mediaType == 2 ? 1 : 0;
+  const uint32_t picture = SampleHasCover(index) ? 1 : 2;
   return {{0x50, facts.plays},
           {0x54, facts.plays},
           {0x58, Since1904(facts.lastPlayed)},
@@ -71,8 +73,9 @@ std::map<uint32_t, uint32_t> PlayerWords(size_t index) {
           {0x98, facts.skips},
           {0x9c, facts.skips},
           {0xa0, Since1904(facts.lastSkipped)},
-          {0xa4, isSpoken ? 0x10100U : 0U},  // not in shuffle, goes on where it stopped
-          {0xb0, video << 8 | uint32_t{facts.heardMark} << 16}};
+          {0xa4, (isSpoken ? 0x10100U : 0U) | picture},  // not in shuffle, goes on where it stopped
+          {0xb0, video << 8 | uint32_t{facts.heardMark} << 16},
+          {0x160, SampleImageId(index)}};
 }
 
 std::map<uint32_t, uint32_t> DesktopWords(size_t index) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "samples/SampleCovers.h"
 #include "samples/SampleLibrary.h"
 #include "samples/WriteFile.h"
 
@@ -23,6 +24,9 @@ void WritePlayer(const fs::path &player) {
   WriteFile(control / "iTunes" / "OTGPlaylistInfo", samples::SampleOnTheGo());
   WriteFile(control / "iTunes" / "DeviceInfo", samples::SampleDeviceInfo());
   WriteFile(control / "Device" / "SysInfo", samples::SampleSysInfo());
+  WriteFile(control / "Artwork" / "ArtworkDB", samples::SampleArtworkDB());
+  WriteFile(control / "Artwork" / "F1028_1.ithmb", samples::SamplePictures(100));
+  WriteFile(control / "Artwork" / "F1029_1.ithmb", samples::SamplePictures(200));
 }
 
 }  // namespace

@@ -188,14 +188,15 @@ void addExport(CLI::App &program, Action &action) {
   addEncoding(*command.app, arguments.encoding);
 }
 
-void checkRescue(const CLI::App &, const RescueArguments &arguments) {
+template <typename Arguments>
+void checkDestination(const CLI::App & /*command*/, const Arguments &arguments) {
   if (arguments.destination.empty()) throw CLI::ValidationError("DEST", "the name is empty");
 }
 
 void addRescue(CLI::App &program, Action &action) {
   const auto command = addCommand(program, action, "rescue",
                                   "Copy the music off a player under its real names, and its playlists",
-                                  rescueMusic, checkRescue);
+                                  rescueMusic, checkDestination<RescueArguments>);
   RescueArguments &arguments = *command.arguments;
   addPath(*command.app, arguments.path);
   command->add_option("DEST", arguments.destination, "The folder to copy to; it is made when it is missing")
@@ -208,11 +209,27 @@ void addRescue(CLI::App &program, Action &action) {
                    "Only the songs of this playlist: its number, its name, or the beginning of its name; may "
                    "be given again")
       ->allow_extra_args(false);
+  command->add_flag("--covers", arguments.covers,
+                    "Write the cover of each album beside its songs, as cover.png");
   command->add_flag("--dry-run", arguments.dryRun, "Show what would be copied, and write nothing");
   command->footer(
       "Complete copies are left alone and no other file is ever replaced, so after an interruption the same "
       "command continues. Ends with 0 when everything is copied, with 3 when some songs could not be copied, "
       "and with 1 when it had to stop.");
+}
+
+void addPictures(CLI::App &program, Action &action, const char *name, const char *description,
+                 int (*run)(const PictureArguments &)) {
+  const auto command =
+      addCommand(program, action, name, description, run, checkDestination<PictureArguments>);
+  addPath(*command.app, command.arguments->path);
+  command
+      ->add_option("DEST", command.arguments->destination,
+                   "The folder to write to; it is made when it is missing")
+      ->required();
+  command->footer(
+      "Pictures that are there already are left alone and no other file is ever replaced. Ends with 0 when "
+      "everything is written, with 3 when some pictures could not be, and with 1 when it had to stop.");
 }
 
 void addCompare(CLI::App &program, Action &action) {
@@ -260,6 +277,8 @@ void addCommands(CLI::App &program, Action &action) {
   addCheck(program, action);
   addExport(program, action);
   addRescue(program, action);
+  addPictures(program, action, "covers", "Write the cover of each album as a PNG file", exportCovers);
+  addPictures(program, action, "photos", "Write the photos of a player, in folders by album", exportPhotos);
   addCompare(program, action);
   addDuplicates(program, action);
   addCall(program, action);

@@ -61,7 +61,9 @@ inline Json jsonOf(const SongFacts &facts) {
           {"padding", jsonOf(facts.padding)},
           {"samples", jsonOf(facts.samples)},
           {"gapless_album", jsonOf(facts.gaplessAlbum)},
-          {"persistent_id", jsonOf(facts.persistentId)}};
+          {"persistent_id", jsonOf(facts.persistentId)},
+          {"image", jsonOf(facts.image)},
+          {"picture", jsonOf(facts.picture)}};
 }
 
 }  // namespace player

@@ -66,6 +66,16 @@ TEST(SongFactsTest, DayAddedIsNotTheDayTheFileChanged) {
   EXPECT_EQ(facts.added, kYear2005 + 86400);
 }
 
+TEST(SongFactsTest, PictureIsMarkedOrNotSaidAtAll) {
+  EXPECT_EQ(factsOf({{0xa4, 1}}).picture, true);
+  EXPECT_EQ(factsOf({{0xa4, 2}}).picture, false);
+  EXPECT_EQ(factsOf({}).picture, std::nullopt);
+  EXPECT_EQ(factsOf({{0xa4, 1}}, 0xa4).picture, std::nullopt);
+  EXPECT_EQ(factsOf({{0x160, 7}}).image, 7U);
+  EXPECT_EQ(factsOf({{0x160, 0}}).image, std::nullopt);
+  EXPECT_EQ(factsOf({{0x160, 7}}, 0x163).image, std::nullopt);
+}
+
 TEST(SongFactsTest, DatesBefore1980AreUnknown) {
   EXPECT_EQ(factsOf({{0x68, 0}}).added, std::nullopt);
   EXPECT_EQ(factsOf({{0x68, 2398377599}}).added, std::nullopt);

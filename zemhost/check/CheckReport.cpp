@@ -36,6 +36,15 @@ std::string filesText(const LibraryAccount &library) {
          ", " + countText(library.filesUnnamed, "file is", "files are") + " named by no song";
 }
 
+std::string shuffleText(const ShuffleAccount &shuffle) {
+  std::string text = countText(shuffle.songs, "song", "songs") + " in iTunesSD";
+  if (shuffle.plays) {
+    text += ", " + countText(*shuffle.plays, "play", "plays") + " and " +
+            countText(*shuffle.skips, "skip", "skips") + " in iTunesStats";
+  }
+  return text;
+}
+
 void writeChunks(const player::FileAccount &file, std::ostream &out) {
   using enum Column::Align;
   Table table({{"Chunk", Left, 0, 0}, {"Kind", Left, 0, 0}, {"Number", Right, 0, 0}, {"Bytes", Right, 0, 0}});
@@ -138,6 +147,7 @@ void writeText(const CheckReport &report, std::ostream &out) {
   line(out, "Version   ", report.file.version.empty() ? "not stated" : report.file.version);
   line(out, "Content   ", bytesText(report));
   line(out, "Files     ", filesText(report.library));
+  if (report.shuffle) line(out, "Shuffle   ", shuffleText(*report.shuffle));
   out << '\n';
   if (report.form == LibraryForm::Sqlite) {
     writeTables(report, out);
@@ -162,6 +172,13 @@ void writeJson(const CheckReport &report, std::ostream &out) {
     json["files"]["unnamed"] = library.filesUnnamed;
   } else {
     json["files"]["reason"] = library.filesLeftOut;
+  }
+  if (report.shuffle) {
+    json["shuffle"] = {{"songs", report.shuffle->songs}};
+    if (report.shuffle->plays) {
+      json["shuffle"]["plays"] = *report.shuffle->plays;
+      json["shuffle"]["skips"] = *report.shuffle->skips;
+    }
   }
   for (size_t i = 0; i < player::kFindingKinds; ++i) {
     const auto kind = static_cast<player::FindingKind>(i);

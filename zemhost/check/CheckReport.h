@@ -2,6 +2,7 @@
 
 // The result of a check, for people and for programs.
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "player/DatabaseLocation.h"
 #include "player/SqliteLibrary.h"
 #include "zemhost/check/LibraryCheck.h"
+#include "zemhost/check/ShuffleCheck.h"
 #include "zemhost/library/Reconciliation.h"
 
 namespace zemhost {
@@ -22,6 +24,7 @@ struct CheckReport {
   std::vector<player::SqliteTableCount> tables;  // of SQLite files alone
   Reconciliation reconciliation;                 // likewise only what is found and read
   LibraryAccount library;
+  std::optional<ShuffleAccount> shuffle;
   player::Findings findings;  // of all the above
 };
 

@@ -34,8 +34,13 @@ void addDifferences(const Reconciliation &reconciliation, const MusicLibrary &li
   }
 }
 
+void checkCovers(const MusicLibrary &library, player::Findings &findings) {
+  if (library.covers().areKnown() && !library.covers().warning().empty())
+    findings.add(player::FindingKind::UnusedFile, library.covers().warning());
+}
+
 CheckReport checkLoaded(OpenDatabase database) {
-  CheckReport report{database.location, {}, database.compressed, database.account, {}, {}, {}, {}};
+  CheckReport report{database.location, {}, database.compressed, database.account, {}, {}, {}, {}, {}};
   report.findings = report.file.findings;
   if (database.bytesAfterStream > 0) {
     report.findings.add(
@@ -51,6 +56,8 @@ CheckReport checkLoaded(OpenDatabase database) {
   report.reconciliation = reconcile(report.file, *library.object());
   addDifferences(report.reconciliation, library, report.file, report.findings);
   report.library = checkLibrary(library, report.findings);
+  report.shuffle = checkShuffle(library, report.findings);
+  checkCovers(library, report.findings);
   return report;
 }
 
@@ -65,7 +72,8 @@ uint64_t rowsOf(const player::SqliteLibrary &library, std::string_view table) {
 CheckReport checkSqlite(const player::DatabaseLocation &location) {
   const auto files = readSqliteLibrary(location);
   const MusicLibrary library(Host::load(), std::make_shared<const SqliteSource>(location, files));
-  CheckReport report{location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {}, files->findings()};
+  CheckReport report{
+      location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {}, {}, files->findings()};
   report.file.version = files->version();
   report.file.size = files->bytes();
   uint64_t entries = 0;
@@ -75,6 +83,7 @@ CheckReport checkSqlite(const player::DatabaseLocation &location) {
       {"playlists", 0, rowsOf(*files, "container") - files->categories(), files->lists().size()},
       {"entries", 0, rowsOf(*files, "item_to_container"), entries}};
   report.library = checkLibrary(library, report.findings);
+  checkCovers(library, report.findings);
   return report;
 }
 

@@ -73,8 +73,16 @@ struct RescueArguments {
   std::string pattern{kUsualPattern};
   std::vector<std::string> playlists;  // none: the whole library
   bool dryRun = false;
+  bool covers = false;  // beside the music
 };
 int rescueMusic(const RescueArguments &arguments);
+
+struct PictureArguments {
+  std::string path;
+  std::string destination;
+};
+int exportCovers(const PictureArguments &arguments);
+int exportPhotos(const PictureArguments &arguments);
 
 struct CompareArguments {
   std::string a;

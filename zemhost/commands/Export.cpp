@@ -149,6 +149,7 @@ int exportLibrary(const ExportArguments &arguments) {
   } else {
     writeTables(library, selection, arguments);
   }
+  warnOfCovers(library);
   return kSuccess;
 }
 

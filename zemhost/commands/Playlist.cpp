@@ -126,6 +126,7 @@ class PlaylistPage {
 int listPlaylist(const PlaylistArguments &arguments) {
   const MusicLibrary library = openAndWarn(arguments.path);
   PlaylistPage(library, choosePlaylist(library, arguments.playlist), arguments).write();
+  warnOfCovers(library);
   return kSuccess;
 }
 

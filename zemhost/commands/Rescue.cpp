@@ -8,6 +8,7 @@
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
 #include "zemhost/commands/OpenAndWarn.h"
+#include "zemhost/commands/PictureSummary.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/library/PlaylistChoice.h"
 #include "zemhost/output/DisplayText.h"
@@ -16,12 +17,6 @@
 namespace zemhost {
 
 namespace {
-
-void writeList(const std::string &heading, const std::vector<std::string> &lines) {
-  if (lines.empty()) return;
-  std::cout << heading << ":\n";
-  for (const std::string &line : lines) std::cout << "- " << safeText(line) << '\n';
-}
 
 void writeSummary(const RescueResult &result, bool dryRun) {
   std::cout << countText(result.copied, "song", "songs") << (dryRun ? " to copy, " : " copied, ")
@@ -32,6 +27,9 @@ void writeSummary(const RescueResult &result, bool dryRun) {
   if (result.playlists > 0) {
     std::cout << countText(result.playlists, "playlist", "playlists")
               << (dryRun ? " to write\n" : " written\n");
+  }
+  if (result.covers > 0) {
+    std::cout << countText(result.covers, "cover", "covers") << (dryRun ? " to write\n" : " written\n");
   }
   if (result.evaded > 0) {
     std::cout << countText(result.evaded, "name was", "names were")
@@ -48,7 +46,8 @@ void writeSummary(const RescueResult &result, bool dryRun) {
 }  // namespace
 
 int rescueMusic(const RescueArguments &arguments) {
-  RescueRequest request{arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun};
+  RescueRequest request{
+      arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun, arguments.covers};
   const MusicLibrary library = openAndWarn(arguments.path);
   for (const std::string &wanted : arguments.playlists) {
     const int32_t list = choosePlaylist(library, wanted);
@@ -56,6 +55,7 @@ int rescueMusic(const RescueArguments &arguments) {
     if (std::find(chosen.begin(), chosen.end(), list) == chosen.end()) request.playlists.push_back(list);
   }
   const RescueResult result = rescue(library, request);
+  warnOfCovers(library);
   writeSummary(result, arguments.dryRun);
   return result.problems.empty() ? kSuccess : kIncomplete;
 }

@@ -81,6 +81,7 @@ const std::vector<SongColumn> &songColumns() {
        {"Medium", Left, 0, kOnRequest},
        [](S &s) { return mediaKindText(s.facts.mediaType.value_or(0)); }},
       {"bpm", {"BPM", Right, 0, kOnRequest}, [](S &s) { return orNothing(s.facts.bpm); }},
+      {"has_cover", {"Cover", Left, 0, kOnRequest}, [](S &s) { return yesOrNo(s.hasCover()); }},
       {"composer", {"Composer", Left, 12, 14}, [](S &s) { return s.composer; }},
       {"path", {"File", Left, 33, 16}, [](S &s) { return s.path; }}};
   return kColumns;

@@ -15,6 +15,7 @@ int listSongs(const SongsArguments &arguments) {
   for (int32_t index = 0; index < count; ++index) table.addSong(index, library.song(index));
   table.write();
   out.finish();
+  warnOfCovers(library);
   return kSuccess;
 }
 

@@ -212,6 +212,7 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"samples", Integer}, [](S &s) { return known(s.facts().samples); }},
       {{"gapless_album", Boolean}, [](S &s) { return known(s.facts().gaplessAlbum); }},
       {{"persistent_id", Text}, [](S &s) { return hexOrNull(s.facts().persistentId); }},
+      {{"has_cover", Boolean}, [](S &s) { return known(s.song().hasCover()); }},
       {{"path", Text}, [](S &s) { return textOrNull(s.song().path); }},
       {{"absolute_path", Text}, [](S &s) { return s.absolutePath(); }},
       {{"file", Text}, [](S &s) { return textOrNull(s.library.file(s.song().path).path.string()); }},

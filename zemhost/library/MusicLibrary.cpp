@@ -12,15 +12,21 @@ std::shared_ptr<SongFiles> filesOf(const LibrarySource &source) {
   return std::make_shared<SongFiles>(source.location(), source.form() == LibraryForm::Desktop);
 }
 
+std::shared_ptr<const Covers> coversOf(const LibrarySource &source, SongFiles &files) {
+  const bool isOnPlayer = !source.location().volumeRoot.empty() && source.form() != LibraryForm::Desktop;
+  return std::make_shared<const Covers>(files, isOnPlayer);
+}
+
 }  // namespace
 
 MusicLibrary::MusicLibrary(Host host, std::shared_ptr<const LibrarySource> source)
-    : host_(std::move(host)), source_(std::move(source)), files_(filesOf(*source_)) {}
+    : host_(std::move(host)), source_(std::move(source)), files_(filesOf(*source_)), covers_(coversOf(*source_, *files_)) {}
 
 MusicLibrary::MusicLibrary(OpenDatabase database)
     : host_(database.host),
       source_(std::make_shared<const ClassSource>(std::move(database))),
-      files_(filesOf(*source_)) {}
+      files_(filesOf(*source_)),
+      covers_(coversOf(*source_, *files_)) {}
 
 Totals MusicLibrary::playlistTotals(int32_t playlist) const {
   Totals totals;

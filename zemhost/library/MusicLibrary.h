@@ -33,7 +33,12 @@ class MusicLibrary {
   int32_t playlistCount() const { return source_->playlistCount(); }
 
   // One song; no bounds are checked beyond the source's own, which give an empty one.
-  Song song(int32_t index) const { return source_->song(index); }
+  Song song(int32_t index) const {
+    Song song = source_->song(index);
+    song.covers = covers_.get();
+    return song;
+  }
+  const Covers &covers() const { return *covers_; }
   // Only these two of a song's numbers, for adding up.
   uint32_t duration(int32_t index) const { return source_->duration(index); }
   uint32_t size(int32_t index) const { return source_->size(index); }
@@ -91,6 +96,7 @@ class MusicLibrary {
   Host host_;
   std::shared_ptr<const LibrarySource> source_;
   std::shared_ptr<SongFiles> files_;  // remembers folders
+  std::shared_ptr<const Covers> covers_;
 };
 
 }  // namespace zemhost

@@ -8,6 +8,7 @@
 
 #include "player/PlayCounts.h"
 #include "player/SongFacts.h"
+#include "zemhost/library/Covers.h"
 
 namespace zemhost {
 
@@ -26,7 +27,12 @@ struct Song {
   // What the player's files say; all unknown when its place in them is not sure.
   player::SongFacts facts;
   std::optional<player::PlayCount>
-      sinceSync;  // of this, what the player counted since the last synchronisation
+      sinceSync;                   // of this, what the player counted since the last synchronisation
+  const Covers *covers = nullptr;  // of its library, which must outlive it
+
+  // Whether it has a cover; no value where that is not known. The list of covers is read when it is first
+  // asked for.
+  std::optional<bool> hasCover() const { return covers == nullptr ? std::nullopt : covers->has(facts); }
 };
 
 // The texts by which songs are told apart.

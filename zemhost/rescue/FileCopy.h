@@ -12,6 +12,9 @@
 
 namespace zemhost {
 
+// What to advise where copying had to stop, for the end of a message.
+constexpr const char *kContinue = "run the same command again to continue";
+
 // Why a file was not copied.
 class CopyFailure : public std::runtime_error {
  public:

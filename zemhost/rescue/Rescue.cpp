@@ -17,13 +17,12 @@
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/Progress.h"
 #include "zemhost/rescue/RescuePlan.h"
+#include "zemhost/rescue/RescuedCovers.h"
 #include "zemhost/rescue/RescuedLists.h"
 
 namespace zemhost {
 
 namespace {
-
-constexpr const char *kContinue = "run the same command again to continue";
 
 class Rescue {
  public:
@@ -49,9 +48,11 @@ class Rescue {
     result_.remarks = plan_.remarks();
     if (request_.dryRun) {
       showPlan();
+      writeCovers();
     } else {
       warnOfSpace();
       copySongs();
+      writeCovers();
       RescuedLists(
           library_, plan_, destination_, [this](int32_t song) { return copyOf(song); }, result_)
           .write(chosenLists());
@@ -119,6 +120,15 @@ class Rescue {
         const std::string label = songLabel(file.song, library_.song(file.song));
         result_.problems.push_back(label + ": " + file.source.path.string() + ": " + failure.what());
       }
+    }
+  }
+
+  void writeCovers() {
+    if (!request_.covers) return;
+    try {
+      writeRescuedCovers(library_, plan_, destination_, request_.dryRun, result_);
+    } catch (const CopyFailure &failure) {
+      stop(request_.destination.string() + ": " + failure.what());
     }
   }
 

@@ -17,6 +17,7 @@ struct RescueRequest {
   NamePattern pattern;
   std::vector<int32_t> playlists;  // only their songs; empty: all songs, and all playlists but the master one
   bool dryRun = false;             // show what would be done, and write nothing
+  bool covers = false;             // write covers beside the music
 };
 
 struct RescueResult {
@@ -24,6 +25,7 @@ struct RescueResult {
   uint64_t copiedBytes = 0;
   uint64_t alreadyThere = 0;
   uint64_t playlists = 0;               // written
+  uint64_t covers = 0;                  // likewise
   uint64_t evaded = 0;                  // songs with a number, since another file has their name
   std::vector<std::string> otherSizes;  // songs whose file has another size than the database states
   std::vector<std::string> remarks;     // what is called or kept otherwise than one would expect

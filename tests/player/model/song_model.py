@@ -43,6 +43,7 @@ LITTLE = {
     "start": (0x44, "I", nonzero), "stop": (0x48, "I", nonzero), "sound_check": (0x4C, "I", nonzero),
     "plays": (0x50, "I", stored), "last_played": (0x58, "I", event), "disc": (0x5C, "I", nonzero),
     "discs": (0x60, "I", nonzero), "added": (0x68, "I", date), "bookmark": (0x6C, "I", nonzero),
+    "picture": (0xA4, "B", mark(1, 2)), "image": (0x160, "I", nonzero),
     "persistent_id": (0x70, "Q", nonzero), "checked": (0x78, "B", mark(0, 1)), "bpm": (0x7A, "H", nonzero),
     "released": (0x8C, "I", date), "explicit": (0x92, "B", mark(1, 2)),
     "protected": (0x94, "I", lambda value: value == 0x01010100), "last_skipped": (0xA0, "I", event),

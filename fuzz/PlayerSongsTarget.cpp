@@ -27,7 +27,8 @@ carbon::Descriptor FileOf(std::string_view bytes) {
 void ReadDatabase(std::string_view bytes) {
   const carbon::Descriptor file = FileOf(bytes);
   const player::FileAccount account = player::walkChunks(file.number());
-  const player::PlayerSongs songs(file.number(), account, {"database", "database", {}});
+  const player::PlayerSongs songs(file.number(), account,
+                                  player::DatabaseLocation{"database", "database", {}});
   Require(songs.count() == account.tracks, "a track was counted and is no song");
   size_t texts = 0;
   for (size_t song = 0; song < songs.count(); ++song) {

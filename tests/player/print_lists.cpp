@@ -65,7 +65,7 @@ class Library {
       : path_(path),
         file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)),
         account_(player::walkChunks(file_.number())),
-        songs_(file_.number(), account_, {path, path, {}}),
+        songs_(file_.number(), account_, player::locateDatabase(path)),
         lists_(file_.number(), account_, path, {}) {}
 
   Json json() const {

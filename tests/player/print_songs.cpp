@@ -8,6 +8,7 @@
 
 #include "platform/carbon/Descriptor.h"
 #include "player/ChunkWalk.h"
+#include "player/DatabaseLocation.h"
 #include "player/PlayerSongs.h"
 #include "tests/player/FactsJson.h"
 
@@ -18,7 +19,7 @@ using player::Json;
 Json songsOf(const std::string &path) {
   const carbon::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   const player::FileAccount account = player::walkChunks(file.number());
-  const player::PlayerSongs songs(file.number(), account, {path, path, {}});
+  const player::PlayerSongs songs(file.number(), account, player::locateDatabase(path));
   Json list = Json::array();
   for (size_t i = 0; i < songs.count(); ++i) {
     Json song = player::jsonOf(songs.facts(i));

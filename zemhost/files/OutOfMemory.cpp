@@ -22,18 +22,18 @@ void say(std::string_view text) noexcept {
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
 }
 
-[[noreturn]] void endAtOnce() noexcept {
-  if (std::current_exception() != nullptr) {
-    try {
-      throw;
-    } catch (const std::bad_alloc &) {
-      removeTemporaryPaths();
-      sayOutOfMemory();
-      _exit(kFailure);
-    } catch (...) {
-      std::abort();
-    }
+std::terminate_handler usual = nullptr;
+
+[[noreturn]] void endAtOnce() {
+  try {
+    if (std::current_exception() != nullptr) throw;
+  } catch (const std::bad_alloc &) {
+    removeTemporaryPaths();
+    sayOutOfMemory();
+    _exit(kFailure);
+  } catch (...) {  // the usual end says what it is
   }
+  usual();
   std::abort();
 }
 
@@ -52,6 +52,6 @@ void sayOutOfMemory() noexcept {
   }
 }
 
-void handleOutOfMemory() { std::set_terminate(endAtOnce); }
+void handleOutOfMemory() { usual = std::set_terminate(endAtOnce); }
 
 }  // namespace zemhost

@@ -96,7 +96,7 @@ FLOODS = {
     files_that_are_missing: (700, _FILES),
     folders_that_are_missing: (500, _FILES),
     texts_that_cancel_a_hash: (6000, ("info", "compare")),
-    folders_of_one_path: (2000, _FILES),
+    folders_of_one_path: (3000, _FILES),
     paths_up_and_down: (100, _FILES),
     broken_chunks: (2500, ("info", "check")),
     compressed_songs: (1500, ("songs", "check")),
@@ -116,7 +116,7 @@ _COMMANDS = {
 # How much more a command may need for TIMES as much: a factor, and an amount that no growth has to explain. The first
 # two are counted and repeat; memory is that of the sanitizers too, and time is only to show what is quadratic.
 _LIMITS = {"bytes written": (1.2 * TIMES, 20_000), "bytes read": (1.2 * TIMES, 600_000),
-           "kilobytes": (1.6 * TIMES, 24_000), "seconds": (2.5 * TIMES, 1.0)}
+           "kilobytes": (1.6 * TIMES, 40_000), "seconds": (2.5 * TIMES, 1.0)}
 
 
 def _needs(program, place, seconds, words):

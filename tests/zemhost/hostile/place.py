@@ -25,7 +25,7 @@ def play_counts(songs, entry=0x1C, plays=3):
 
 def chunk(tag, jump, length, count=0, body=b""):
     """A chunk whose header says what it is told to say."""
-    return struct.pack("<4sIII", tag, jump, length & 0xFFFFFFFF, count & 0xFFFFFFFF).ljust(max(jump, 16), b"\0") + body
+    return struct.pack("<4sIII", tag, jump, length, count).ljust(max(jump, 16), b"\0") + body
 
 
 def database(body):
@@ -53,13 +53,12 @@ class Place:
         for folder in (self.outside / "F00", self.work / "exports", self.work / "tmp"):
             folder.mkdir(parents=True)
         song = {"title": CANARY, "artist": CANARY, "path": FIRST_SONG}
-        for name, content in {"canary.mp3": CANARY.encode(), "F00/A.mp3": CANARY.encode(), "Music": None,
-                              "iTunesDB": library([song], [(CANARY, [0])]), "Play Counts": play_counts(1, plays=51),
-                              "secret.txt": CANARY.encode()}.items():
-            if content is not None:
-                (self.outside / name).write_bytes(content)
         (self.outside / "iTunes").mkdir()
-        (self.outside / "iTunes" / "iTunesDB").write_bytes(library([song], [(CANARY, [0])]))
+        listed = library([song], [(CANARY, [0])])
+        for name, content in {"canary.mp3": CANARY.encode(), "F00/A.mp3": CANARY.encode(), "secret.txt": CANARY.encode(),
+                              "iTunesDB": listed, "iTunes/iTunesDB": listed,
+                              "Play Counts": play_counts(1, plays=51)}.items():
+            (self.outside / name).write_bytes(content)
         os.mkfifo(self.outside / "fifo")
 
     def label(self, name):
@@ -77,11 +76,6 @@ class Place:
         path.write_bytes(content)
         return path
 
-    def link(self, name, target):
-        path = self.path(name)
-        os.symlink(target, path)
-        return path
-
     def write_database(self, content, name="iTunesDB"):
         (self.root / "iPod_Control" / "Music" / "F00").mkdir(parents=True, exist_ok=True)
         return self.write(f"iPod_Control/iTunes/{name}", content)
@@ -95,13 +89,10 @@ class Place:
 
     def ordinary(self):
         """One song with its file, in one playlist."""
-        self.write_songs([{"title": "Song", "artist": "Artist", "album": "Album", "path": FIRST_SONG, "size": len(MUSIC)}])
+        self.write_songs([{"title": "Song", "artist": "Artist", "path": FIRST_SONG, "size": len(MUSIC)}])
         self.write_music()
 
-    def mac_path(self, path):
-        """The path as the class writes places on the machine's disk, without the volume."""
-        return str(path).replace("/", ":")
 
 
-__all__ = ["CANARY", "FIRST_SONG", "FORGED", "MUSIC", "Place", "chunk", "compressed", "database", "library", "play_counts",
-           "track_list"]
+__all__ = ["CANARY", "FIRST_SONG", "FORGED", "MUSIC", "Place", "chunk", "compressed", "database", "library",
+           "play_counts", "track_list"]

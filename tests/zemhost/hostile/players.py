@@ -3,6 +3,7 @@
 import os
 import random
 import re
+import shutil
 import socket
 import struct
 
@@ -52,12 +53,12 @@ def family(name, rows):
 def _location(place, row):
     label, path = row
     place.label(label)
-    path = path.replace("{outside}", place.mac_path(place.outside)).replace("{slashes}", str(place.outside))
+    path = path.replace("{outside}", str(place.outside).replace("/", ":")).replace("{slashes}", str(place.outside))
     place.write_songs([{"title": "Song", "path": path}, {"title": "Other", "path": FIRST_SONG}], [("List", (0, 1))])
     place.write_music()
 
 
-# Links and files of other kinds in the places that a command opens. `{outside}` is absolute, `{up}` relative.
+# Links in the places that a command opens. `{outside}` is the folder beside the player.
 @family("link", {
     "as_a_song": ("Music/F00/A.mp3", "{outside}/canary.mp3"),
     "as_a_song_upwards": ("Music/F00/A.mp3", "../../../../outside/canary.mp3"),
@@ -84,15 +85,10 @@ def _location(place, row):
 })
 def _link(place, row):
     name, target = row
+    place.ordinary()
     path = place.path(f"iPod_Control/{name}".rstrip("/"))
-    place.ordinary() if name.startswith(("Music", "iTunes/")) and name != "Music" else None
-    if name == "Music":
-        place.write_songs([{"title": "Song", "path": FIRST_SONG}])
-        (path / "F00").rmdir()
     if path.is_dir():
-        for one in list(path.iterdir()):
-            one.unlink()
-        path.rmdir()
+        shutil.rmtree(path)
     path.unlink(missing_ok=True)
     os.symlink(target.replace("{outside}", str(place.outside)), path)
 
@@ -192,6 +188,7 @@ def label_with_planted_libraries(place):
 
 # Databases that are damaged or forged.
 _SONG = chunk(b"mhit", 0xF4, 0xF4, 0)
+_PLAYLIST = chunk(b"mhyp", 0x6C, 0x6C, 0)
 _ENTRY = chunk(b"mhip", 0x4C, 0x4C, 0)
 
 
@@ -227,15 +224,17 @@ DATABASES = {
     "with_words_of_half": lambda: _with_words(0x7FFFFFFF),
     "with_words_of_nothing": lambda: _with_words(0),
     "with_songs_announced": lambda: database(track_list(_SONG, 0xFFFFFFFE)),
-    "with_lists_announced": lambda: database(track_list(_SONG, 1) + _lists(chunk(b"mhyp", 0x6C, 0x6C, 9), 0xFFFFFFFE)),
-    "with_one_id": lambda: database(track_list(_SONG * 2000, 2000) + _lists(chunk(b"mhyp", 0x6C, 0x6C, 0) + _ENTRY * 2000, 1)),
+    "with_lists_announced": lambda: database(track_list(_SONG, 1) + _lists(_PLAYLIST, 0xFFFFFFFE)),
+    "with_one_id": lambda: database(track_list(_SONG * 2000, 2000) + _lists(_PLAYLIST + _ENTRY * 2000, 1)),
     "of_tiny_songs": lambda: database(track_list(chunk(b"mhit", 16, 16, 0) * 3000, 3000)),
     "of_tiny_lists": lambda: database(track_list(_SONG, 1) + _lists(chunk(b"mhyp", 16, 16, 0) * 3000, 3000)),
-    "of_tiny_texts": lambda: database(track_list(chunk(b"mhit", 0x9C, 0x9C + 48_000, 3000) + chunk(b"mhod", 0, 16, 99) * 3000, 1)),
+    "of_tiny_texts": lambda: database(track_list(chunk(b"mhit", 0x9C, 0x9C + 48_000, 3000) +
+                                                 chunk(b"mhod", 0, 16, 99) * 3000, 1)),
     "of_nested_chunks": lambda: database(b"".join(chunk(b"mhxx", 16, 16 * (3000 - i), 1) for i in range(3000))),
-    "of_strange_chunks": lambda: database(b"".join(chunk(bytes((109, 104, 97 + i // 26, 97 + i % 26)), 16, 16) for i in range(90))),
+    "of_strange_chunks": lambda: database(b"".join(chunk(bytes((109, 104, 97 + i // 26, 97 + i % 26)), 16, 16)
+                                                   for i in range(90))),
     "that_is_big_endian": lambda: library([{"title": "Song", "album": "x", "artist": "x"}], big=True),
-    "with_lists_in_lists": lambda: database(track_list(_SONG, 1) + _lists(_lists(chunk(b"mhyp", 0x6C, 0x6C, 0), 1), 5)),
+    "with_lists_in_lists": lambda: database(track_list(_SONG, 1) + _lists(_lists(_PLAYLIST, 1), 5)),
 }
 
 

@@ -24,7 +24,7 @@ bool liesBelow(const fs::path &file, const fs::path &root) {
   return !error && std::mismatch(top.begin(), top.end(), place.begin(), place.end()).first == top.end();
 }
 
-PlayerError failedBy(int error) { return PlayerError(std::generic_category().message(error)); }
+[[noreturn]] void failBy(int error) { throw PlayerError(std::generic_category().message(error)); }
 
 }  // namespace
 
@@ -39,7 +39,7 @@ fs::path playerFile(const fs::path &folder, const char *name) {
 std::string readPlayerFile(const fs::path &root, const fs::path &file, size_t most) {
   const carbon::Descriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
-  if (descriptor.number() < 0 || fstat(descriptor.number(), &status) != 0) throw failedBy(errno);
+  if (descriptor.number() < 0 || fstat(descriptor.number(), &status) != 0) failBy(errno);
   if (!S_ISREG(status.st_mode)) throw PlayerError("it is no regular file");
   if (!liesBelow(file, root)) throw PlayerError("a symbolic link leads out of the player");
   if (static_cast<uint64_t>(status.st_size) > most)
@@ -47,7 +47,7 @@ std::string readPlayerFile(const fs::path &root, const fs::path &file, size_t mo
   try {
     return readAt(descriptor.number(), 0, static_cast<size_t>(status.st_size));
   } catch (const std::system_error &error) {
-    throw failedBy(error.code().value());
+    failBy(error.code().value());
   }
 }
 

@@ -98,7 +98,7 @@ class Wording {
 
   static std::string verb(const SmartRule &rule, const char *contains, const char *containsNot) {
     const bool isNot = isNegated(rule);
-    const std::string is = isNot ? "is not" : "is";
+    std::string is = isNot ? "is not" : "is";
     const player::SmartField *const field = player::smartField(rule.field);
     const bool isDate = field != nullptr && field->kind == FieldKind::Date;
     switch (comparisonOf(rule)) {

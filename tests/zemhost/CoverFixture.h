@@ -102,8 +102,9 @@ class CoverFixture : public testing::Test {
   uint32_t shown(const std::string &name) const {
     const player::Picture picture = pngIn(destination() / name);
     if (picture.rgb.empty()) return 0;
-    const auto red = static_cast<unsigned char>(picture.rgb[0]);
-    return red >> 3 << 3 | static_cast<uint32_t>(static_cast<unsigned char>(picture.rgb[1])) >> 5;
+    const uint32_t red = static_cast<unsigned char>(picture.rgb[0]);
+    const uint32_t green = static_cast<unsigned char>(picture.rgb[1]);
+    return red >> 3 << 3 | green >> 5;
   }
   std::vector<std::string> names() const {
     std::vector<std::string> names;

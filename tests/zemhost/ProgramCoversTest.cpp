@@ -48,7 +48,8 @@ TEST_F(Covers, OfTheSamplePlayerAreThePicturesThatWereDrawn) {
   EXPECT_EQ(pngIn(destination() / "The Lighthouse Keeper.png"),
             (player::Picture{200, 200, coarse(samples::DrawnCover(7, 200))}));
   // Bars above and below are no part of a picture.
-  const std::string wide = coarse(samples::DrawnCover(6, 200)).substr(3 * 200 * 25, 3 * 200 * 150);
+  constexpr size_t kRow = 3 * 200;
+  const std::string wide = coarse(samples::DrawnCover(6, 200)).substr(kRow * 25, kRow * 150);
   EXPECT_EQ(pngIn(destination() / "Attic Radio Weekly.png"), (player::Picture{200, 150, wide}));
 }
 

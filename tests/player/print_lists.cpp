@@ -9,6 +9,7 @@
 
 #include "platform/carbon/Descriptor.h"
 #include "player/ChunkWalk.h"
+#include "player/DatabaseLocation.h"
 #include "player/Device.h"
 #include "player/PlayerLists.h"
 #include "player/PlayerSongs.h"

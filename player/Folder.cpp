@@ -1,5 +1,6 @@
 #include "player/Folder.h"
 
+#include <algorithm>
 #include <strings.h>
 #include <system_error>
 
@@ -25,6 +26,15 @@ std::optional<fs::path> childNamed(const fs::path &directory, const char *name) 
   }
   if (error) throw PlayerError(directory.string(), error.value());
   return found;
+}
+
+void expectInside(const fs::path &folder, const fs::path &path, const std::string &name) {
+  std::error_code error;
+  const fs::path end = fs::canonical(path, error);
+  if (error) return;
+  const fs::path top = fs::canonical(folder, error);
+  if (!error && std::mismatch(top.begin(), top.end(), end.begin(), end.end()).first != top.end())
+    throw PlayerError(name + ": a symbolic link leads out of the player");
 }
 
 }  // namespace player

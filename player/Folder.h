@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace player {
 
@@ -13,5 +14,10 @@ bool isNamed(const std::filesystem::path &path, const char *name);
 // What a directory calls `name`: exactly so, else without regard to case, else nothing. Throws PlayerError,
 // naming the directory, when it cannot be searched.
 std::optional<std::filesystem::path> childNamed(const std::filesystem::path &directory, const char *name);
+
+// Throws PlayerError, naming it as `name`, when symbolic links lead from a path below a folder out of that
+// folder. A path that cannot be followed to its end leads nowhere, and is left to whoever opens it.
+void expectInside(const std::filesystem::path &folder, const std::filesystem::path &path,
+                  const std::string &name);
 
 }  // namespace player

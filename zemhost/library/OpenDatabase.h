@@ -26,10 +26,6 @@ struct OpenDatabase {
   std::vector<std::string> warnings;  // a line each; none unless openDatabase() has something to say
 };
 
-// Whether the location is one that may be read: a player's database may be reached through symbolic links on
-// the player, and not through others. Throws HostError, naming the file, for such.
-void checkPlace(const player::DatabaseLocation &location);
-
 // Finds the database that the path stands for, declares its player as a mounted volume, and loads it into a
 // new object of the plug-in's class; a compressed one is inflated into a temporary file first, which is gone
 // when this returns. Walks over its chunks, and looks at the files beside it. Throws HostError, naming the

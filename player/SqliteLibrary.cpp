@@ -40,6 +40,15 @@ uint64_t sizeOf(const fs::path &file) {
   return error ? 0 : size;
 }
 
+void expectAllInside(const SqliteFiles &files) {
+  if (files.root.empty()) return;
+  expectInside(files.root, files.library, files.library.string());
+  for (const Member &member : kBesides) {
+    const fs::path &file = files.*member.path;
+    if (!file.empty()) expectInside(files.root, file, file.string());
+  }
+}
+
 }  // namespace
 
 SqliteFiles sqliteFilesBeside(const fs::path &library) {
@@ -54,6 +63,7 @@ SqliteLibrary::SqliteLibrary(const SqliteFiles &files) {
   const TableReport report = [this](const SqliteFile &file, const std::string &table, TableState state) {
     this->report(file, table, state);
   };
+  expectAllInside(files);
   SqliteSongs songs(report, findings_);
   bytes_ = sizeOf(files.library);
   {
@@ -83,7 +93,7 @@ SqliteLibrary::SqliteLibrary(const SqliteFiles &files) {
   songs_ = std::move(songs.songs());
   const auto isCategory = [](const SqliteList &list) { return list.isCategory; };
   categories_ = static_cast<uint64_t>(std::erase_if(lists_, isCategory));
-  joinCounts(files.library);
+  joinCounts(files);
 }
 
 void SqliteLibrary::warn(FindingKind kind, const std::string &line) {
@@ -122,12 +132,13 @@ void SqliteLibrary::readVersion(SqliteFile &file) {
 }
 
 // An entry belongs to the song of its place.
-void SqliteLibrary::joinCounts(const fs::path &library) {
-  const fs::path file = playCountsBeside(library);
+void SqliteLibrary::joinCounts(const SqliteFiles &files) {
+  const fs::path file = playCountsBeside(files.library);
   if (file.empty()) return;
   constexpr uint32_t kSummerTime = 2 * 3600;
   constexpr uint32_t kAnyZone = 14 * 3600;
   try {
+    if (!files.root.empty()) expectInside(files.root, file, file.string());
     std::vector<PlayCount> counts = readPlayCounts(file, songs_.size());
     for (size_t i = 0; i < songs_.size(); ++i) {
       if (songs_[i].place != static_cast<int64_t>(i))

@@ -23,6 +23,7 @@ struct SqliteFiles {
   std::filesystem::path dynamic;
   std::filesystem::path extras;
   std::filesystem::path genius;
+  std::filesystem::path root;  // of the player that holds them; empty when they lie on none
 };
 
 // Those beside a Library.itdb, without regard to case.
@@ -38,7 +39,8 @@ struct SqliteTableCount {
 class SqliteLibrary {
  public:
   // Reads all that is shown, and closes the files again. Throws PlayerError, naming the file, when
-  // Library.itdb cannot be read or has no songs' table; what is wrong with the others is said by warnings().
+  // Library.itdb cannot be read or has no songs' table, and when a symbolic link leads from the player to one
+  // of the five elsewhere; what else is wrong with the others is said by warnings().
   explicit SqliteLibrary(const SqliteFiles &files);
 
   const std::vector<SqliteSong> &songs() const { return songs_; }
@@ -65,7 +67,7 @@ class SqliteLibrary {
   void warn(FindingKind kind, const std::string &line);
   void warnOfAbsentFiles(const SqliteFiles &files);
   void readVersion(SqliteFile &file);
-  void joinCounts(const std::filesystem::path &library);
+  void joinCounts(const SqliteFiles &files);
 
   std::vector<SqliteSong> songs_;
   std::vector<SqliteList> lists_;

@@ -251,6 +251,18 @@ TEST_F(Nano, LinkOutOfThePlayerIsRefused) {
   }
 }
 
+TEST_F(Nano, PlayCountsOutsideThePlayerAreLeftOut) {
+  const fs::path file = nano_ / "iPod_Control/iTunes/Play Counts";
+  fs::rename(file, folder_.path() / "Play Counts");
+  fs::create_symlink(folder_.path() / "Play Counts", file);
+  const Outcome outcome = runZemhost({"songs", nano_, "--columns", "play_count"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "zemhost: " + file.string() +
+                             ": a symbolic link leads out of the player; plays since the "
+                             "last synchronisation are left out\n");
+  EXPECT_EQ(linesOf(outcome.out).at(1), " 0     31");
+}
+
 TEST_F(Nano, SongOutsideThePlayerIsNotTaken) {
   folder_.write("secret.mp3", "secret");
   change("Locations.itdb",

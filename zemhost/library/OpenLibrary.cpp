@@ -10,12 +10,8 @@
 namespace zemhost {
 
 std::shared_ptr<const player::SqliteLibrary> readSqliteLibrary(const player::DatabaseLocation &location) {
-  const player::SqliteFiles files = player::sqliteFilesBeside(location.file);
-  for (const std::filesystem::path &file :
-       {files.library, files.locations, files.dynamic, files.extras, files.genius}) {
-    if (!file.empty() && !location.volumeRoot.empty())
-      player::expectInside(location.volumeRoot, file, file == files.library ? location.name : file.string());
-  }
+  player::SqliteFiles files = player::sqliteFilesBeside(location.file);
+  files.root = location.volumeRoot;
   return std::make_shared<const player::SqliteLibrary>(files);
 }
 

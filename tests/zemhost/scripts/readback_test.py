@@ -81,15 +81,6 @@ def kind_text(bits):
     return ", ".join(names + ([hex(bits)] if bits else [])) or None
 
 
-def covers_of(player):
-    """The list of covers of a player; None of a database by itself."""
-    path = os.path.join(player, "iPod_Control", "Artwork", "ArtworkDB")
-    if not os.path.exists(path):
-        return None
-    with open(path, "rb") as file:
-        return image_model.ImageList(file.read())
-
-
 def add_facts(song, facts, counted):
     """What the player's files say besides the class, and of the class's answers those that the header is long enough
     for."""
@@ -244,7 +235,7 @@ class ReadBack(unittest.TestCase):
             file = File(database)
             songs = expected_songs(path, file)
             facts, entries = song_model.known(database)
-            covers = covers_of(path)
+            covers = image_model.covers_of(path)
             for song, fact, counted in zip(songs, facts, entries or [None] * len(songs), strict=True):
                 add_facts(song, fact, counted)
                 song["has_cover"] = covers and covers.has_cover(fact["image"], fact["persistent_id"], fact["picture"])

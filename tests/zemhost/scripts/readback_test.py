@@ -19,8 +19,7 @@ from database_file import File
 from program import DESKTOP, PLAYER, SHARED, SOURCE, generated, real_files, run
 
 sys.path.append(os.path.join(SOURCE, "tests", "player", "model"))
-import image_model  # noqa: E402
-import song_model  # noqa: E402
+import image_model, song_model  # noqa: E401, E402
 
 with open(os.path.join(SOURCE, "docs", "export-schema.json"), encoding="utf-8") as schema_file:
     SCHEMA = json.load(schema_file)
@@ -234,8 +233,7 @@ class ReadBack(unittest.TestCase):
             database = os.path.join(path, "iPod_Control", "iTunes", "iTunesDB") if path == PLAYER else path
             file = File(database)
             songs = expected_songs(path, file)
-            facts, entries = song_model.known(database)
-            covers = image_model.covers_of(path)
+            (facts, entries), covers = song_model.known(database), image_model.covers_of(path)
             for song, fact, counted in zip(songs, facts, entries or [None] * len(songs), strict=True):
                 add_facts(song, fact, counted)
                 song["has_cover"] = covers and covers.has_cover(fact["image"], fact["persistent_id"], fact["picture"])

@@ -2,6 +2,7 @@
 big tables, and no concern for speed."""
 
 import math
+import os
 import struct
 
 # Number, width, height and form of a picture; bytes of a row and of a slot where they are not those of the pixels.
@@ -245,3 +246,12 @@ class ImageList:
             if (number == image) if image else (persistent_id and song == persistent_id):
                 return bool(pictures)
         return False
+
+
+def covers_of(player):
+    """The list of covers of a player; None of a database by itself."""
+    path = os.path.join(player, "iPod_Control", "Artwork", "ArtworkDB")
+    if not os.path.exists(path):
+        return None
+    with open(path, "rb") as file:
+        return ImageList(file.read())

@@ -20,8 +20,7 @@ from exported_lists import chapters_of, expected_playlists, unsigned
 from program import DESKTOP, PLAYER, SHARED, SOURCE, generated, real_files, run
 
 sys.path.append(os.path.join(SOURCE, "tests", "player", "model"))
-import image_model  # noqa: E402
-import song_model  # noqa: E402
+import image_model, song_model  # noqa: E401, E402
 
 with open(os.path.join(SOURCE, "docs", "export-schema.json"), encoding="utf-8") as schema_file:
     SCHEMA = json.load(schema_file)
@@ -77,15 +76,6 @@ def kind_text(bits):
         names.append("book")
     bits &= ~0xC00000
     return ", ".join(names + ([hex(bits)] if bits else [])) or None
-
-
-def covers_of(player):
-    """The list of covers of a player; None of a database by itself."""
-    path = os.path.join(player, "iPod_Control", "Artwork", "ArtworkDB")
-    if not os.path.exists(path):
-        return None
-    with open(path, "rb") as file:
-        return image_model.ImageList(file.read())
 
 
 def add_facts(song, facts, counted):
@@ -222,8 +212,7 @@ class ReadBack(unittest.TestCase):
             database = os.path.join(path, "iPod_Control", "iTunes", "iTunesDB") if path == PLAYER else path
             file = File(database)
             songs = expected_songs(path, file)
-            facts, entries = song_model.known(database)
-            covers = covers_of(path)
+            (facts, entries), covers = song_model.known(database), image_model.covers_of(path)
             for song, fact, counted in zip(songs, facts, entries or [None] * len(songs), strict=True):
                 add_facts(song, fact, counted)
                 song["has_cover"] = covers and covers.has_cover(fact["image"], fact["persistent_id"], fact["picture"])

@@ -1,6 +1,7 @@
 #include "player/Folder.h"
 
 #include <algorithm>
+#include <new>
 #include <strings.h>
 #include <system_error>
 
@@ -24,6 +25,7 @@ std::optional<fs::path> childNamed(const fs::path &directory, const char *name) 
     // Of several the first by name, so that the answer does not depend on the order of the directory.
     if (isNamed(entry->path(), name) && (!found || entry->path() < *found)) found = entry->path();
   }
+  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
   if (error) throw PlayerError(directory.string(), error.value());
   return found;
 }

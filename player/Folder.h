@@ -12,7 +12,7 @@ namespace player {
 bool isNamed(const std::filesystem::path &path, const char *name);
 
 // What a directory calls `name`: exactly so, else without regard to case, else nothing. Throws PlayerError,
-// naming the directory, when it cannot be searched.
+// naming the directory, when it cannot be searched, and std::bad_alloc without memory.
 std::optional<std::filesystem::path> childNamed(const std::filesystem::path &directory, const char *name);
 
 // Throws PlayerError, naming it as `name`, when symbolic links lead from a path below a folder out of that

@@ -9,7 +9,7 @@ constexpr const char *kDatabaseFolder = "iTunes";             // in the control 
 constexpr const char *kMusicFolder = "Music";                 // likewise
 constexpr const char *kDatabaseFile = "iTunesDB";             // in the database folder
 constexpr const char *kCompressedFile = "iTunesCDB";          // likewise
-constexpr const char *kShuffleFile = "iTunesSD";               // likewise; the songs of a shuffle
+constexpr const char *kShuffleFile = "iTunesSD";              // likewise; the songs of a shuffle
 constexpr const char *kSqliteFolder = "iTunes Library.itlp";  // likewise, on the newest nanos
 constexpr const char *kSqliteFile = "Library.itdb";           // in that folder
 

@@ -23,8 +23,6 @@ struct SqliteSong {
   std::vector<std::string> lossyTexts;  // those that are not valid UTF-8: "title"
   SongFacts facts;                      // but for `id`, which these players have not
   std::optional<uint32_t> sampleRate;   // hertz
-  std::optional<bool> hasCover;
-  std::optional<uint32_t> imageId;  // of the cover, in ArtworkDB
 };
 
 enum class SqliteListKind { Library, Ordinary, Smart, Folder };

@@ -181,8 +181,8 @@ std::span<const SqliteColumn<SqliteItem>> itemColumns() {
       {"date_modified", [](I &i, V &v) { i.song.facts.modified = sqliteDate(v); }},
       {"date_released", [](I &i, V &v) { i.song.facts.released = sqliteDate(v); }},
       {"relative_volume", [](I &i, V &v) { i.song.facts.volume = within<int32_t>(v, -255, 255); }},
-      {"artwork_status", [](I &i, V &v) { i.song.hasCover = mark(v, 1, 2); }},
-      {"artwork_cache_id", [](I &i, V &v) { i.song.imageId = v.numberUnlessZero(); }}};
+      {"artwork_status", [](I &i, V &v) { i.song.facts.picture = mark(v, 1, 2); }},
+      {"artwork_cache_id", [](I &i, V &v) { i.song.facts.image = v.numberUnlessZero(); }}};
   return kColumns;
 }
 

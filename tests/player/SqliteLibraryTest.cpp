@@ -80,7 +80,7 @@ TEST_F(SqliteLibraryTest, SongHasWhatEachOfTheFilesSaysOfIt) {
   EXPECT_EQ(song.facts.disc, std::nullopt);
   EXPECT_EQ(song.facts.channels, std::nullopt);
   EXPECT_EQ(song.sampleRate, 44100U);
-  EXPECT_EQ(song.hasCover, false);
+  EXPECT_EQ(song.facts.picture, false);
   const SqliteSong &episode = songNamed(library, "Episode 12: Tape Hiss");
   EXPECT_EQ(textOf(episode, 16), "http://attic-radio.example/feed.xml");
   EXPECT_EQ(episode.facts.gapless, false);

@@ -38,9 +38,7 @@ Json jsonOfSong(const player::SqliteSong &song) {
                {"lossy", song.lossyTexts},
                {"recent_plays", player::jsonOf(song.facts.recentPlays)},
                {"recent_skips", player::jsonOf(song.facts.recentSkips)},
-               {"sample_rate", player::jsonOf(song.sampleRate)},
-               {"has_cover", player::jsonOf(song.hasCover)},
-               {"image_id", player::jsonOf(song.imageId)}});
+               {"sample_rate", player::jsonOf(song.sampleRate)}});
   json["texts"] = Json::array();
   for (const player::SongText &text : song.texts) json["texts"].push_back({text.type, text.text});
   return json;

@@ -9,9 +9,11 @@
 #include "zemhost/ExitStatus.h"
 #include "zemhost/check/CheckReport.h"
 #include "zemhost/commands/Commands.h"
+#include "zemhost/files/OutOfMemory.h"
 #include "zemhost/library/OpenDatabase.h"
 #include "zemhost/library/OpenLibrary.h"
 #include "zemhost/library/SqliteSource.h"
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 
@@ -72,8 +74,8 @@ uint64_t rowsOf(const player::SqliteLibrary &library, std::string_view table) {
 CheckReport checkSqlite(const player::DatabaseLocation &location) {
   const auto files = readSqliteLibrary(location);
   const MusicLibrary library(Host::load(), std::make_shared<const SqliteSource>(location, files));
-  CheckReport report{
-      location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {}, {}, files->findings()};
+  CheckReport report{location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {},
+                     {},       files->findings()};
   report.file.version = files->version();
   report.file.size = files->bytes();
   uint64_t entries = 0;
@@ -97,6 +99,7 @@ void checkDevice(const std::filesystem::path &root, player::Findings &findings) 
 }  // namespace
 
 int checkDatabase(const CheckArguments &arguments) {
+  setMemorySubject(safeText(arguments.path));
   const player::DatabaseLocation location = player::locateDatabase(arguments.path);
   CheckReport report =
       location.isSqlite() ? checkSqlite(location) : checkLoaded(loadDatabase(Host::load(), arguments.path));

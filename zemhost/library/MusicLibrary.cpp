@@ -20,7 +20,10 @@ std::shared_ptr<const Covers> coversOf(const LibrarySource &source, SongFiles &f
 }  // namespace
 
 MusicLibrary::MusicLibrary(Host host, std::shared_ptr<const LibrarySource> source)
-    : host_(std::move(host)), source_(std::move(source)), files_(filesOf(*source_)), covers_(coversOf(*source_, *files_)) {}
+    : host_(std::move(host)),
+      source_(std::move(source)),
+      files_(filesOf(*source_)),
+      covers_(coversOf(*source_, *files_)) {}
 
 MusicLibrary::MusicLibrary(OpenDatabase database)
     : host_(database.host),

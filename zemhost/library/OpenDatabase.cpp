@@ -44,14 +44,6 @@ std::string shellWord(const std::string &text) {
   return word + "'";
 }
 
-// A player's database may be reached through symbolic links on the player, and not through others.
-void checkPlace(const player::DatabaseLocation &location) {
-  const carbon::Descriptor root(open(location.volumeRoot.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  const std::string below = location.file.lexically_relative(location.volumeRoot).string();
-  if (openBeneath(root.number(), below, O_PATH) || errno != EXDEV) return;
-  throw HostError(location.name + ": a symbolic link leads out of the player");
-}
-
 void load(const Object &object, const std::string &name, const std::filesystem::path &file) {
   const FolderItem item = itemOf(file);
   if (!item) {

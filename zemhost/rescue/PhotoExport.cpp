@@ -54,7 +54,7 @@ player::DatabaseLocation locationOf(const fs::path &named) {
 class PhotoExport {
  public:
   PhotoExport(const player::DatabaseLocation &location, const fs::path &destination)
-      : files_(location, 1),
+      : files_(location, false),
         list_(files_, kPhotoList, kThumbnailFolder),
         writer_(destination, location.volumeRoot) {
     if (!list_.isThere())

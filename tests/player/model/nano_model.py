@@ -113,8 +113,8 @@ ITEM = {
     "gapless_album": ("part_of_gapless_album", flag),
     "explicit": ("content_rating", lambda value: {1: True, 2: False}.get(whole(value))),
     "lyrics": ("has_lyrics", flag), "modified": ("date_modified", date), "released": ("date_released", date),
-    "volume": ("relative_volume", within(-255, 255)), "image_id": ("artwork_cache_id", nonzero),
-    "has_cover": ("artwork_status", lambda value: {1: True, 2: False}.get(whole(value))),
+    "volume": ("relative_volume", within(-255, 255)), "image": ("artwork_cache_id", nonzero),
+    "picture": ("artwork_status", lambda value: {1: True, 2: False}.get(whole(value))),
     "place": ("physical_order", whole),
 }
 ITEM_TEXTS = {7: "eq_preset", 8: "comment", 13: "grouping", 22: "album_artist", 23: "sort_artist", 27: "sort_title",

@@ -24,27 +24,28 @@ constexpr uint64_t kTextOfAnyFile = 1U << 20;
 // What SQLite may take for the schema and for pages.
 constexpr int64_t kLargestHeap = 64 << 20;
 
-struct Limit {
+struct LibraryLimit {
   int id;
   int value;
 };
-constexpr Limit kLimits[] = {{SQLITE_LIMIT_LENGTH, 1 << 20},    {SQLITE_LIMIT_SQL_LENGTH, 32 << 10},
-                             {SQLITE_LIMIT_COLUMN, 250},        {SQLITE_LIMIT_EXPR_DEPTH, 20},
-                             {SQLITE_LIMIT_COMPOUND_SELECT, 2}, {SQLITE_LIMIT_VDBE_OP, 10'000},
-                             {SQLITE_LIMIT_FUNCTION_ARG, 8},    {SQLITE_LIMIT_ATTACHED, 0},
-                             {SQLITE_LIMIT_TRIGGER_DEPTH, 1},   {SQLITE_LIMIT_VARIABLE_NUMBER, 8},
-                             {SQLITE_LIMIT_WORKER_THREADS, 0},  {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 64}};
+constexpr LibraryLimit kLimits[] = {
+    {SQLITE_LIMIT_LENGTH, 1 << 20},    {SQLITE_LIMIT_SQL_LENGTH, 32 << 10},
+    {SQLITE_LIMIT_COLUMN, 250},        {SQLITE_LIMIT_EXPR_DEPTH, 20},
+    {SQLITE_LIMIT_COMPOUND_SELECT, 2}, {SQLITE_LIMIT_VDBE_OP, 10'000},
+    {SQLITE_LIMIT_FUNCTION_ARG, 8},    {SQLITE_LIMIT_ATTACHED, 0},
+    {SQLITE_LIMIT_TRIGGER_DEPTH, 1},   {SQLITE_LIMIT_VARIABLE_NUMBER, 8},
+    {SQLITE_LIMIT_WORKER_THREADS, 0},  {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 64}};
 
 struct Setting {
   int id;
   int value;
 };
-constexpr Setting kSettings[] = {{SQLITE_DBCONFIG_DEFENSIVE, 1},
-                                 {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
-                                 {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
-                                 {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
-                                 {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
-                                 {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0}};
+constexpr Setting kLibrarySettings[] = {{SQLITE_DBCONFIG_DEFENSIVE, 1},
+                                        {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+                                        {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
+                                        {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+                                        {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
+                                        {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0}};
 
 // A path in which nothing has a meaning of its own. Immutable: no lock, no journal, no file beside it.
 std::string uriOf(const std::filesystem::path &file) {
@@ -200,8 +201,9 @@ SqliteFile::~SqliteFile() {
 }
 
 void SqliteFile::protect() const {
-  for (const Setting &setting : kSettings) sqlite3_db_config(handle_, setting.id, setting.value, nullptr);
-  for (const Limit &limit : kLimits) sqlite3_limit(handle_, limit.id, limit.value);
+  for (const Setting &setting : kLibrarySettings)
+    sqlite3_db_config(handle_, setting.id, setting.value, nullptr);
+  for (const LibraryLimit &limit : kLimits) sqlite3_limit(handle_, limit.id, limit.value);
   sqlite3_drop_modules(handle_, nullptr);  // a table of these would run code over the file's bytes
   sqlite3_exec(handle_, "PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY; PRAGMA mmap_size = 0",
                nullptr, nullptr, nullptr);

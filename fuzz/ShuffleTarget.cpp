@@ -13,9 +13,10 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Require(found->songs.size() <= found->declaredSongs, "more songs than announced");
     Require(found->isCutShort == (found->songs.size() < found->declaredSongs), "songs are missing unsaid");
     Require(found->songs.size() * 0x118 <= size, "more songs than the file has room for");
-    for (const player::ShuffleSong &song : found->songs)
+    for (const player::ShuffleSong &song : found->songs) {
       Require(song.path.size() <= size_t{261} * 3 && song.path.find('\0') == std::string::npos,
               "a path is too long");
+    }
   }
   if (const auto counts = player::readShuffleCounts(bytes))
     Require(counts->size() * 18 <= size, "more counts than the file holds");

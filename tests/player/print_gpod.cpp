@@ -68,7 +68,7 @@ Json libraryOf(const char *mountPoint) {
   GError *error = nullptr;
   Itdb_iTunesDB *library = itdb_parse(mountPoint, &error);
   if (library == nullptr) {
-    const Json failed = {{"error", error == nullptr ? "" : error->message}};
+    Json failed = {{"error", error == nullptr ? "" : error->message}};
     g_clear_error(&error);
     return failed;
   }

@@ -48,7 +48,7 @@ TEST_F(Covers, OfTheSamplePlayerAreThePicturesThatWereDrawn) {
   EXPECT_EQ(pngIn(destination() / "The Lighthouse Keeper.png"),
             (player::Picture{200, 200, coarse(samples::DrawnCover(7, 200))}));
   // Bars above and below are no part of a picture.
-  constexpr size_t kRow = 3 * 200;
+  constexpr size_t kRow = size_t{3} * 200;
   const std::string wide = coarse(samples::DrawnCover(6, 200)).substr(kRow * 25, kRow * 150);
   EXPECT_EQ(pngIn(destination() / "Attic Radio Weekly.png"), (player::Picture{200, 150, wide}));
 }

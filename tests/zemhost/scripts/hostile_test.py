@@ -108,7 +108,7 @@ class HostilePlayers(unittest.TestCase):
         self.expect("does not end within 1 seconds", "[ $1 != call ] || exec sleep 30", options=("--seconds", "1"))
 
     def test_commands_that_are_not_run_are_reported(self):
-        self.expect("no run of the command covers is planned", "", commands=(*COMMANDS, "covers"))
+        self.expect("no run of the command polish is planned", "", commands=(*COMMANDS, "polish"))
         self.expect("the program has no command songs", "", commands=[name for name in COMMANDS if name != "songs"])
 
     def grow(self, fault):

@@ -10,6 +10,7 @@
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
 #include "fuzz/Target.h"
+#include "player/Chunk.h"
 #include "player/ChunkWalk.h"
 
 namespace {
@@ -25,7 +26,7 @@ void CountsEveryByteOnce(const player::FileAccount &account, uint64_t size) {
   }
   Require(account.size == size, "another size");
   Require(sum == size, "bytes counted twice or not at all");
-  Require(chunks <= size / 16, "more chunks than there is room for");
+  Require(chunks <= size / player::kListHeader, "more chunks than there is room for");
   Require(account.tracks <= chunks && account.playlists <= chunks && account.entries <= chunks,
           "more records than chunks");
 }

@@ -42,7 +42,8 @@ TEST(Table, ColumnsAreAlignedWithNoBlanksAtTheEndOfALine) {
             "10  Short                                   12:00\n");
   Table table({{"A"}, {"B"}});
   table.addRow({"x", ""});
-  EXPECT_EQ(written(table), "A  B\nx\n");
+  table.addRow({"y", "z  "});
+  EXPECT_EQ(written(table), "A  B\nx\ny  z\n");
 }
 
 TEST(Table, WideAndCombiningTextKeepsTheColumnsInLine) {

@@ -106,7 +106,9 @@ std::string Table::rowText(const std::vector<std::string> &cells, const std::vec
     }
     if (!right) blanks += padding;
   }
-  return width ? cutToWidth(line, *width) : line;
+  if (width) line = cutToWidth(line, *width);
+  line.erase(line.find_last_not_of(' ') + 1);  // those of a text, which nobody sees
+  return line;
 }
 
 }  // namespace zemhost

@@ -2,17 +2,16 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <expat.h>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+
+#include "player/PropertyXml.h"
 
 namespace player {
 
 namespace {
 
-constexpr size_t kDeepest = 64;
 constexpr size_t kMostFormats = 256;
 constexpr size_t kLongestText = 256;  // of a key or value that says something here
 constexpr uint32_t kWidest = 0xFFFF;  // pixels
@@ -33,28 +32,9 @@ uint32_t numberIn(const std::string &text) {
   return number > kWidest ? 0 : static_cast<uint32_t>(number);
 }
 
-class FormatReader {
+class FormatReader : public PropertyXml {
  public:
-  FormatReader() : parser_(XML_ParserCreate(nullptr), &XML_ParserFree) {
-    if (!parser_) throw std::bad_alloc();
-    XML_SetUserData(parser_.get(), this);
-    XML_SetElementHandler(
-        parser_.get(), [](void *self, const XML_Char *name, const XML_Char **) { of(self).begin(name); },
-        [](void *self, const XML_Char *name) { of(self).end(name); });
-    XML_SetCharacterDataHandler(parser_.get(), [](void *self, const XML_Char *text, int length) {
-      of(self).add({text, static_cast<size_t>(length)});
-    });
-    // No property list needs one, and one could stand for more text than any memory holds. Those of other
-    // files are never read.
-    XML_SetEntityDeclHandler(parser_.get(),
-                             [](void *self, const XML_Char *, int, const XML_Char *, int, const XML_Char *,
-                                const XML_Char *, const XML_Char *, const XML_Char *) { of(self).stop(); });
-  }
-
-  std::vector<PictureFormat> read(std::string_view xml) {
-    XML_Parse(parser_.get(), xml.data(), static_cast<int>(xml.size()), XML_TRUE);
-    return std::move(formats_);
-  }
+  std::vector<PictureFormat> takeFormats() { return std::move(formats_); }
 
  private:
   // A dictionary that has begun.
@@ -66,13 +46,8 @@ class FormatReader {
     uint32_t alignment = 0;
   };
 
-  static FormatReader &of(void *self) { return *static_cast<FormatReader *>(self); }
-
-  void stop() { XML_StopParser(parser_.get(), XML_FALSE); }
-
-  void begin(std::string_view name) {
+  void begin(std::string_view name) override {
     text_.clear();
-    if (++depth_ > kDeepest) return stop();
     if (name != "dict") return;
     Dictionary dictionary;
     if (!open_.empty()) {
@@ -83,12 +58,11 @@ class FormatReader {
     open_.push_back(std::move(dictionary));
   }
 
-  void add(std::string_view text) {
+  void add(std::string_view text) override {
     if (text_.size() < kLongestText) text_.append(text.substr(0, kLongestText - text_.size()));
   }
 
-  void end(std::string_view name) {
-    --depth_;
+  void end(std::string_view name) override {
     if (open_.empty()) return;
     if (name == "key") {
       open_.back().key = std::exchange(text_, {});
@@ -122,9 +96,7 @@ class FormatReader {
     if (format.number != 0 && pixelBytes(format) != 0) formats_.push_back(format);
   }
 
-  std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
   std::vector<Dictionary> open_;
-  size_t depth_ = 0;
   std::string text_;  // of the element at hand
   std::vector<PictureFormat> formats_;
 };
@@ -132,7 +104,10 @@ class FormatReader {
 }  // namespace
 
 std::vector<PictureFormat> statedFormats(std::string_view xml) {
-  return xml.size() > kMostStatedBytes ? std::vector<PictureFormat>() : FormatReader().read(xml);
+  if (xml.size() > kMostStatedBytes) return {};
+  FormatReader reader;
+  reader.read(xml);
+  return reader.takeFormats();
 }
 
 }  // namespace player

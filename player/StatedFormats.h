@@ -10,9 +10,8 @@
 namespace player {
 
 // The formats that stand under "AlbumArt" and "ImageSpecifications" of a property list in XML, in its order.
-// Those whose pixels are of no known form are left out. Entities that the file declares, elements deeper than
-// any property list has them and broken XML end the reading: what stands before counts. Never throws for what
-// the file holds.
+// Those whose pixels are of no known form are left out. What ends the reading is in PropertyXml.h; what
+// stands before counts.
 std::vector<PictureFormat> statedFormats(std::string_view xml);
 
 // A file of more bytes states none.

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "player/SmartEvaluation.h"
+#include "tests/support/SmartRuleMakers.h"
 
 namespace player {
 namespace {
@@ -23,29 +24,6 @@ std::string lowered(std::string_view text) {
   std::transform(lower.begin(), lower.end(), lower.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return lower;
-}
-
-SmartRules with(std::vector<SmartRule> rules, bool isAny = false) {
-  SmartRules all;
-  all.groups = {{isAny, false, std::move(rules)}};
-  return all;
-}
-
-SmartRule number(uint32_t field, uint32_t action, uint64_t from, uint64_t to = 0) {
-  SmartRule rule;
-  rule.field = field;
-  rule.action = action;
-  rule.from = {from, 0, 1};
-  rule.to = {to, 0, 1};
-  return rule;
-}
-
-SmartRule text(uint32_t field, uint32_t action, std::string wanted) {
-  SmartRule rule;
-  rule.field = field;
-  rule.action = action | kTextAction;
-  rule.text = std::move(wanted);
-  return rule;
 }
 
 class SmartEvaluationTest : public testing::Test {

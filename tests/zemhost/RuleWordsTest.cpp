@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "player/SmartRules.h"
+#include "tests/support/SmartRuleMakers.h"
 #include "zemhost/library/PlaylistWords.h"
 #include "zemhost/library/SmartLists.h"
 
@@ -12,29 +12,6 @@ namespace zemhost {
 namespace {
 
 using namespace player;
-
-SmartRule number(uint32_t field, uint32_t action, uint64_t from, uint64_t to = 0) {
-  SmartRule rule;
-  rule.field = field;
-  rule.action = action;
-  rule.from = {from, 0, 1};
-  rule.to = {to, 0, 1};
-  return rule;
-}
-
-SmartRule text(uint32_t field, uint32_t action, std::string wanted) {
-  SmartRule rule;
-  rule.field = field;
-  rule.action = action | kTextAction;
-  rule.text = std::move(wanted);
-  return rule;
-}
-
-SmartRules with(std::vector<SmartRule> rules, bool isAny = false) {
-  SmartRules all;
-  all.groups = {{isAny, false, std::move(rules)}};
-  return all;
-}
 
 std::string wordsOf(const SmartRules &rules) {
   return rulesText(rules,

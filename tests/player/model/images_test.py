@@ -18,7 +18,7 @@ RANDOM_LISTS = 500
 
 
 def ask(lines):
-    done = subprocess.run([os.environ["PRINT_IMAGES"]], input="\n".join(lines).encode(), stdout=subprocess.PIPE,
+    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_images")], input="\n".join(lines).encode(), stdout=subprocess.PIPE,
                           check=True)
     return [json.loads(line) for line in done.stdout.splitlines()]
 

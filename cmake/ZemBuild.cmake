@@ -7,8 +7,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-# Most of the time of each source goes into the headers that its neighbours include too.
-set(CMAKE_UNITY_BUILD ${ZEM_TOGETHER})
+# Most of the time of each source goes into the headers that its neighbours include too, so the sources of a target are
+# compiled in groups. That no source leans on what another of its group includes is for tools/check-includes to find.
+set(CMAKE_UNITY_BUILD ON)
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
 # Libraries are looked for from where a program lies, never from the folder in which it is started.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
@@ -16,6 +17,9 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 add_library(zem_options INTERFACE)
 target_compile_options(zem_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 target_include_directories(zem_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(zem_options INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>)
+# A source of a group counts as a header, in which a type of an unnamed namespace would be another in each source.
+target_compile_options(zem_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 # Files, inode numbers and directory entries of large disks, on 32-bit machines too.
 target_compile_definitions(zem_options INTERFACE _FILE_OFFSET_BITS=64)
 
@@ -44,28 +48,9 @@ function(zem_add_test name)
   target_compile_options(${name} PRIVATE -O0)
   set_target_properties(${name} PROPERTIES ZEM_UNOPTIMISED ON)
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
-  zem_read_googletest_once(${name})
   zem_tests_need(${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
   gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
-endfunction()
-
-# Where sources are compiled one by one, GoogleTest's headers are read once for all of them. They belong to a program that
-# does nothing, since the compiler takes them only where all options and definitions of the owner are the user's too.
-function(zem_read_googletest_once test)
-  if(ZEM_TOGETHER)
-    return()
-  endif()
-  if(NOT TARGET zem_googletest)
-    file(WRITE ${PROJECT_BINARY_DIR}/googletest.cpp "int main() {}\n")
-    add_executable(zem_googletest EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/googletest.cpp)
-    target_compile_options(zem_googletest PRIVATE -O0 -fpch-preprocess)
-    set_target_properties(zem_googletest PROPERTIES ZEM_UNOPTIMISED ON)
-    target_link_libraries(zem_googletest PRIVATE zem_options GTest::gmock)
-    target_precompile_headers(zem_googletest PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-  endif()
-  target_precompile_headers(${test} REUSE_FROM zem_googletest)
-  target_compile_options(${test} PRIVATE -fpch-preprocess)  # ccache asks for it
 endfunction()
 
 # Once for all folders of tests: GTest::gmock_main and its like.

@@ -55,7 +55,7 @@ void IsReadAgain(const CallText &call) {
   }
 }
 
-void IsExplained(std::string_view text, const ParseError &error) {
+void IsWrongCallExplained(std::string_view text, const ParseError &error) {
   Require(error.position <= text.size(), "a fault behind the end");
   const std::string line = explain("call", text, error);
   Require(!error.message.empty() && line.find('\n') == std::string::npos, "no single line: " + line);
@@ -63,13 +63,12 @@ void IsExplained(std::string_view text, const ParseError &error) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(call_text) {
   const std::string_view text(reinterpret_cast<const char *>(data), size);
   const Parsed<CallText> parsed = parseCallText(text);
   if (const auto *error = std::get_if<ParseError>(&parsed)) {
-    IsExplained(text, *error);
+    IsWrongCallExplained(text, *error);
   } else {
     IsReadAgain(std::get<CallText>(parsed));
   }
-  return 0;
 }

@@ -87,13 +87,12 @@ void TryPlainDatabase(uint8_t options, std::string_view plain) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size == 0) return 0;
+FUZZ_TARGET(compressed) {
+  if (size == 0) return;
   const std::string_view bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
   if (data[0] % 2 == 0) {
     TryAnyFile(bytes);
   } else {
     TryPlainDatabase(data[0], bytes);
   }
-  return 0;
 }

@@ -164,10 +164,9 @@ void TryPlugin(uint8_t options, const std::string &file) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size == 0) return 0;
+FUZZ_TARGET(database) {
+  if (size == 0) return;
   const std::string file(reinterpret_cast<const char *>(data) + 1, size - 1);
   TryLoader(data[0], file);
   TryPlugin(data[0], file);
-  return 0;
 }

@@ -36,7 +36,7 @@ void IsExplained(std::string_view text, const ParseError &error) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(declaration) {
   const std::string_view text(reinterpret_cast<const char *>(data), size);
   const Parsed<Declaration> parsed = parseDeclaration(text);
   if (const auto *error = std::get_if<ParseError>(&parsed)) {
@@ -44,5 +44,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   } else {
     IsWrittenAndReadAgain(std::get<Declaration>(parsed));
   }
-  return 0;
 }

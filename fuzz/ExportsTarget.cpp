@@ -283,9 +283,8 @@ class Player {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(exports) {
   static Player player;
-  if (size == 0) return 0;
+  if (size == 0) return;
   player.Try(data[0], {reinterpret_cast<const char *>(data) + 1, size - 1});
-  return 0;
 }

@@ -59,9 +59,9 @@ void ReadsOnlyTheObject(const std::string &object, const fsbbStruct &fsbb) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(location) {
   constexpr size_t kBeforeObject = 8;
-  if (size < kBeforeObject) return 0;
+  if (size < kBeforeObject) return;
   const std::string rest(reinterpret_cast<const char *>(data) + kBeforeObject, size - kBeforeObject);
   samples::ChunkWriter out(samples::Variant::BigEndian);
   const size_t at = out.Begin(samples::Kind::Object, kChunkHeaderSize, kLocation);
@@ -75,5 +75,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (out.Size() < kText) out.AppendBytes(std::string(kText - out.Size(), '\0'));
   ReadsAsTheModel(FileWith(out.Bytes()));
   ReadsOnlyTheObject(out.Bytes(), fsbb);
-  return 0;
 }

@@ -34,15 +34,15 @@ std::vector<std::u32string> Lines(const std::string &text) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size < 4) return 0;
+FUZZ_TARGET(m3u) {
+  if (size < 4) return;
   const uint32_t duration =
       uint32_t{data[0]} << 24 | uint32_t{data[1]} << 16 | uint32_t{data[2]} << 8 | uint32_t{data[3]};
   std::vector<std::string> parts = fuzz::PartsOf({reinterpret_cast<const char *>(data) + 4, size - 4});
   parts.resize(3);
   // Texts of a library are valid by the time they come here; those that are empty have no line.
   for (std::string &part : parts) part = zemhost::composedText(part);
-  if (parts[2].empty()) return 0;
+  if (parts[2].empty()) return;
   const std::string list =
       zemhost::m3uHeading() + zemhost::m3uEntry({duration, parts[0], parts[1], parts[2]});
   const std::vector<std::u32string> lines = Lines(list);
@@ -60,5 +60,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Require(!path.empty() && path[0] != '#' && path[0] != ' ', "a path that reads as something else");
   Require(std::none_of(path.begin(), path.end(), [](char32_t c) { return c < ' ' || c == 0x7F; }),
           "a control character in a path");
-  return 0;
 }

@@ -22,7 +22,7 @@ namespace {
 using fuzz::Require;
 using namespace zemhost;
 
-constexpr size_t kLongest = 255;
+constexpr size_t kLongestName = 255;
 
 // The names that stand for devices elsewhere, whatever follows their first dot or blank.
 bool IsDevice(std::string_view name) {
@@ -38,7 +38,7 @@ bool IsDevice(std::string_view name) {
 }
 
 void IsSafe(const std::string &name) {
-  Require(!name.empty() && name.size() <= kLongest, "a name of a length that no file has: " + name);
+  Require(!name.empty() && name.size() <= kLongestName, "a name of a length that no file has: " + name);
   Require(name.front() != '.' && name.front() != ' ', "hidden, or begins with a blank: " + name);
   Require(name.back() != '.' && name.back() != ' ', "ends with a dot or a blank: " + name);
   for (const char32_t c : fuzz::CodePoints(name)) {
@@ -51,7 +51,7 @@ void IsSafe(const std::string &name) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(names) {
   std::vector<std::string> parts = fuzz::PartsOf({reinterpret_cast<const char *>(data), size});
   parts.resize(8);
   Song song;
@@ -73,5 +73,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   } catch (const HostError &error) {
     Require(std::string_view(error.what()).starts_with("the pattern "), "a message about something else");
   }
-  return 0;
 }

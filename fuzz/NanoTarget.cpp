@@ -108,11 +108,10 @@ class Nano {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(nano) {
   static const bool isInMemory = fs::is_directory("/dev/shm") && setenv("TMPDIR", "/dev/shm", 0) == 0;
   static Nano nano;
   (void)isInMemory;
-  if (size == 0) return 0;
+  if (size == 0) return;
   nano.Try(data[0], {reinterpret_cast<const char *>(data) + 1, size - 1});
-  return 0;
 }

@@ -32,9 +32,9 @@ OSErr MakeSpec(int16_t volume, int32_t directory, std::string_view path, FSSpec 
   return FSMakeFSSpec(volume, directory, name.data(), &spec);
 }
 
-class Volume {
+class CheckedVolume {
  public:
-  Volume() {
+  CheckedVolume() {
     for (const char *file : {"iPod_Control/Music/F00/A.mp3", "iPod_Control/iTunes/iTunesDB", "a:b",
                              "caf\xC3\xA9", "CAF\xC3\x89/x", "\xE3\x81\x82/\xE3\x81\x84.m4a", "\xFF\xFE raw",
                              "d/d/d/d/d/d/file", ". .", "...", "e/.hidden"}) {
@@ -129,12 +129,11 @@ class Volume {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  static Volume volume;
+FUZZ_TARGET(paths) {
+  static CheckedVolume volume;
   static unsigned tries = 0;
-  if (size == 0) return 0;
+  if (size == 0) return;
   volume.Try(data[0], {reinterpret_cast<const char *>(data) + 1, std::min<size_t>(size - 1, 255)});
   // Looking at the whole volume takes longer than many paths.
   if (tries++ % 64 == 0) volume.HasNotChanged();
-  return 0;
 }

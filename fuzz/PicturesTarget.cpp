@@ -80,8 +80,8 @@ void ReadFormats(std::string_view xml) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size == 0) return 0;
+FUZZ_TARGET(pictures) {
+  if (size == 0) return;
   const std::string_view bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
   switch (data[0]) {
     case 0:
@@ -96,5 +96,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     default:
       break;
   }
-  return 0;
 }

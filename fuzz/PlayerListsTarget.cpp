@@ -78,7 +78,7 @@ void ReadRules(std::string_view bytes) {
   CheckRules(player::readDesktopRules(settings, criteria), criteria.size());
 }
 
-void ReadDatabase(std::string_view bytes) {
+void ReadPlaylists(std::string_view bytes) {
   const carbon::Descriptor file(memfd_create("input", MFD_CLOEXEC));
   Require(file.number() >= 0, "no file in memory");
   player::writeAll(file.number(), bytes);
@@ -119,12 +119,12 @@ void ReadDevice(std::string_view bytes) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size == 0) return 0;
+FUZZ_TARGET(player_lists) {
+  if (size == 0) return;
   const std::string_view bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
   switch (data[0] % 5) {
     case 0:
-      ReadDatabase(bytes);
+      ReadPlaylists(bytes);
       break;
     case 1:
       ReadRules(bytes);
@@ -138,5 +138,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     default:
       Require(player::readChapters(bytes).size() <= bytes.size() / 20, "more chapters than the bytes hold");
   }
-  return 0;
 }

@@ -57,13 +57,12 @@ void ReadCounts(std::string_view bytes) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size == 0) return 0;
+FUZZ_TARGET(player_songs) {
+  if (size == 0) return;
   const std::string_view bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
   if (data[0] % 2 == 0) {
     ReadDatabase(bytes);
   } else {
     ReadCounts(bytes);
   }
-  return 0;
 }

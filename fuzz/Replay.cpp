@@ -1,5 +1,5 @@
 // Runs a target over every file of the folders and files that are named, without a fuzzer. Fails when there
-// is none.
+// is no such target or no file.
 
 #include <algorithm>
 #include <cstdio>
@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,7 @@ std::vector<std::filesystem::path> FilesOf(const std::vector<std::string> &names
   return files;
 }
 
-void Replay(const std::filesystem::path &path) {
+void Replay(fuzz::Target target, const std::filesystem::path &path) {
   std::ifstream in(path, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(in), {}};
   if (!in) throw std::runtime_error("cannot read " + path.string());
@@ -37,16 +38,18 @@ void Replay(const std::filesystem::path &path) {
   // A block of just this size, so that a sanitizer sees a read past its end.
   const auto exact = std::make_unique<uint8_t[]>(bytes.size());
   std::copy(bytes.begin(), bytes.end(), exact.get());
-  LLVMFuzzerTestOneInput(exact.get(), bytes.size());
+  target(exact.get(), bytes.size());
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
   try {
-    const std::vector<std::filesystem::path> files = FilesOf({argv + 1, argv + argc});
-    if (files.empty()) throw std::runtime_error("usage: " + std::string(argv[0]) + " FOLDER|FILE...");
-    for (const std::filesystem::path &file : files) Replay(file);
+    const auto target = argc > 1 ? fuzz::targets().find(argv[1]) : fuzz::targets().end();
+    const std::vector<std::filesystem::path> files = FilesOf({argv + std::min(argc, 2), argv + argc});
+    if (target == fuzz::targets().end() || files.empty())
+      throw std::runtime_error("usage: " + std::string(argv[0]) + " TARGET FOLDER|FILE...");
+    for (const std::filesystem::path &file : files) Replay(target->second, file);
     std::printf("%zu files\n", files.size());
   } catch (const std::exception &error) {
     (void)std::fprintf(stderr, "%s\n", error.what());

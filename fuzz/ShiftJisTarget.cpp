@@ -62,8 +62,8 @@ void ConvertsByUnits(std::string_view text) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size == 0) return 0;
+FUZZ_TARGET(shift_jis) {
+  if (size == 0) return;
   const std::string_view piece(reinterpret_cast<const char *>(data) + 1, size - 1);
   std::string text(piece);
   if (piece.size() < kLongest) {
@@ -72,5 +72,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   ConvertsAsTheModel(text, kEncodings[data[0] % kEncodings.size()]);
   ConvertsPlainUtf16(text);
   ConvertsByUnits(text);
-  return 0;
 }

@@ -6,7 +6,7 @@
 #include "fuzz/Target.h"
 #include "player/ShuffleDatabase.h"
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(shuffle) {
   using fuzz::Require;
   const std::string_view bytes(reinterpret_cast<const char *>(data), size);
   if (const auto found = player::readShuffleDatabase(bytes)) {
@@ -20,5 +20,4 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   }
   if (const auto counts = player::readShuffleCounts(bytes))
     Require(counts->size() * 18 <= size, "more counts than the file holds");
-  return 0;
 }

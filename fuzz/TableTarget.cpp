@@ -44,14 +44,14 @@ std::string Written(const Table &table, std::optional<size_t> width) {
   return out.str();
 }
 
-void IsSafe(const std::string &text) {
+void IsSafeTable(const std::string &text) {
   const std::u32string points = fuzz::CodePoints(text);
   Require(std::none_of(points.begin(), points.end(), fuzz::Steers), "a terminal could be steered");
 }
 
 void TryText(const std::string &text, size_t width) {
   const std::string safe = safeText(text);
-  IsSafe(safe);
+  IsSafeTable(safe);
   Require(safeText(safe) == safe, "safe text that is not");
   const std::string cut = cutToWidth(safe, width);
   Require(displayWidth(cut) <= width, "cut, and too wide");
@@ -62,8 +62,8 @@ void TryText(const std::string &text, size_t width) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  if (size < 2) return 0;
+FUZZ_TARGET(table) {
+  if (size < 2) return;
   const size_t width = data[0];
   const size_t count = 1 + data[1] % 8;
   const std::vector<std::string> parts = fuzz::PartsOf({reinterpret_cast<const char *>(data) + 2, size - 2});
@@ -86,10 +86,9 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const std::vector<std::string> lines = Lines(text);
     Require(lines.size() == rows + 1, "not a line for each row");
     for (const std::string &line : lines) {
-      IsSafe(line);
+      IsSafeTable(line);
       Require(!line.ends_with(' '), "a blank at the end of a line");
     }
   }
   for (const std::string &line : Lines(fitted)) Require(displayWidth(line) <= width, "a line too wide");
-  return 0;
 }

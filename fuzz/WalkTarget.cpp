@@ -52,13 +52,12 @@ void FindingsLieInside(const player::Findings &findings, uint64_t size) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(walk) {
   static fuzz::MemoryFile file;
-  if (size == 0) return 0;
+  if (size == 0) return;
   file.Set({reinterpret_cast<const char *>(data) + 1, size - 1});
   const player::FileAccount account = player::walkChunks(file.Number());
   CountsEveryByteOnce(account, size - 1);
   CountsEntriesOfEachPlaylist(account);
   FindingsLieInside(account.findings, size - 1);
-  return 0;
 }

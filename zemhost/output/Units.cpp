@@ -82,30 +82,30 @@ std::string dateText(uint32_t secondsSince1904) {
 }
 
 std::string mediaKindText(uint32_t bits) {
-  struct Kind {
+  struct MediaKind {
     uint32_t bits;
     const char *name;
   };
   // Two bits with one meaning come first.
-  static constexpr std::array<Kind, 15> kKinds = {{{0x6, "video podcast"},
-                                                   {0x1, "music"},
-                                                   {0x2, "film"},
-                                                   {0x4, "podcast"},
-                                                   {0x8, "audiobook"},
-                                                   {0x20, "music video"},
-                                                   {0x40, "TV show"},
-                                                   {0x400, "home video"},
-                                                   {0x1000, "game"},
-                                                   {0x4000, "ringtone"},
-                                                   {0x8000, "rental"},
-                                                   {0x10000, "booklet"},
-                                                   {0x20000, "app"},
-                                                   {0x100000, "voice memo"},
-                                                   {0x200000, "lecture"}}};
+  static constexpr std::array<MediaKind, 15> kKinds = {{{0x6, "video podcast"},
+                                                        {0x1, "music"},
+                                                        {0x2, "film"},
+                                                        {0x4, "podcast"},
+                                                        {0x8, "audiobook"},
+                                                        {0x20, "music video"},
+                                                        {0x40, "TV show"},
+                                                        {0x400, "home video"},
+                                                        {0x1000, "game"},
+                                                        {0x4000, "ringtone"},
+                                                        {0x8000, "rental"},
+                                                        {0x10000, "booklet"},
+                                                        {0x20000, "app"},
+                                                        {0x100000, "voice memo"},
+                                                        {0x200000, "lecture"}}};
   constexpr uint32_t kBook = 0xC00000;
   std::string text;
   const auto add = [&text](const std::string &name) { text += (text.empty() ? "" : ", ") + name; };
-  for (const Kind &kind : kKinds) {
+  for (const MediaKind &kind : kKinds) {
     if ((bits & kind.bits) != kind.bits) continue;
     add(kind.name);
     bits &= ~kind.bits;

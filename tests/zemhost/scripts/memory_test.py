@@ -14,7 +14,6 @@ from database_writer import compressed, library
 from program import PLAYER, ZEMHOST, generated, start
 
 MEGABYTE = 1 << 20
-SANITIZED = "SANITIZED" in os.environ
 
 # Every command that reads a library; {path} is one, {work} a folder to write to.
 COMMANDS = {
@@ -99,7 +98,6 @@ class Memory(unittest.TestCase):
             text = re.sub(rb"zemhost-\w{6}", b"zemhost-COPY", file.read())
             return process.returncode, text, message.read(), usage.ru_maxrss * 1024
 
-    @unittest.skipIf(SANITIZED, "the sanitizers need memory of their own")
     def test_compressed_databases_cost_twice_their_inflated_size_and_64_megabytes_at_most(self):
         refused = set()
         for name, record in COSTLY.items():
@@ -141,7 +139,6 @@ class Memory(unittest.TestCase):
             limit += MEGABYTE // 4
         return limit
 
-    @unittest.skipIf(SANITIZED, "the sanitizers need memory of their own")
     def test_every_command_says_that_it_ran_out_of_memory(self):
         small = library([{"title": f"Song {i}", "artist": f"Artist {i % 9}", "album": "Album" * 20,
                           "path": f":iPod_Control:Music:F00:{i}.mp3"} for i in range(1200)], [("List", range(900))])
@@ -169,7 +166,6 @@ class Memory(unittest.TestCase):
                 self.assertGreater(failures, 0, (path, command))
         self.assertGreater(named, 100)
 
-    @unittest.skipIf(SANITIZED, "the sanitizers need memory of their own")
     def test_the_shell_sees_it_too(self):
         path = self.write("library.itunesdb", b"")
         generated(path, 20_000)

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "player/Chapters.h"
 #include "player/SongFacts.h"
 #include "player/SongReader.h"
 
@@ -23,6 +24,7 @@ struct SqliteSong {
   std::vector<std::string> lossyTexts;  // those that are not valid UTF-8: "title"
   SongFacts facts;                      // but for `id`, which these players have not
   std::optional<uint32_t> sampleRate;   // hertz
+  std::vector<Chapter> chapters;        // none for most
 };
 
 enum class SqliteListKind { Library, Ordinary, Smart, Folder };

@@ -226,6 +226,11 @@ void SqliteSongs::readExtras(SqliteFile &file) {
                                                    }}};
   const auto find = [this](int64_t pid) { return ofTable("lyrics", pid); };
   report_(file, "lyrics", readTable<SqliteSong>(file, "lyrics", "item_pid", kLyrics, find));
+  constexpr SqliteColumn<SqliteSong> kChapters[] = {{"data", [](SqliteSong &song, const SqliteValue &value) {
+                                                       song.chapters = readChapters(value.bytes());
+                                                     }}};
+  const auto findMarked = [this](int64_t pid) { return ofTable("chapter", pid); };
+  report_(file, "chapter", readTable<SqliteSong>(file, "chapter", "item_pid", kChapters, findMarked));
 }
 
 }  // namespace player

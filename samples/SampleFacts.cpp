@@ -74,4 +74,10 @@ SampleFacts SampleFactsOf(size_t song) {
 
 uint64_t SamplePersistentId(size_t song) { return Random(song + 7000).Next() | 1; }
 
+std::vector<ChapterMark> SampleChaptersOf(const SampleSong &song) {
+  constexpr uint32_t kAudiobook = 8;
+  if (song.mediaType != kAudiobook) return {};
+  return {{0, u"The Missing Coast", {}}, {412000, u"A Map without Names", {}}, {981000, u"Low Water", {}}};
+}
+
 }  // namespace samples

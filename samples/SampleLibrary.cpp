@@ -119,9 +119,6 @@ SongTexts TextsOf(const SampleSong &song, std::u16string_view folder) {
           text(song.genre), text(song.filetype), text(song.composer)};
 }
 
-const std::vector<ChapterMark> kSampleChapters = {
-    {0, u"The Missing Coast", {}}, {412000, u"A Map without Names", {}}, {981000, u"Low Water", {}}};
-
 std::vector<Track> Tracks(Variant variant) {
   const bool little = variant == Variant::LittleEndian;
   std::vector<Track> tracks;
@@ -135,7 +132,8 @@ std::vector<Track> Tracks(Variant variant) {
     }
     if (little && !song.enclosure.empty())
       track.objects.push_back(RawObject(15, std::string(song.enclosure)));
-    if (little && song.mediaType == 8) track.objects.push_back(ChapterObject(kSampleChapters));
+    const std::vector<ChapterMark> chapters = SampleChaptersOf(song);
+    if (little && !chapters.empty()) track.objects.push_back(ChapterObject(chapters));
     tracks.push_back(std::move(track));
   }
   return tracks;

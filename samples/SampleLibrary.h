@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "samples/DatabaseWriter.h"
+#include "samples/SmartObjects.h"
 
 namespace samples {
 
@@ -64,6 +65,8 @@ struct SampleFacts {
 
 // By the song's position in SampleSongs().
 SampleFacts SampleFactsOf(size_t song);
+// Its chapters; none for all but the audiobook.
+std::vector<ChapterMark> SampleChaptersOf(const SampleSong &song);
 
 // Never 0, and no two songs share one.
 uint64_t SamplePersistentId(size_t song);

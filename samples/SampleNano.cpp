@@ -104,7 +104,12 @@ class Files {
     SqliteWriter extras(folder_ / "Extras.itdb");
     extras.Table("lyrics", "item_pid INTEGER PRIMARY KEY, checksum INTEGER, lyrics TEXT",
                  {{Pid(0), 1, Text(u"The lights go out, the ferry stays.")}});
-    extras.Table("chapter", "item_pid INTEGER PRIMARY KEY, data BLOB", {});
+    std::vector<std::vector<SqliteValue>> chapters;
+    for (size_t song = 0; song < SampleSongs().size(); ++song) {
+      const std::vector<ChapterMark> marks = SampleChaptersOf(SampleSongs()[song]);
+      if (!marks.empty()) chapters.push_back({Pid(song), ChapterAtoms(marks)});
+    }
+    extras.Table("chapter", "item_pid INTEGER PRIMARY KEY, data BLOB", chapters);
     extras.Finish();
     SqliteWriter genius(folder_ / "Genius.itdb");
     genius.Table("genius_config", "id INTEGER PRIMARY KEY, version INTEGER", {});

@@ -103,7 +103,7 @@ std::string DeviceInfoFile(const std::vector<std::u16string> &names) {
   return file;
 }
 
-DataObject ChapterObject(const std::vector<ChapterMark> &chapters) {
+std::string ChapterAtoms(const std::vector<ChapterMark> &chapters) {
   std::string list;
   for (const ChapterMark &chapter : chapters) {
     ChunkWriter name(Variant::BigEndian);
@@ -116,8 +116,11 @@ DataObject ChapterObject(const std::vector<ChapterMark> &chapters) {
     list += Atom("chap", chapter.start == 0 ? 1 : chapter.start, chapter.url.empty() ? 1 : 2, inside);
   }
   list += Atom("hedr", 1, 0, std::string(8, '\0'));
-  return RawObject(17,
-                   std::string(12, '\0') + Atom("sean", 1, static_cast<uint32_t>(chapters.size() + 1), list));
+  return Atom("sean", 1, static_cast<uint32_t>(chapters.size() + 1), list);
+}
+
+DataObject ChapterObject(const std::vector<ChapterMark> &chapters) {
+  return RawObject(17, std::string(12, '\0') + ChapterAtoms(chapters));
 }
 
 }  // namespace samples

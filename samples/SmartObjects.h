@@ -62,5 +62,7 @@ struct ChapterMark {
   std::string url{};
 };
 DataObject ChapterObject(const std::vector<ChapterMark> &chapters);
+// The same without the object around it, as the newest nanos have it.
+std::string ChapterAtoms(const std::vector<ChapterMark> &chapters);
 
 }  // namespace samples

@@ -81,6 +81,10 @@ TEST_F(SqliteLibraryTest, SongHasWhatEachOfTheFilesSaysOfIt) {
   EXPECT_EQ(song.facts.channels, std::nullopt);
   EXPECT_EQ(song.sampleRate, 44100U);
   EXPECT_EQ(song.facts.picture, false);
+  const std::vector<Chapter> &chapters = songNamed(library, "The Cartographer: Chapter 7").chapters;
+  ASSERT_EQ(chapters.size(), 3U);
+  EXPECT_EQ(chapters[1].start, 412000U);
+  EXPECT_EQ(chapters[1].title, "A Map without Names");
   const SqliteSong &episode = songNamed(library, "Episode 12: Tape Hiss");
   EXPECT_EQ(textOf(episode, 16), "http://attic-radio.example/feed.xml");
   EXPECT_EQ(episode.facts.gapless, false);

@@ -41,6 +41,9 @@ Json jsonOfSong(const player::SqliteSong &song) {
                {"sample_rate", player::jsonOf(song.sampleRate)}});
   json["texts"] = Json::array();
   for (const player::SongText &text : song.texts) json["texts"].push_back({text.type, text.text});
+  json["chapters"] = Json::array();
+  for (const player::Chapter &chapter : song.chapters)
+    json["chapters"].push_back({chapter.start, chapter.title, hexadecimal(chapter.url)});
   return json;
 }
 

@@ -28,6 +28,7 @@ class SqliteSource final : public LibrarySource {
   std::string storedText(SongTextField field, int32_t index) const override;
   bool isSame(SongTextField by, int32_t one, int32_t other) const override;
   bool hasCounts() const override { return library_->hasCounts(); }
+  std::vector<player::Chapter> chapters(int32_t index) const override { return record(index).chapters; }
   player::SongFacts storedFacts(int32_t index) const override { return record(index).facts; }
 
   int32_t playlistCount() const override { return static_cast<int32_t>(library_->lists().size()); }

@@ -145,6 +145,19 @@ def atoms(data):
         at += size
 
 
+def chapters_of(body):
+    """The chapters in a tree of atoms: triples of start, title and the bytes of an address."""
+    marks = []
+    for name, _, inside in atoms(body):
+        for kind, start, content in atoms(inside) if name == b"sean" else ():
+            if kind == b"chap":
+                parts = {one: rest for one, _, rest in atoms(content)}
+                title = parts.get(b"name", b"\0\0")
+                title = text_of(title[2:2 + 2 * int.from_bytes(title[:2], "big")], True)
+                marks.append((0 if start == 1 else start, title, parts.get(b"url ", b"")[4:]))
+    return marks
+
+
 def chapters(data):
     """Of each song of a sound file, triples of start, title and address."""
     reader, found = Lists(data, [], []), []
@@ -152,14 +165,8 @@ def chapters(data):
         marks = []
         holders = [place for kind, place, _ in reader.objects(song["at"]) if kind == 17 and not reader.big]
         for place in holders[:1]:
-            body = data[place + 0x24:place + reader.word(place + 8)]
-            for name, _, inside in atoms(body):
-                for kind, start, content in atoms(inside) if name == b"sean" else ():
-                    if kind == b"chap":
-                        parts = {one: rest for one, _, rest in atoms(content)}
-                        title = parts.get(b"name", b"\0\0")
-                        title = text_of(title[2:2 + 2 * int.from_bytes(title[:2], "big")], True)
-                        marks.append((0 if start == 1 else start, title, parts.get(b"url ", b"")[4:].decode()))
+            marks = [(start, title, url.decode())
+                     for start, title, url in chapters_of(data[place + 0x24:place + reader.word(place + 8)])]
         found.append(marks)
     return found
 

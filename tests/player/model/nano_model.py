@@ -8,6 +8,7 @@ import os
 import sqlite3
 import urllib.parse
 
+import list_model
 import song_model
 from song_model import YEAR_1980, YEAR_2001
 
@@ -175,6 +176,10 @@ class Nano:
         for row in extras.table("lyrics", "item_pid", "lyrics") if extras else []:
             if self._of(row) and text(row["lyrics"]):
                 self._of(row)["lyrics"] = True
+        for row in extras.table("chapter", "item_pid", "data") if extras else []:
+            if self._of(row):
+                data = row["data"] if type(row["data"]) is bytes else b""  # a text is none
+                self._of(row)["chapters"] = [[start, title, url.hex()] for start, title, url in list_model.chapters_of(data)]
         self.has_counts = self._join_counts()
 
     def _beside(self, name):
@@ -206,7 +211,7 @@ class Nano:
             pid = whole(row["pid"])
             if pid is None or pid in self.by_pid:
                 continue
-            song = self.by_pid[pid] = {**dict.fromkeys(FACTS), "pid": pid, "path": "", "kind": "", "texts": [],
+            song = self.by_pid[pid] = {**dict.fromkeys(FACTS), "pid": pid, "path": "", "kind": "", "texts": [], "chapters": [],
                                        "persistent_id": pid & 0xFFFFFFFFFFFFFFFF, "lossy": []}
             take(song, row, ITEM)
             for name, link in NAMED.items():

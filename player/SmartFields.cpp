@@ -43,7 +43,7 @@ const SmartField *smartField(uint32_t number) {
       {0x1d, Flag, "Checked", 0, [](S &s) { return Value(s.checked.value_or(true)); }},
       {0x1f, Flag, "Compilation", 0, [](S &s) { return orNone(s.compilation); }},
       {0x23, Number, "BPM", 0, [](S &s) { return orNone(s.bpm); }},
-      {0x25, Flag, "Cover"},
+      {0x25, Flag, "Cover", 0, [](S &s) { return s.picture ? Value(*s.picture) : std::nullopt; }},
       {0x27, Text, "Grouping", 13},
       {0x28, Playlist, "Playlist"},
       {0x29, Flag, "Bought", 0, [](S &s) { return orNone(s.bought); }},

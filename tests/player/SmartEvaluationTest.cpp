@@ -135,6 +135,14 @@ TEST_F(SmartEvaluationTest, WhatIsNotKnownOfSongsLeavesThemUndecided) {
   EXPECT_EQ(resultOf(with({number(4, kIs, 1)})).undecided.size(), 5U);  // a text compared as a number
 }
 
+TEST_F(SmartEvaluationTest, CoversAreKnownOfSongsThatSayIt) {
+  songs_[1].facts.picture = true;
+  songs_[2].facts.picture = false;
+  const SmartResult result = resultOf(with({number(0x25, kIs, 1)}));
+  EXPECT_THAT(result.certain, ElementsAre(1));
+  EXPECT_THAT(result.undecided, ElementsAre(0, 3, 4));
+}
+
 TEST_F(SmartEvaluationTest, RulesThatAreLostLeaveSongsUndecided) {
   SmartRules rules = with({text(4, kContains, "bach")});
   rules.groups[0].isCut = true;

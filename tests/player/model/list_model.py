@@ -242,6 +242,8 @@ def number_of(song, field):
         return int(song["checked"] is not False)
     if field == 0x39:
         return int((song["media_type"] or 0) & 4 != 0)
+    if field == 0x25:
+        return None if song["picture"] is None else int(song["picture"])
     return int(song[NUMBER_FIELDS[field]] or 0) if field in NUMBER_FIELDS else None
 
 

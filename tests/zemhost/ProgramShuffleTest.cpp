@@ -62,6 +62,15 @@ TEST_F(Shuffle, OtherPersistentIdIsReported) {
               HasSubstr("it gives song 0 \"A\" by Ann another persistent ID than the database\n"));
 }
 
+TEST_F(Shuffle, OtherOrderIsReported) {
+  folder_.write(kList, player::olderShuffleList({kBoth[1], kBoth[0]}));
+  const Outcome outcome = check();
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.out,
+              HasSubstr("iTunesSD: its songs stand in another order than the library's, beginning "
+                        "with song 0 \"A\" by Ann\n"));
+}
+
 TEST_F(Shuffle, CutShortListIsReported) {
   const std::string whole = player::newerShuffleList(kBoth);
   folder_.write(kList, whole.substr(0, whole.size() - 1));

@@ -75,6 +75,7 @@ class ShuffleCheck {
     std::map<std::string, const player::ShuffleSong *> listed;
     for (const player::ShuffleSong &song : list.songs) listed.emplace(plain(song.path), &song);
     std::map<std::string, bool> isNamed;
+    const uint64_t before = findings_.total();
     const int32_t songs = library_.songCount();
     if (list.songs.size() != static_cast<size_t>(songs)) {
       add(name + ": " + list.summary() + ", and the database has " +
@@ -95,6 +96,22 @@ class ShuffleCheck {
     for (const auto &[path, song] : listed) {
       if (!isNamed.contains(path))
         add(name + ": no song of the database has the file " + inQuotes(song->path));
+    }
+    if (findings_.total() == before) compareOrder(name, list);
+  }
+
+  // A shuffle plays in the order of the list of all songs, which is the first.
+  void compareOrder(const std::string &name, const player::ShuffleDatabase &list) {
+    if (library_.playlistCount() == 0 || static_cast<size_t>(library_.entryCount(0)) != list.songs.size())
+      return;
+    for (size_t place = 0; place < list.songs.size(); ++place) {
+      const int32_t index = library_.entry(0, static_cast<int32_t>(place)).song;
+      if (index < 0) return;
+      const Song song = library_.song(index);
+      if (plain(song.path) == plain(list.songs[place].path)) continue;
+      add(name + ": its songs stand in another order than the library's, beginning with " +
+          songLabel(index, song));
+      return;
     }
   }
 

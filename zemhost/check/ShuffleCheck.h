@@ -16,9 +16,9 @@ struct ShuffleAccount {
   std::optional<uint64_t> skips;
 };
 
-// Compares the songs of iTunesSD with those of the library, by path and persistent id, and the number of
-// entries in iTunesStats with the number of songs. Adds what differs, and what cannot be read, to `findings`.
-// Nothing for a player without an iTunesSD, and for a library that is on none.
+// Compares the songs of iTunesSD with those of the library, by path, persistent id and order, and the number
+// of entries in iTunesStats with the number of songs. Adds what differs, and what cannot be read, to
+// `findings`. Nothing for a player without an iTunesSD, and for a library that is on none.
 std::optional<ShuffleAccount> checkShuffle(const MusicLibrary &library, player::Findings &findings);
 
 }  // namespace zemhost

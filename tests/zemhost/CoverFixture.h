@@ -43,8 +43,10 @@ class CoverFixture : public testing::Test {
   static constexpr uint32_t kSmallBytes = 2 * 100 * 100;
   static constexpr uint32_t kLargeBytes = 2 * 200 * 200;
 
-  // Writes the songs, and an image of each of these ids in the usual two sizes, small and large.
-  void makePlayer(const std::vector<CoveredSong> &songs, const std::vector<uint32_t> &images = {}) const {
+  // Writes the songs, and an image of each of these ids in the usual two sizes, small and large. The list of
+  // all songs holds those of `order`; without any there is none.
+  void makePlayer(const std::vector<CoveredSong> &songs, const std::vector<uint32_t> &images = {},
+                  const std::vector<uint32_t> &order = {}) const {
     std::vector<samples::Track> tracks;
     for (size_t i = 0; i < songs.size(); ++i) {
       const std::string name = std::to_string(i) + ".mp3";
@@ -63,8 +65,11 @@ class CoverFixture : public testing::Test {
                      {0x160, songs[i].image}};
       tracks.push_back(std::move(track));
     }
+    std::vector<samples::Playlist> lists;
+    if (!order.empty()) lists.push_back({.name = u"iPod", .master = true});
+    for (const uint32_t song : order) lists.front().entries.push_back({.ref = 52 + song});
     folder_.write("iPod/iPod_Control/iTunes/iTunesDB",
-                  samples::WriteLibrary(samples::OrdinaryLibrary(std::move(tracks), {}),
+                  samples::WriteLibrary(samples::OrdinaryLibrary(std::move(tracks), std::move(lists)),
                                         samples::Variant::LittleEndian));
     if (!images.empty()) writeArtwork(images);
   }

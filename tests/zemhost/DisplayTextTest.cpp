@@ -92,6 +92,7 @@ TEST(CutToWidth, LongTextEndsInAnEllipsisWithinTheWidth) {
   EXPECT_EQ(cutToWidth("abcdef", 4), "abc\u2026");
   EXPECT_EQ(cutToWidth("abcdef", 1), "\u2026");
   EXPECT_EQ(cutToWidth("abcdef", 0), "");
+  EXPECT_EQ(cutToWidth("\u0301", 0), "");
 }
 
 TEST(CutToWidth, WideCharacterIsNeverHalved) {

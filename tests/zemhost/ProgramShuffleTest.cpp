@@ -63,6 +63,7 @@ TEST_F(Shuffle, OtherPersistentIdIsReported) {
 }
 
 TEST_F(Shuffle, OtherOrderIsReported) {
+  makePlayer({{u"A", u"Ann", u"", 0, 1000, 0}, {u"B", u"Bob", u"", 0, 1001, 0}}, {}, {0, 1});
   folder_.write(kList, player::olderShuffleList({kBoth[1], kBoth[0]}));
   const Outcome outcome = check();
   EXPECT_EQ(outcome.status, 3);

@@ -264,7 +264,7 @@ class Player {
     ReadsJson(ContentOf(file), expected);
     expected.WriteTo(*makeNdjsonWriter(output(), expected.Columns()));
     ReadsLinesOfJson(ContentOf(file), expected);
-    expected.WriteTo(*makeCsvWriter(output(), expected.Columns()));
+    expected.WriteTo(*makeTextTableWriter(TextTable::Csv, output(), expected.Columns()));
     ReadsCsv(ContentOf(file), expected);
     expected.WriteTo(*makeSqliteWriter(file, expected.Columns()));
     ReadsSqlite(file, expected);

@@ -7,7 +7,7 @@ _zemhost_options() {
     check) echo '-h --help --json' ;;
     compare) echo '-h --help --by --json --encoding' ;;
     duplicates) echo '-h --help --any-album --json --encoding' ;;
-    export) echo '-h --help --format -o --output --playlist --since-sync --fields --paths --encoding' ;;
+    export) echo '-h --help --format --excel -o --output --playlist --since-sync --fields --paths --encoding' ;;
     info | playlists) echo '-h --help --encoding' ;;
     plays) echo '-h --help --by --top --encoding' ;;
     songs) echo '-h --help --columns --encoding' ;;
@@ -23,7 +23,7 @@ _zemhost_values() {
   case $1:$2 in
     plays:--by) echo 'song artist album' ;;
     compare:--by) echo 'song artist album genre composer' ;;
-    export:--format) echo 'csv json ndjson m3u8 sqlite listenbrainz' ;;
+    export:--format) echo 'csv tsv json ndjson m3u8 sqlite listenbrainz' ;;
     export:--paths) echo 'host relative device' ;;
     export:-o | export:--output) echo FILE ;;
     export:--playlist | export:--fields | *:--columns | *:--top | *:--day | *:--encoding) echo TEXT ;;

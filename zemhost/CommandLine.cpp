@@ -6,8 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "host/runtime/Names.h"
 #include "zemhost/ExitStatus.h"
+#include "zemhost/HelpFormatter.h"
 #include "zemhost/commands/Commands.h"
+#include "zemhost/export/ExportFormat.h"
 #include "zemhost/library/SmartLists.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/TextEncoder.h"
@@ -28,9 +31,9 @@ struct Command {
   CLI::App *operator->() const { return app; }
 };
 
-// Throws CLI::ValidationError for options that do not go together.
+// Throws CLI::ValidationError for options that do not go together, and fills in what they imply.
 template <typename Arguments>
-using Check = void (*)(const CLI::App &command, const Arguments &arguments);
+using Check = void (*)(const CLI::App &command, Arguments &arguments);
 
 // Adds a command. When the command line names it, its work is left in `action`, which must outlive the
 // parsing.
@@ -43,6 +46,11 @@ Command<Arguments> addCommand(CLI::App &program, Action &action, const char *nam
     action = [run, arguments = command.arguments] { return run(*arguments); };
   });
   return command;
+}
+
+// Refuses an empty text in place of a name.
+CLI::Validator notEmpty() {
+  return CLI::Validator([](const std::string &text) { return text.empty() ? "the name is empty" : ""; }, "");
 }
 
 // The argument PATH, which every command that reads a database takes.
@@ -66,7 +74,7 @@ void addJson(CLI::App &command, bool &json) {
 }
 
 template <typename Arguments>
-void checkJsonEncoding(const CLI::App & /*command*/, const Arguments &arguments) {
+void checkJsonEncoding(const CLI::App & /*command*/, Arguments &arguments) {
   if (arguments.json && !isUtf8Name(arguments.encoding))
     throw CLI::ValidationError("--encoding", "JSON is always UTF-8");
 }
@@ -82,7 +90,8 @@ void addColumns(CLI::App &command, std::vector<std::string> &columns) {
   command
       .add_option(
           "--columns", columns,
-          "The columns to show, by the names of an export's fields, with commas between; else those that fit")
+          "The columns to show, by the names of an export's fields, with commas between, or all; else those "
+          "that fit")
       ->delimiter(',')
       ->allow_extra_args(false);
 }
@@ -107,7 +116,7 @@ void addPlays(CLI::App &program, Action &action) {
   addEncoding(*command.app, arguments.encoding);
 }
 
-void checkPlaylist(const CLI::App & /*command*/, const PlaylistArguments &arguments) {
+void checkPlaylist(const CLI::App & /*command*/, PlaylistArguments &arguments) {
   if (arguments.day.empty()) return;
   if (!arguments.evaluate) throw CLI::ValidationError("--day", "only --evaluate asks for a day");
   if (!endOfDay(arguments.day)) throw CLI::ValidationError("--day", "write the day as 2006-07-22");
@@ -120,7 +129,8 @@ void addPlaylist(CLI::App &program, Action &action) {
   command
       ->add_option("PLAYLIST", command.arguments->playlist,
                    "Its number, its name, or the beginning of its name")
-      ->required();
+      ->required()
+      ->check(notEmpty());
   addColumns(*command.app, command.arguments->columns);
   command->add_flag("--evaluate", command.arguments->evaluate,
                     "Compare a smart playlist with the songs that its rules choose");
@@ -140,11 +150,24 @@ void addCheck(CLI::App &program, Action &action) {
       "database cannot be read.");
 }
 
-void checkExport(const CLI::App &command, const ExportArguments &arguments) {
-  const bool list = arguments.format == "m3u8";
+// The format that an option names, else the ending of the file.
+void settleFormat(const CLI::App &command, ExportArguments &arguments) {
+  if (command.count("--format") != 0) return;
+  arguments.format = formatOfEnding(arguments.output);
+  if (!arguments.format.empty()) return;
+  if (arguments.writesStandardOutput())
+    throw CLI::ValidationError("--format", "it is required where --output names no file");
+  throw CLI::ValidationError("--format", "it is required, since the ending of " + inQuotes(arguments.output) +
+                                             " stands for no format");
+}
+
+void checkExport(const CLI::App &command, ExportArguments &arguments) {
+  settleFormat(command, arguments);
+  const std::string &format = arguments.format;
+  const bool list = format == "m3u8";
   if (list && !arguments.fields.empty())
     throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
-  const bool listens = arguments.format == "listenbrainz";
+  const bool listens = format == "listenbrainz";
   if (listens && !arguments.fields.empty())
     throw CLI::ValidationError("--fields", "a listen has no fields to choose");
   if (listens && !arguments.sinceSync) {
@@ -153,12 +176,14 @@ void checkExport(const CLI::App &command, const ExportArguments &arguments) {
   }
   if (!list && command.count("--paths") != 0)
     throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
-  if (!list && arguments.format != "csv" && !isUtf8Name(arguments.encoding))
-    throw CLI::ValidationError("--encoding", arguments.format + " is always UTF-8");
-  if (arguments.format == "sqlite" && arguments.writesStandardOutput())
+  if (arguments.excel && format != "csv")
+    throw CLI::ValidationError("--excel", "only csv has a form for spreadsheets");
+  const bool hasEncodings = list || format == "csv" || format == "tsv";
+  if (!isUtf8Name(arguments.encoding) && (!hasEncodings || arguments.excel))
+    throw CLI::ValidationError("--encoding",
+                               (arguments.excel ? "csv with --excel" : format) + " is always UTF-8");
+  if (format == "sqlite" && arguments.writesStandardOutput())
     throw CLI::ValidationError("--output", "sqlite needs a file to write");
-  if (command.count("--output") != 0 && arguments.output.empty())
-    throw CLI::ValidationError("--output", "the name is empty");
 }
 
 void addExport(CLI::App &program, Action &action) {
@@ -167,17 +192,27 @@ void addExport(CLI::App &program, Action &action) {
                  exportLibrary, checkExport);
   ExportArguments &arguments = *command.arguments;
   addPath(*command.app, arguments.path);
-  command->add_option("--format", arguments.format, "csv, json, ndjson, m3u8, sqlite or listenbrainz")
-      ->required()
-      ->check(CLI::IsMember({"csv", "json", "ndjson", "m3u8", "sqlite", "listenbrainz"}));
-  command->add_option("-o,--output", arguments.output, "The file to write; else standard output");
-  command->add_option("--playlist", arguments.playlist,
-                      "Only the songs of this playlist: its number, its name, or the beginning of its name");
+  command
+      ->add_option("--format", arguments.format,
+                   "What to write; needed where the ending of the file does not say it")
+      ->check(CLI::IsMember(exportFormats()));
+  command->add_flag("--excel", arguments.excel,
+                    "Write csv that spreadsheets open as it is: marked as UTF-8, and no text is a formula");
+  command
+      ->add_option("-o,--output", arguments.output,
+                   "The file to write, whose ending stands for the format; else standard output")
+      ->check(notEmpty());
+  command
+      ->add_option("--playlist", arguments.playlist,
+                   "Only the songs of this playlist: its number, its name, or the beginning of its name")
+      ->check(notEmpty());
   command->add_flag("--since-sync", arguments.sinceSync,
                     "Only the songs that were played or skipped since the last synchronisation");
   command
-      ->add_option("--fields", arguments.fields,
-                   "The fields of a song, in order, with commas between; else all of them")
+      ->add_option(
+          "--fields", arguments.fields,
+          "The fields of a song, in order, with commas between, or all; else those that a person reads "
+          "in csv and tsv, and all in the other formats")
       ->delimiter(',')
       ->allow_extra_args(false);
   command
@@ -188,19 +223,15 @@ void addExport(CLI::App &program, Action &action) {
   addEncoding(*command.app, arguments.encoding);
 }
 
-template <typename Arguments>
-void checkDestination(const CLI::App & /*command*/, const Arguments &arguments) {
-  if (arguments.destination.empty()) throw CLI::ValidationError("DEST", "the name is empty");
-}
-
 void addRescue(CLI::App &program, Action &action) {
-  const auto command = addCommand(program, action, "rescue",
-                                  "Copy the music off a player under its real names, and its playlists",
-                                  rescueMusic, checkDestination<RescueArguments>);
+  const auto command =
+      addCommand(program, action, "rescue",
+                 "Copy the music off a player under its real names, and its playlists", rescueMusic);
   RescueArguments &arguments = *command.arguments;
   addPath(*command.app, arguments.path);
   command->add_option("DEST", arguments.destination, "The folder to copy to; it is made when it is missing")
-      ->required();
+      ->required()
+      ->check(notEmpty());
   command->add_option("--pattern", arguments.pattern,
                       "How to name the files: text, '/' between folders, and the fields " + patternFields() +
                           "; numbers may have a width, as in {track:02} [" + arguments.pattern + "]");
@@ -208,7 +239,8 @@ void addRescue(CLI::App &program, Action &action) {
       ->add_option("--playlist", arguments.playlists,
                    "Only the songs of this playlist: its number, its name, or the beginning of its name; may "
                    "be given again")
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->check(notEmpty());
   command->add_flag("--covers", arguments.covers,
                     "Write the cover of each album beside its songs, as cover.png");
   command->add_flag("--dry-run", arguments.dryRun, "Show what would be copied, and write nothing");
@@ -220,13 +252,13 @@ void addRescue(CLI::App &program, Action &action) {
 
 void addPictures(CLI::App &program, Action &action, const char *name, const char *description,
                  int (*run)(const PictureArguments &)) {
-  const auto command =
-      addCommand(program, action, name, description, run, checkDestination<PictureArguments>);
+  const auto command = addCommand(program, action, name, description, run);
   addPath(*command.app, command.arguments->path);
   command
       ->add_option("DEST", command.arguments->destination,
                    "The folder to write to; it is made when it is missing")
-      ->required();
+      ->required()
+      ->check(notEmpty());
   command->footer(
       "Pictures that are there already are left alone and no other file is ever replaced. Ends with 0 when "
       "everything is written, with 3 when some pictures could not be, and with 1 when it had to stop.");
@@ -298,6 +330,7 @@ int runCommandLine(int count, char **arguments) {
   CLI::App program("Shows the music library of an iPod, read by the ZemiTunesDB plug-in.", "zemhost");
   program.set_version_flag("--version", "zemhost " ZEM_VERSION);
   program.require_subcommand(0, 1);  // none at all has a better message below
+  program.formatter(std::make_shared<HelpFormatter>());
   Action action;
   addCommands(program, action);
   try {

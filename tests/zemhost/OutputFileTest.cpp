@@ -1,4 +1,6 @@
+#include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -6,6 +8,7 @@
 #include <iterator>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "host/Error.h"
 #include "tests/support/TemporaryFolder.h"
@@ -90,15 +93,14 @@ TEST(OutputFile, RefusesWhatIsNoRegularFileAndNamesIt) {
   const support::TemporaryFolder folder;
   const fs::path file = folder.write("file", "text");
   fs::create_symlink(file, folder.path() / "link");
-  ASSERT_EQ(mkfifo((folder.path() / "pipe").c_str(), 0600), 0);
   EXPECT_EQ(refusal(folder.path()), folder.path().string() + ": Is a directory");
   EXPECT_THAT(refusal(folder.path() / "link"), HasSubstr("/link: this is a symbolic link"));
-  EXPECT_THAT(refusal(folder.path() / "pipe"), HasSubstr("/pipe: this is not a regular file"));
+  EXPECT_EQ(refusal("/dev/fd/987"), "/dev/fd/987: Bad file descriptor");
   EXPECT_EQ(refusal("/dev/full"), "/dev/full: this is not a regular file");
   EXPECT_THAT(refusal(folder.path() / "none" / "out"), HasSubstr("/none/out: No such file or directory"));
   EXPECT_THAT(refusal(file / "out"), HasSubstr("/file/out: Not a directory"));
   EXPECT_EQ(bytesOf(file), "text");
-  EXPECT_EQ(namesIn(folder.path()).size(), 3U);
+  EXPECT_EQ(namesIn(folder.path()).size(), 2U);
 }
 
 TEST(OutputFile, NameWithoutAFolderLiesInTheCurrentOne) {
@@ -112,15 +114,40 @@ TEST(OutputFile, NameWithoutAFolderLiesInTheCurrentOne) {
   EXPECT_EQ(bytesOf(folder.path() / "out.csv"), "text");
 }
 
-TEST(OutputFile, NothingAndADashAreStandardOutput) {
-  for (const char *const name : {"", "-"}) {
+TEST(OutputFile, NothingADashAndTheSystemsNamesAreStandardOutput) {
+  for (const char *const name : {"", "-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
+    EXPECT_TRUE(namesStandardOutput(name));
     testing::internal::CaptureStdout();
     OutputFile file{name};
-    EXPECT_TRUE(file.isStandardOutput());
     file.write("text\n");
     file.finish();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "text\n");
   }
+}
+
+TEST(OutputFile, PipeIsWrittenAndNotReplaced) {
+  const support::TemporaryFolder folder;
+  const fs::path pipe = folder.path() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const carbon::Descriptor reader(open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  OutputFile file(pipe);
+  file.write("text");
+  file.finish();
+  std::array<char, 8> bytes{};
+  EXPECT_EQ(read(reader.number(), bytes.data(), bytes.size()), 4);
+  EXPECT_STREQ(bytes.data(), "text");
+  EXPECT_TRUE(fs::is_fifo(pipe));
+  EXPECT_EQ(namesIn(folder.path()).size(), 1U);
+}
+
+TEST(OutputFile, OpenFileIsWrittenFromWhereItStands) {
+  const support::TemporaryFolder folder;
+  const fs::path target = folder.write("out", "before ");
+  const carbon::Descriptor open(::open(target.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  OutputFile file("/dev/fd/" + std::to_string(open.number()));
+  file.write("after");
+  file.finish();
+  EXPECT_EQ(bytesOf(target), "before after");
 }
 
 TEST(OutputFile, WhatDoesNotFitNamesTheFileAndLeavesNothing) {

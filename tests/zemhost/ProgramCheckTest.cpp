@@ -15,6 +15,7 @@
 #include "tests/support/RealFiles.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/zemhost/Program.h"
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 namespace {
@@ -109,8 +110,24 @@ TEST_F(CheckedPlayer, WithAllItsFilesHasNoFindings) {
 TEST_F(CheckedPlayer, MissingFileIsNamed) {
   fs::remove(music_ / "F12" / "LOST.m4a");
   EXPECT_THAT(check(player_).texts("missing-file"),
-              ElementsAre("song 24 \"Lost Reel\" by Idris Calloway: its file is missing: "
-                          "player:iPod_Control:Music:F12:LOST.m4a"));
+              ElementsAre("song 24 \"Lost Reel\" by Idris Calloway: its file is missing: " +
+                          (music_ / "F12" / "LOST.m4a").string()));
+}
+
+TEST_F(CheckedPlayer, FindingsBreakBetweenWordsOnATerminalAndNowhereElse) {
+  fs::remove_all(music_ / "F12");
+  const std::string plain = runZemhost({"check", player_}).out;
+  RunOptions terminal;
+  terminal.terminalWidth = 80;
+  const std::string shown = runZemhost({"check", player_}, terminal).out;
+  const auto finding = [](const std::string &out) { return out.substr(out.find("\n- song 24") + 1); };
+  EXPECT_EQ(linesOf(finding(plain)).size(), 1U);
+  EXPECT_EQ(linesOf(finding(shown)),
+            (std::vector<std::string>{"- song 24 \"Lost Reel\" by Idris Calloway: its file is missing:",
+                                      "  " + (music_ / "F12" / "LOST.m4a").string()}));
+  for (const std::string &line : linesOf(shown)) {
+    if (line.find('/') == std::string::npos) EXPECT_LE(displayWidth(line), 80U) << line;
+  }
 }
 
 TEST_F(CheckedPlayer, FolderInPlaceOfAFileIsAMissingFile) {

@@ -1,5 +1,6 @@
 // What the built program says, and how it ends, when something is wrong.
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -14,6 +15,7 @@
 #include "samples/SampleLibrary.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/zemhost/Program.h"
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 namespace {
@@ -179,6 +181,28 @@ TEST(Help, ListsTheCommandsAndTheirArguments) {
     EXPECT_THAT(one.out, HasSubstr("PATH"));
     EXPECT_EQ(one.err, "");
   }
+}
+
+TEST(Help, NoLineIsWiderThan80ColumnsAndNoWordIsCut) {
+  std::vector<std::string> commands;
+  const std::string all = runZemhost({"--help"}).out;
+  for (const std::string &line : linesOf(all.substr(all.find("Subcommands:\n"))))
+    if (line.starts_with("  ") && line[2] != ' ') commands.push_back(line.substr(2, line.find(' ', 2) - 2));
+  ASSERT_GE(commands.size(), 14U);
+  std::string help = all;
+  for (const std::string &command : commands) help += runZemhost({command, "--help"}).out;
+  for (const std::string &line : linesOf(help)) EXPECT_LE(displayWidth(line), 80U) << line;
+  // Put together again, a description that takes several lines has its words.
+  std::string joined;
+  for (const std::string &line : linesOf(help))
+    joined += line.substr(std::min(line.find_first_not_of(' '), line.size())) + " ";
+  EXPECT_THAT(
+      joined,
+      HasSubstr("A mounted player, its iPod_Control folder, or a database file; of a player's iTunesDB "
+                "and iTunesCDB (compressed) the larger one is read"));
+  EXPECT_THAT(
+      joined,
+      HasSubstr("no other file is ever replaced, so after an interruption the same command continues."));
 }
 
 TEST(Help, VersionIsShown) {

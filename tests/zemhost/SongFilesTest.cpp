@@ -33,6 +33,7 @@ TEST_F(SongFilesTest, FileIsFoundByItsPathFromTheRoot) {
   EXPECT_EQ(found.path, file);
   EXPECT_EQ(found.size, 5U);
   EXPECT_EQ(found.name, "S:iPod_Control:Music:F00:a/b.mp3");
+  EXPECT_EQ(found.place, file.string());
   EXPECT_TRUE(files.open(found));
   EXPECT_TRUE(
       files.find(":iPod_Control:Music:F01::F00:a/b.mp3").path.empty());  // there is no F01 to go up from
@@ -46,6 +47,7 @@ TEST_F(SongFilesTest, MissingFileHasThePlaceWhereItWouldBe) {
   EXPECT_EQ(files.find(":F00:a.mp3").path, root_ / "F00" / "a.mp3");
   EXPECT_EQ(files.find(":F01:a.mp3").error, ENOENT);
   EXPECT_TRUE(files.find(":F01:a.mp3").path.empty());
+  EXPECT_EQ(files.find(":F01:a/b.mp3").place, (root_ / "F01" / "a:b.mp3").string());
   EXPECT_EQ(files.find(":F00").error, EISDIR);
   EXPECT_EQ(files.find("").error, ENOENT);
   EXPECT_EQ(files.find(":F00:..:F00").error, ENOENT);

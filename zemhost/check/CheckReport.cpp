@@ -6,6 +6,7 @@
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/JsonText.h"
+#include "zemhost/output/Paragraph.h"
 #include "zemhost/output/Table.h"
 #include "zemhost/output/Units.h"
 
@@ -15,8 +16,8 @@ namespace {
 
 constexpr uint64_t kShownOfEachKind = 20;
 
-void line(std::ostream &out, const char *label, const std::string &text) {
-  out << label << safeText(text) << '\n';
+void line(std::ostream &out, const std::string &label, const std::string &text) {
+  writeParagraph(out, label + safeText(text), label.size());
 }
 
 std::string bytesText(const CheckReport &report) {

@@ -77,7 +77,7 @@ class Check {
       if (library_.form() == LibraryForm::Sqlite && song.facts.size && file.size != song.size) {
         add(player::FindingKind::OtherSize,
             songLabel(index, song) + ": its file has " + std::to_string(file.size) +
-                " bytes, and the library states " + std::to_string(song.size) + ": " + file.name);
+                " bytes, and the library states " + std::to_string(song.size) + ": " + file.place);
       }
       return;
     }

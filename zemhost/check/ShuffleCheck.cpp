@@ -49,7 +49,7 @@ class ShuffleCheck {
 
   // What cannot be read becomes a finding.
   std::optional<std::string> contentOf(const SongFile &file) {
-    const std::string name = file.path.empty() ? file.name : file.path.string();
+    const std::string &name = file.place;
     if (file.isOutside()) {
       add(name + " lies outside the player");
       return std::nullopt;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "zemhost/files/OutputFile.h"
 #include "zemhost/rescue/NamePattern.h"
 
 namespace zemhost {
@@ -24,7 +25,7 @@ int listPlaylists(const ListingArguments &arguments);
 
 struct SongsArguments {
   std::string path;
-  std::vector<std::string> columns;  // none: those that fit
+  std::vector<std::string> columns;  // "all"; none: those that fit
   std::string encoding = "UTF-8";
 };
 int listSongs(const SongsArguments &arguments);
@@ -55,15 +56,16 @@ int checkDatabase(const CheckArguments &arguments);
 
 struct ExportArguments {
   std::string path;
-  std::string format;               // csv, json, ndjson, m3u8, sqlite or listenbrainz
-  std::string output;               // a file; empty or "-": standard output
+  std::string format;               // one of exportFormats()
+  bool excel = false;               // csv for spreadsheets
+  std::string output;               // a file, or what namesStandardOutput()
   std::string playlist;             // empty: the whole library
   bool sinceSync = false;           // only the songs played or skipped since the last synchronisation
-  std::vector<std::string> fields;  // of a song; none: all of them
+  std::vector<std::string> fields;  // of a song; "all"; none: those that are usual in the format
   std::string paths = "host";       // of an m3u8 list: host, relative or device
   std::string encoding = "UTF-8";
 
-  bool writesStandardOutput() const { return output.empty() || output == "-"; }
+  bool writesStandardOutput() const { return namesStandardOutput(output); }
 };
 int exportLibrary(const ExportArguments &arguments);
 

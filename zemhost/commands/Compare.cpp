@@ -72,9 +72,8 @@ void writeText(const Comparison &comparison, const MusicLibrary &a, const MusicL
   };
   const auto library = [&](const char *label, const std::string &path, const MusicLibrary &which,
                            size_t groups) {
-    out.write(label + out.fit(safeText(path)) + ": " +
-              countText(static_cast<uint64_t>(which.songCount()), "song", "songs") + ", " + counted(groups) +
-              "\n");
+    out.writeLine(label + path + ": " + countText(static_cast<uint64_t>(which.songCount()), "song", "songs") +
+                  ", " + counted(groups));
   };
   library("A  ", arguments.a, a, comparison.onlyA.size() + comparison.both.size());
   library("B  ", arguments.b, b, comparison.onlyB.size() + comparison.both.size());

@@ -88,7 +88,11 @@ std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const Expo
                                          const SongColumnList &columns) {
   if (arguments.format == "sqlite") return makeSqliteWriter(arguments.output, columns);
   auto out = std::make_unique<EncodedOutput>(arguments.encoding, library.host(), arguments.output);
-  if (arguments.format == "csv") return makeCsvWriter(std::move(out), columns);
+  if (arguments.format == "tsv") return makeTextTableWriter(TextTable::Tsv, std::move(out), columns);
+  if (arguments.format == "csv") {
+    return makeTextTableWriter(arguments.excel ? TextTable::ExcelCsv : TextTable::Csv, std::move(out),
+                               columns);
+  }
   if (arguments.format == "listenbrainz")
     return makeListenWriter(std::move(out), library.form() == LibraryForm::Sqlite);
   if (arguments.format == "json") return makeJsonWriter(std::move(out), columns);
@@ -105,6 +109,8 @@ void writePlaylist(ExportWriter &writer, const PlaylistColumns &columns, const M
 std::vector<std::string> fieldsOf(const ExportArguments &arguments) {
   if (arguments.format == "listenbrainz") return listenFields();
   std::vector<std::string> fields = arguments.fields;
+  if (fields == std::vector<std::string>{"all"}) return {};
+  if (fields.empty() && (arguments.format == "csv" || arguments.format == "tsv")) return usualFields();
   if (fields.empty() || arguments.format != "sqlite") return fields;
   // The keys that entries refer to.
   for (const char *const key : {"track_id", "song_index"}) {

@@ -101,8 +101,8 @@ int showInfo(const ListingArguments &arguments) {
     entries += static_cast<uint64_t>(library.entryCount(number));
 
   EncodedOutput out(arguments.encoding, library.host());
-  const auto writeLine = [&out](const char *label, const std::string &text) {
-    out.write(label + out.fit(safeText(text)) + "\n");
+  const auto writeLine = [&out](const std::string &label, const std::string &text) {
+    out.writeLine(label + text, label.size());
   };
   writeLine("Database   ", library.location().file.string());
   writeLine("Volume     ", volumeText(library));

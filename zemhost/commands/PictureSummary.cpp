@@ -4,14 +4,15 @@
 
 #include "zemhost/ExitStatus.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/output/Paragraph.h"
 #include "zemhost/output/Units.h"
 
 namespace zemhost {
 
 void writeList(const std::string &heading, const std::vector<std::string> &lines) {
   if (lines.empty()) return;
-  std::cout << heading << ":\n";
-  for (const std::string &line : lines) std::cout << "- " << safeText(line) << '\n';
+  writeParagraph(std::cout, heading + ":");
+  for (const std::string &line : lines) writeParagraph(std::cout, "- " + safeText(line), 2);
 }
 
 int writePictureSummary(const PictureResult &result, const PictureWords &words) {

@@ -11,7 +11,6 @@
 #include "zemhost/library/PlaylistWords.h"
 #include "zemhost/library/PodcastGroups.h"
 #include "zemhost/library/SmartLists.h"
-#include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
 #include "zemhost/output/Units.h"
 
@@ -42,8 +41,6 @@ class PlaylistPage {
   }
 
  private:
-  void writeLine(const std::string &line) { out_.write(out_.fit(safeText(line)) + "\n"); }
-
   void writeSongs() {
     SongTable table(out_, arguments_.columns);
     for (const EntryGroup &group : entryGroups(library_, playlist_)) {
@@ -62,7 +59,7 @@ class PlaylistPage {
 
   void writeFacts() {
     if (facts_.kind == player::PlaylistKind::OnTheGo)
-      writeLine("Made on the player, and not synchronised yet");
+      out_.writeLine("Made on the player, and not synchronised yet");
     std::string line;
     const auto add = [&line](const std::string &part) { line += (line.empty() ? "" : ", ") + part; };
     if (facts_.created) add("created " + dateText(*facts_.created));
@@ -70,9 +67,9 @@ class PlaylistPage {
     if (facts_.sortOrder) add("order: " + sortOrderText(facts_.sortOrder));
     if (!line.empty()) {
       line.front() = static_cast<char>(line.front() - 'a' + 'A');
-      writeLine(line);
+      out_.writeLine(line);
     }
-    if (facts_.rules) writeLine("Rules: " + smart_.text(*facts_.rules));
+    if (facts_.rules) out_.writeLine("Rules: " + smart_.text(*facts_.rules));
   }
 
   void writeEvaluation() {
@@ -82,21 +79,21 @@ class PlaylistPage {
     const player::SmartDifference found = player::difference(result, smart_.songsOf(playlist_));
     out_.write("\n");
     if (player::dependsOnDay(rules))
-      writeLine("The rules depend on the day; they are looked at as of the end of " + day + ".");
+      out_.writeLine("The rules depend on the day; they are looked at as of the end of " + day + ".");
     if (!result.undecided.empty()) {
-      writeLine(countText(result.undecided.size(), "song", "songs") +
-                " cannot be judged: the rules ask for what the library does not say.");
+      out_.writeLine(countText(result.undecided.size(), "song", "songs") +
+                     " cannot be judged: the rules ask for what the library does not say.");
     }
     if (!result.possible.empty()) {
-      writeLine("The limit leaves a choice among " + countText(result.possible.size(), "song", "songs") +
-                ".");
+      out_.writeLine("The limit leaves a choice among " + countText(result.possible.size(), "song", "songs") +
+                     ".");
     }
     if (found.isNone()) {
-      writeLine("The list holds what its rules choose.");
+      out_.writeLine("The list holds what its rules choose.");
       return;
     }
     if (found.isOtherLength) {
-      writeLine("The rules choose " + countText(*result.count, "song", "songs") + ".");
+      out_.writeLine("The rules choose " + countText(*result.count, "song", "songs") + ".");
     }
     writeSongsOf("missing from the list", found.missing);
     writeSongsOf("in the list, and not chosen by its rules", found.extra);
@@ -104,13 +101,13 @@ class PlaylistPage {
 
   void writeSongsOf(const std::string &what, const std::vector<size_t> &songs) {
     if (songs.empty()) return;
-    writeLine(countText(songs.size(), "song", "songs") + " " + what + ":");
+    out_.writeLine(countText(songs.size(), "song", "songs") + " " + what + ":");
     for (size_t i = 0; i < std::min(songs.size(), kNamedSongs); ++i) {
       const auto index = static_cast<int32_t>(songs[i]);
-      writeLine("- " + songLabel(index, library_.song(index)));
+      out_.writeLine("- " + songLabel(index, library_.song(index)), 2);
     }
     if (songs.size() > kNamedSongs)
-      writeLine("- and " + std::to_string(songs.size() - kNamedSongs) + " more");
+      out_.writeLine("- and " + std::to_string(songs.size() - kNamedSongs) + " more");
   }
 
   const MusicLibrary &library_;

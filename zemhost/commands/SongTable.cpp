@@ -92,6 +92,11 @@ std::vector<SongColumn> columnsToShow(const std::vector<std::string> &names) {
   for (const SongColumn &column : songColumns()) {
     if (names.empty() && column.column.rank != kOnRequest) columns.push_back(column);
   }
+  if (names == std::vector<std::string>{"all"}) {
+    columns = songColumns();
+    for (SongColumn &column : columns) column.column.rank = 0;
+    return columns;
+  }
   for (const std::string &name : names) {
     const auto found = std::find_if(songColumns().begin(), songColumns().end(),
                                     [&](const SongColumn &column) { return column.name == name; });

@@ -267,6 +267,14 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
   }
 }
 
+const std::vector<std::string> &usualFields() {
+  static const std::vector<std::string> kUsual = {
+      "title",       "artist",     "album",         "album_artist", "composer", "genre",
+      "disc",        "track",      "year",          "duration_ms",  "rating",   "play_count",
+      "last_played", "date_added", "bit_rate_kbps", "size_bytes",   "comment",  "file"};
+  return kUsual;
+}
+
 SongColumns::SongColumns(const MusicLibrary &library, const std::vector<std::string> &names)
     : state_(std::make_unique<State>(library, names)) {}
 

@@ -31,6 +31,9 @@ struct ExportColumn {
 // One value for each column: a number, a boolean, a text, an object, or null for what is not there.
 using Row = std::vector<Json>;
 
+// What a person reads of a song, in tables that are not asked for other columns.
+const std::vector<std::string> &usualFields();
+
 class SongColumns {
  public:
   // These columns in this order; none: all of them. Throws HostError for an unknown name, listing the

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "zemhost/export/ExportWriter.h"
+#include "zemhost/output/DisplayText.h"
 #include "zemhost/output/JsonText.h"
 
 namespace zemhost {
@@ -20,15 +21,24 @@ bool needsQuotes(std::string_view text) {
          text.ends_with(' ');
 }
 
-class CsvWriter final : public ExportWriter {
+// Whether a spreadsheet would compute the cell.
+bool isFormula(std::string_view text) { return text.find_first_of("=+-@\t\r\n") == 0; }
+
+class TextTableWriter final : public ExportWriter {
  public:
-  CsvWriter(std::unique_ptr<EncodedOutput> out, const SongColumnList &columns) : out_(std::move(out)) {
+  TextTableWriter(TextTable form, std::unique_ptr<EncodedOutput> out, const SongColumnList &columns)
+      : form_(form), out_(std::move(out)) {
+    if (form_ == TextTable::ExcelCsv) line_ = "\xEF\xBB\xBF";
     for (const ExportColumn &column : columns) addField(column.name);
     endLine();
   }
 
   void song(Row row) override {
-    for (const Json &value : row) addField(out_->fit(textOf(value)));
+    for (const Json &value : row) {
+      std::string text = textOf(value);
+      if (form_ == TextTable::ExcelCsv && value.is_string() && isFormula(text)) text.insert(0, 1, '\'');
+      addField(out_->fit(text));
+    }
     endLine();
   }
 
@@ -36,8 +46,12 @@ class CsvWriter final : public ExportWriter {
 
  private:
   void addField(std::string_view text) {
-    if (!isFirst_) line_ += ',';
+    if (!isFirst_) line_ += form_ == TextTable::Tsv ? '\t' : ',';
     isFirst_ = false;
+    if (form_ == TextTable::Tsv) {
+      line_ += oneLine(text);
+      return;
+    }
     if (!needsQuotes(text)) {
       line_ += text;
       return;
@@ -48,12 +62,13 @@ class CsvWriter final : public ExportWriter {
   }
 
   void endLine() {
-    line_ += "\r\n";
+    line_ += form_ == TextTable::Tsv ? "\n" : "\r\n";
     out_->write(line_);
     line_.clear();
     isFirst_ = true;
   }
 
+  TextTable form_;
   std::unique_ptr<EncodedOutput> out_;
   std::string line_;
   bool isFirst_ = true;
@@ -61,9 +76,9 @@ class CsvWriter final : public ExportWriter {
 
 }  // namespace
 
-std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out,
-                                            const SongColumnList &columns) {
-  return std::make_unique<CsvWriter>(std::move(out), columns);
+std::unique_ptr<ExportWriter> makeTextTableWriter(TextTable form, std::unique_ptr<EncodedOutput> out,
+                                                  const SongColumnList &columns) {
+  return std::make_unique<TextTableWriter>(form, std::move(out), columns);
 }
 
 }  // namespace zemhost

@@ -31,10 +31,15 @@ class ExportWriter {
 
 using SongColumnList = std::vector<ExportColumn>;
 
-// CSV: a heading line, then a line a song; CRLF line ends, fields quoted where they must be. Null is an empty
-// field, an object its JSON.
-std::unique_ptr<ExportWriter> makeCsvWriter(std::unique_ptr<EncodedOutput> out,
-                                            const SongColumnList &columns);
+enum class TextTable {
+  Csv,       // CRLF line ends, fields quoted where they must be
+  ExcelCsv,  // the same behind a byte-order mark, with an apostrophe before each text that would be a formula
+  Tsv        // tabs between fields, LF line ends, no quotes; tabs and line ends inside texts become blanks
+};
+
+// A heading line, then a line a song. Null is an empty field, an object its JSON.
+std::unique_ptr<ExportWriter> makeTextTableWriter(TextTable form, std::unique_ptr<EncodedOutput> out,
+                                                  const SongColumnList &columns);
 
 // One JSON object, its songs and playlists one a line.
 std::unique_ptr<ExportWriter> makeJsonWriter(std::unique_ptr<EncodedOutput> out,

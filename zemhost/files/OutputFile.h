@@ -8,19 +8,27 @@
 //   out.finish();
 //
 // A file appears under its name only with finish(); whatever ends the work before leaves the name as it was.
+// A pipe with a name, and what the program has open already ("/dev/stdout", "/dev/fd/3"), are written to as
+// the bytes come, and never replaced.
 
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "platform/carbon/Descriptor.h"
+
 namespace zemhost {
 
 class PendingFile;
 
+// Whether a target stands for standard output: nothing, "-", and the system's own names of it.
+bool namesStandardOutput(const std::filesystem::path &target);
+
 class OutputFile {
  public:
-  // Throws HostError, naming the file, when it cannot be written there: see PendingFile.
+  // Throws HostError, naming the file, when it cannot be written there: see PendingFile. A pipe with a name
+  // is opened when somebody reads it, and not before.
   explicit OutputFile(const std::filesystem::path &target);
   OutputFile(const OutputFile &) = delete;
   OutputFile &operator=(const OutputFile &) = delete;
@@ -32,12 +40,18 @@ class OutputFile {
   // Writes what is in the buffer, and brings the file under its name. Throws HostError as write() does.
   void finish();
 
-  bool isStandardOutput() const { return file_ == nullptr; }
+  // Whether what is written shows on a terminal.
+  bool isTerminal() const;
 
  private:
   void flush();
 
-  std::unique_ptr<PendingFile> file_;  // null: standard output
+  int descriptor() const;
+
+  bool isStandardOutput_;
+  std::string name_;                   // in messages
+  std::unique_ptr<PendingFile> file_;  // where a file is to appear
+  carbon::Descriptor stream_;          // what is open already, or a pipe
   std::string buffer_;
 };
 

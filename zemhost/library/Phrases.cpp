@@ -24,7 +24,8 @@ std::string playlistLabel(int32_t number, const std::string &name) {
 std::string missingFileText(int32_t index, const Song &song, const SongFile &file) {
   const std::string label = songLabel(index, song);
   if (song.path.empty()) return label + " names no file";
-  return label + ": its file is missing: " + file.name + (file.isOutside() ? " lies outside the player" : "");
+  return label + ": its file is missing: " + file.place +
+         (file.isOutside() ? " lies outside the player" : "");
 }
 
 std::string variantText(LibraryForm form) {

@@ -25,8 +25,8 @@ constexpr const char *kPhotos = ":Photos";
 
 // Opens a file that was found; it must be one with content, not a pipe that took its name meanwhile.
 carbon::Descriptor openRegular(const SongFiles &files, const SongFile &file) {
-  if (file.isOutside()) throw HostError(file.name + " lies outside the player");
-  if (!file.isThere()) throw HostError(file.path.empty() ? file.name : file.path.string(), file.error);
+  if (file.isOutside()) throw HostError(file.place + " lies outside the player");
+  if (!file.isThere()) throw HostError(file.place, file.error);
   carbon::Descriptor open = files.open(file);
   struct stat status {};
   if (!open || fstat(open.number(), &status) != 0) throw HostError(file.path.string(), errno);
@@ -55,7 +55,7 @@ void PictureList::read(const std::string &place) {
   const SongFile file = files_.find(place);
   if (file.error == ENOENT || file.error == ENOTDIR) return;
   isThere_ = true;
-  const std::string name = file.path.empty() ? file.name : file.path.string();
+  const std::string &name = file.place;
   try {
     const carbon::Descriptor open = openRegular(files_, file);
     images_ = player::readImageDatabase(open.number());

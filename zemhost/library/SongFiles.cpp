@@ -97,11 +97,13 @@ SongFile SongFiles::find(const std::string &path) {
   }
   SongFile file;
   file.name = path;
+  file.place = path;
   if (path.empty()) return file;
   if (onPlayer_) {
     file.error = EXDEV;
   } else if (namesVolumes_) {
     file.path = FolderItem::fromMacPath(path).path();
+    if (!file.path.empty()) file.place = file.path.string();
     if (!file.path.empty()) lookAt(carbon::Descriptor(::open(file.path.c_str(), O_PATH | O_CLOEXEC)), file);
   }
   return file;
@@ -110,8 +112,11 @@ SongFile SongFiles::find(const std::string &path) {
 SongFile SongFiles::findOnVolume(const std::string &path) {
   SongFile file;
   file.name = volume_ + path;
+  file.place = file.name;
   std::vector<std::string> names;
   if (!splitPath(path, names)) return file;
+  file.place = root_.string();
+  for (const std::string &name : names) file.place += "/" + name;
   std::string way = ".";
   // Nothing lies below a folder that is not there, however many names follow.
   for (size_t i = 0; i + 1 < names.size() && folder(way).error == 0; ++i) way = folderNamed(way, names[i]);
@@ -121,6 +126,7 @@ SongFile SongFiles::findOnVolume(const std::string &path) {
   std::string name = names.back();
   const auto look = [&] {
     file.path = last.path / name;
+    file.place = file.path.string();
     file.below = joined(way, name);
     lookAt(openBeneath(rootFolder_.number(), file.below, O_PATH), file);
   };

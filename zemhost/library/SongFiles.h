@@ -19,8 +19,9 @@ struct SongFile {
   // On this machine, whether or not the file is there. Empty when the path names no place on the volume, or
   // one in a folder that is not there.
   std::filesystem::path path;
-  std::string name;    // in messages: colon-separated, with the volume where the path is one of it
-  std::string below;   // the same file as `path`, from the volume's root; empty in a desktop library
+  std::string name;   // colon-separated, with the volume where the path is one of it; the same on any machine
+  std::string place;  // in messages: what the path names on this machine, there or not, as far as it is known
+  std::string below;  // the same file as `path`, from the volume's root; empty in a desktop library
   int error = ENOENT;  // 0: a regular file is there; EXDEV: what is named lies outside the volume
   uint64_t size = 0;   // of the file that is there, as its time is
   timespec modified{};

@@ -1,5 +1,6 @@
 #include "zemhost/output/DisplayText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -95,6 +96,17 @@ std::string escapedJson(std::string_view json) {
     json.remove_prefix(c.bytes);
   }
   return safe;
+}
+
+std::string oneLine(std::string_view text) {
+  std::string line(text);
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
+  std::replace_if(line.begin(), line.end(), isControl, ' ');
+  // Unicode's own line ends, which some readers of lists honour: U+0085, U+2028, U+2029.
+  for (const std::string_view end : {"\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"}) {
+    for (size_t at = 0; (at = line.find(end, at)) != std::string::npos;) line.replace(at, end.size(), 1, ' ');
+  }
+  return line;
 }
 
 size_t displayWidth(std::string_view text) {

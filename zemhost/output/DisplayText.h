@@ -17,6 +17,10 @@ std::string safeText(std::string_view bytes);
 // escape, "\u009b": another writing of the same values.
 std::string escapedJson(std::string_view json);
 
+// The text with a blank for each control character and each of Unicode's own line ends, for formats that have
+// a line for a text. Takes any bytes, and leaves what is no such character as it is.
+std::string oneLine(std::string_view text);
+
 // The number of terminal cells that valid UTF-8 text takes: 2 for a wide (East Asian) character, 0 for a
 // combining one, else 1.
 size_t displayWidth(std::string_view text);

@@ -1,18 +1,17 @@
 #include "zemhost/output/EncodedOutput.h"
 
 #include <sstream>
-#include <unistd.h>
 
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
+#include "zemhost/output/Paragraph.h"
+#include "zemhost/output/Terminal.h"
 
 namespace zemhost {
 
 EncodedOutput::EncodedOutput(const std::string &encoding, const Host &host,
                              const std::filesystem::path &target)
-    : encoder_(encoding, host),
-      file_(target),
-      toTerminal_(file_.isStandardOutput() && isatty(STDOUT_FILENO) != 0) {
+    : encoder_(encoding, host), file_(target), toTerminal_(file_.isTerminal()) {
   file_.write(encoder_.mark());
 }
 
@@ -26,6 +25,12 @@ void EncodedOutput::write(std::string_view text) {
   } else {
     file_.write(encoder_.encode(text));
   }
+}
+
+void EncodedOutput::writeLine(std::string_view text, size_t indent) {
+  std::string line = fit(safeText(text));
+  if (const auto width = terminalWidth(); width && toTerminal_) line = brokenText(line, *width, indent);
+  write(line + "\n");
 }
 
 void EncodedOutput::write(const Table &table) {

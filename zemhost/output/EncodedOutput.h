@@ -25,6 +25,9 @@ class EncodedOutput {
 
   // Writes UTF-8, whole characters each time. Throws HostError as OutputFile does.
   void write(std::string_view text);
+  // A line of prose about the library, made safe and fitted: broken between words where it goes to a
+  // terminal, with `indent` blanks before what follows its first line.
+  void writeLine(std::string_view text, size_t indent = 0);
   // A table, to the terminal's width when standard output is one.
   void write(const Table &table);
 

@@ -1,22 +1,12 @@
 #include "zemhost/output/M3u.h"
 
-#include <algorithm>
 #include <string_view>
+
+#include "zemhost/output/DisplayText.h"
 
 namespace zemhost {
 
 namespace {
-
-std::string oneLine(std::string_view text) {
-  std::string line(text);
-  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
-  std::replace_if(line.begin(), line.end(), isControl, ' ');
-  // Unicode's own line ends, which some readers of lists honour: U+0085, U+2028, U+2029.
-  for (const std::string_view end : {"\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"}) {
-    for (size_t at = 0; (at = line.find(end, at)) != std::string::npos;) line.replace(at, end.size(), 1, ' ');
-  }
-  return line;
-}
 
 // Whether a player of lists would not take the path for a file's: it reads as a comment, loses its first
 // blank, or begins as an address ("http:"), a drive ("C:") or a network share does.

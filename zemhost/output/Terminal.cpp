@@ -8,10 +8,10 @@
 
 namespace zemhost {
 
-std::optional<size_t> terminalWidth() {
-  if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
+std::optional<size_t> terminalWidth(int descriptor) {
+  if (isatty(descriptor) == 0) return std::nullopt;
   winsize size{};
-  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
   constexpr size_t kUsual = 80;
   const char *const columns = std::getenv("COLUMNS");
   if (columns == nullptr) return kUsual;

@@ -4,12 +4,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace zemhost {
 
-// The width in cells of the terminal that standard output goes to: what the terminal says, else the variable
-// COLUMNS, else 80. Nothing when standard output is no terminal.
-std::optional<size_t> terminalWidth();
+// The width in cells of the terminal that the descriptor, usually standard output, goes to: what the terminal
+// says, else the variable COLUMNS, else 80. Nothing when it goes to no terminal.
+std::optional<size_t> terminalWidth(int descriptor = STDOUT_FILENO);
 
 // Whether what goes to this descriptor may be bold or in colour: it is a terminal, the variable TERM names
 // one that is not "dumb", and the variable NO_COLOR is not set, whatever its value.

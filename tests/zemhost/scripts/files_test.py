@@ -52,8 +52,8 @@ class Files(unittest.TestCase):
         self.assertEqual(os.listdir(self.folder), [])
 
     def test_wrong_options_are_named(self):
-        self.refused(2, "--format is required")
-        self.refused(2, "xml not in {csv,json,ndjson,m3u8,sqlite,listenbrainz}", "--format", "xml")
+        self.refused(2, "--format: it is required where --output names no file")
+        self.refused(2, "xml not in {csv,tsv,json,ndjson,m3u8,sqlite,listenbrainz}", "--format", "xml")
         self.refused(1, 'no field is named "titel"; there are: song_index, track_id, title, ', "--format", "csv",
                      "--fields", "title,titel", "-o", self.out)
         self.refused(1, 'the field "title" is asked for twice', "--format", "csv", "--fields", "title,year,title")
@@ -64,6 +64,7 @@ class Files(unittest.TestCase):
             self.refused(2, f"--encoding: {form} is always UTF-8", "--format", form, "--encoding", "UTF-16", "-o",
                          self.out)
         self.refused(2, "--output: sqlite needs a file to write", "--format", "sqlite")
+        self.refused(2, "--output: the name is empty", "--format", "csv", "-o", "")
         self.refused(1, 'no encoding is named "Klingon"', "--format", "csv", "--encoding", "Klingon", "-o", self.out)
         self.refused(1, 'no playlist is named "Polka"', "--format", "csv", "--playlist", "Polka", "-o", self.out)
 

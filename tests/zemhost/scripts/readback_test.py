@@ -290,7 +290,7 @@ class ReadBack(unittest.TestCase):
 
     @of_each_database
     def test_csv(self, path, songs, playlists):
-        text = self.export(path, "--format", "csv")
+        text = self.export(path, "--format", "csv", "--fields", "all")
         rows = list(csv.reader(io.StringIO(text, newline=""), strict=True))
         self.assertEqual(rows[0], FIELDS)
         self.assertEqual(text.count("\r\n"), len(songs) + 1)

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "host/Error.h"
@@ -68,20 +70,32 @@ M3uPaths pathsNamed(const std::string &name) {
   return name == "relative" ? M3uPaths::Relative : M3uPaths::Host;
 }
 
-void writeM3u(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
+// Whether a file is there that holds something.
+bool holdsSomething(const std::filesystem::path &file) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(file, error) && std::filesystem::file_size(file, error) > 0 &&
+         !error;
+}
+
+// An empty list takes no other's place. Returns the exit status.
+int writeM3u(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
   EncodedOutput out(arguments.encoding, library.host(), arguments.output);
   std::filesystem::path folder = std::filesystem::current_path();
   if (!arguments.writesStandardOutput()) folder /= std::filesystem::path(arguments.output).parent_path();
   const M3uPaths paths = pathsNamed(arguments.paths);
   M3uExport list(library, out, paths, folder);
   selection.eachSong([&](int32_t song) { list.addSong(song); });
-  out.finish();
+  const bool keepsOld =
+      list.written() == 0 && !arguments.writesStandardOutput() && holdsSomething(arguments.output);
+  if (!keepsOld) out.finish();
   if (list.leftOut() != 0) {
     printError(library.location().name + ": " + countText(list.leftOut(), "song", "songs") + " left out: " +
                (paths == M3uPaths::Device
                     ? "no path from the player's root is known"
                     : "the path names no place on this machine; --paths device lists what is known"));
   }
+  if (keepsOld) printError(arguments.output + ": kept as it was: the new list would be empty");
+  return keepsOld || list.leftOut() != 0 ? kIncomplete : kSuccess;
 }
 
 std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const ExportArguments &arguments,
@@ -150,13 +164,14 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
 int exportLibrary(const ExportArguments &arguments) {
   const MusicLibrary library = openAndWarn(arguments.path);
   const Selection selection(library, arguments);
+  int status = kSuccess;
   if (arguments.format == "m3u8") {
-    writeM3u(library, selection, arguments);
+    status = writeM3u(library, selection, arguments);
   } else {
     writeTables(library, selection, arguments);
   }
   warnOfCovers(library);
-  return kSuccess;
+  return status;
 }
 
 }  // namespace zemhost

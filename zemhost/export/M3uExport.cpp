@@ -27,6 +27,7 @@ void M3uExport::addSong(int32_t index) {
     ++leftOut_;
     return;
   }
+  ++written_;
   out_.write(m3uEntry({song.duration, out_.fit(song.artist), out_.fit(song.title), out_.fit(path)}));
 }
 

@@ -26,7 +26,8 @@ class M3uExport {
   // device's paths, one whose path does not go down from the root by names alone.
   void addSong(int32_t index);
 
-  // The number of songs left out.
+  // The numbers of songs that the list has, and that were left out.
+  uint64_t written() const { return written_; }
   uint64_t leftOut() const { return leftOut_; }
 
  private:
@@ -37,6 +38,7 @@ class M3uExport {
   EncodedOutput &out_;
   M3uPaths paths_;
   std::filesystem::path folder_;
+  uint64_t written_ = 0;
   uint64_t leftOut_ = 0;
 };
 

@@ -84,6 +84,38 @@ class Exports(unittest.TestCase):
         self.assertEqual(got, [self.export("--format", "csv")])
         self.assertEqual(os.listdir(self.folder), ["songs.csv"])
 
+    def test_empty_list_takes_no_others_place(self):
+        alone = self.path("alone.itunesdb")  # without the music
+        with open(alone, "wb") as file:
+            file.write(read(os.path.join(PLAYER, "iPod_Control", "iTunes", "iTunesDB")))
+        out = self.path("list.m3u8")
+        self.export("--playlist", "1", "-o", out)
+        good = read(out)
+        self.assertIn(b"#EXTINF:", good)
+        for source, playlist, lines in ((alone, "1", 2), (PLAYER, "Empty for Now", 1)):
+            done = run("export", source, "--playlist", playlist, "-o", out)
+            self.assertEqual((done.status, done.text, done.message.count("\n")), (3, "", lines))
+            self.assertIn(f"zemhost: {out}: kept as it was: the new list would be empty\n", done.message)
+            self.assertEqual(read(out), good)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["alone.itunesdb", "list.m3u8"])
+
+    def test_list_that_lacks_songs_is_not_complete(self):
+        alone = self.database([{"title": "A", "path": ":A.mp3"}])
+        out = self.path("new.m3u8")
+        done = run("export", alone, "-o", out)
+        self.assertEqual((done.status, read(out)), (3, b"#EXTM3U\n"))
+        self.assertIn(": 1 song left out: ", done.message)
+        self.assertEqual(self.export("--playlist", "Empty for Now", "--format", "m3u8"), b"#EXTM3U\n")
+
+    def test_empty_name_of_a_playlist_is_refused_everywhere(self):
+        for arguments in (["export", PLAYER, "--format", "csv", "--playlist", ""], ["playlist", PLAYER, ""],
+                          ["export", PLAYER, "--format", "m3u8", "--playlist", ""],
+                          ["rescue", PLAYER, self.path("music"), "--playlist", ""],
+                          ["rescue", PLAYER, self.path("music"), "--playlist", "1", "--playlist", ""]):
+            done = run(*arguments)
+            self.assertEqual((done.status, done.text), (2, ""), arguments)
+        self.assertEqual(os.listdir(self.folder), [])
+
     def test_tables_have_the_columns_that_a_person_reads(self):
         usual = self.export("--format", "csv").decode().split("\r\n")[0].split(",")
         self.assertEqual(usual[:3], ["title", "artist", "album"])

@@ -6,7 +6,7 @@ _zemhost_options() {
     '') echo '-h --help --version' ;;
     check) echo '-h --help --json' ;;
     compare) echo '-h --help --by --json --encoding' ;;
-    duplicates) echo '-h --help --any-album --json --encoding' ;;
+    duplicates) echo '-h --help --length --loose --same-album --json --encoding' ;;
     export) echo '-h --help --format --excel -o --output --playlist --since-sync --fields --paths --encoding' ;;
     info | playlists) echo '-h --help --encoding' ;;
     plays) echo '-h --help --by --top --encoding' ;;
@@ -26,7 +26,7 @@ _zemhost_values() {
     export:--format) echo 'csv tsv json ndjson m3u8 sqlite listenbrainz' ;;
     export:--paths) echo 'host relative device' ;;
     export:-o | export:--output) echo FILE ;;
-    export:--playlist | export:--fields | *:--columns | *:--top | *:--day | *:--encoding) echo TEXT ;;
+    export:--playlist | export:--fields | *:--columns | *:--length | *:--top | *:--day | *:--encoding) echo TEXT ;;
     rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac

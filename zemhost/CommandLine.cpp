@@ -278,13 +278,23 @@ void addCompare(CLI::App &program, Action &action) {
 }
 
 void addDuplicates(CLI::App &program, Action &action) {
-  const auto command = addCommand(program, action, "duplicates",
-                                  "List the songs that occur more than once: the same title, "
-                                  "artist and album",
-                                  listDuplicates, checkJsonEncoding<DuplicatesArguments>);
+  const auto command =
+      addCommand(program, action, "duplicates",
+                 "List the recordings that occur more than once: songs of the same title and "
+                 "artist, and of nearly the same length",
+                 listDuplicates, checkJsonEncoding<DuplicatesArguments>);
   DuplicatesArguments &arguments = *command.arguments;
   addPath(*command.app, arguments.path);
-  command->add_flag("--any-album", arguments.anyAlbum, "Songs on different albums may be the same too");
+  command
+      ->add_option("--length", arguments.length,
+                   "How many seconds apart the lengths of one recording may lie [2]")
+      ->check(CLI::Range(0.0, 1'000'000.0));
+  command->add_flag(
+      "--loose", arguments.loosely,
+      "Compare texts without regard to case, blanks, Unicode form, and brackets at their end such "
+      "as (Live)");
+  command->add_flag("--same-album", arguments.sameAlbum,
+                    "Only songs on albums of the same name are the same");
   addJson(*command.app, arguments.json);
   addEncoding(*command.app, arguments.encoding);
 }

@@ -97,7 +97,9 @@ int compare(const CompareArguments &arguments);
 
 struct DuplicatesArguments {
   std::string path;
-  bool anyAlbum = false;  // songs on different albums may be the same
+  bool sameAlbum = false;  // songs on different albums are not the same
+  bool loosely = false;    // however the texts are written
+  double length = 2;       // seconds by which lengths may differ
   bool json = false;
   std::string encoding = "UTF-8";
 };

@@ -48,20 +48,6 @@ std::string bytesOf(const MusicLibrary &library, const std::vector<SongTextField
   return key;
 }
 
-std::vector<std::string> textsOf(const MusicLibrary &library, Sameness by, int32_t index) {
-  const Song song = library.song(index);
-  std::vector<std::string> texts;
-  for (const std::string_view name : textNames(by)) {
-    if (name == "title") texts.push_back(song.title.empty() ? song.path : song.title);
-    if (name == "artist") texts.push_back(song.artist);
-    if (name == "album") texts.push_back(song.album);
-    if (name == "genre") texts.push_back(song.genre);
-    if (name == "composer") texts.push_back(song.composer);
-  }
-  for (std::string &text : texts) text = composedText(text);
-  return texts;
-}
-
 // The groups by their texts; those whose texts are the same become one.
 std::map<std::vector<std::string>, SongGroup> byTexts(std::vector<SongGroup> groups) {
   std::map<std::vector<std::string>, SongGroup> merged;
@@ -101,6 +87,20 @@ const std::vector<std::string_view> &textNames(Sameness by) {
   return kComposer;
 }
 
+std::vector<std::string> songTexts(const MusicLibrary &library, Sameness by, int32_t index) {
+  const Song song = library.song(index);
+  std::vector<std::string> texts;
+  for (const std::string_view name : textNames(by)) {
+    if (name == "title") texts.push_back(song.title.empty() ? song.path : song.title);
+    if (name == "artist") texts.push_back(song.artist);
+    if (name == "album") texts.push_back(song.album);
+    if (name == "genre") texts.push_back(song.genre);
+    if (name == "composer") texts.push_back(song.composer);
+  }
+  for (std::string &text : texts) text = composedText(text);
+  return texts;
+}
+
 std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint64_t *comparisons) {
   const Criterion criterion = criterionOf(by);
   const auto isBefore = [comparisons](const std::string &one, const std::string &other) {
@@ -124,7 +124,7 @@ std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint
     if (place) {
       groups[*place].songs.push_back(song);
     } else {
-      groups.push_back({textsOf(library, by, song), {song}});
+      groups.push_back({songTexts(library, by, song), {song}});
     }
   }
   return groups;

@@ -30,6 +30,9 @@ struct SongGroup {
 // The names of a group's texts: "title", "artist", "album" for songs.
 const std::vector<std::string_view> &textNames(Sameness by);
 
+// The texts of one song, as those of a group of its own.
+std::vector<std::string> songTexts(const MusicLibrary &library, Sameness by, int32_t index);
+
 // The groups of a library in the order of their first songs, each song in one of them. A song without a title
 // is the same as no other; its title is its path then, so that groups of two libraries do not meet by
 // accident. Songs are looked up by their texts with some log2(songs) comparisons each, whatever the texts

@@ -137,43 +137,105 @@ Title  Artist  Album  In A  In B
 Two                      2     1
 """)
 
+    def plain_recordings(self, songs, names, key, limit):
+        """The recordings of which there are several songs, found by comparing all lengths of the same texts."""
+        groups = {}
+        for song in songs:
+            texts = tuple(key(song[name] or "") for name in names)
+            if song["title"] and texts[0]:
+                groups.setdefault(texts, []).append(song)
+        found = []
+        for group in groups.values():
+            left = sorted(group, key=lambda song: (song["duration_ms"] or 0, song["song_index"]))
+            while left:
+                first = left[0]["duration_ms"] or 0
+                isOne = lambda song: ((song["duration_ms"] or 0) - first <= limit) if first else not song["duration_ms"]
+                one = [song for song in left if isOne(song)]
+                left = [song for song in left if not isOne(song)]
+                if len(one) > 1:
+                    found.append(sorted(song["song_index"] for song in one))
+        return sorted(found)
+
     def assert_duplicates(self, path):
         songs = songs_of(path)
-        for options, names, method in (([], KINDS["song"], "CompareAlbum"),
-                                       (["--any-album"], ["title", "artist"], "CompareArtist")):
-            expected = {}
-            for song in songs:
-                if song["title"]:  # the bytes of the file, so no composed forms here
-                    expected.setdefault(tuple(song[name] or "" for name in names), []).append(song["song_index"])
-            expected = [group for group in expected.values() if len(group) > 1]
-            got = self.json("duplicates", path, *options)["groups"]
-            self.assertEqual([[song["song_index"] for song in group["songs"]] for group in got], expected)
-            pairs = [pair for group in expected for pair in itertools.pairwise(group)]
-            self.assertTrue(all(answers(path, [f"{method}({a}, {b})" for a, b in pairs])))
-            for group in got:
-                for song in group["songs"]:
-                    exported = songs[song["song_index"]]
-                    self.assertEqual(song["size_bytes"], exported["size_bytes"])
-                    self.assertEqual(song["path"], exported["path"] or "")
-                    self.assertEqual(song["track_id"], exported["track_id"])
+        exact = lambda text: text  # the bytes of the file, so no composed forms here
+        for options, names, method in ((["--same-album"], KINDS["song"], "CompareAlbum"),
+                                       ([], ["title", "artist"], "CompareArtist")):
+            for seconds in (0, 2, 90):
+                expected = self.plain_recordings(songs, names, exact, seconds * 1000)
+                got = self.json("duplicates", path, "--length", seconds, *options)["groups"]
+                self.assertEqual([[song["song_index"] for song in group["songs"]] for group in got], expected)
+                pairs = [pair for group in expected for pair in itertools.pairwise(group)]
+                self.assertTrue(all(answers(path, [f"{method}({a}, {b})" for a, b in pairs])))
+                for group in got:
+                    self.assertEqual((group["same"], group["loosely_same"]), (names, []))
+                    lengths = [song["duration_ms"] for song in group["songs"]]
+                    self.assertEqual(group["length_difference_ms"], max(lengths) - min(lengths) if min(lengths) else None)
+                    for song in group["songs"]:
+                        exported = songs[song["song_index"]]
+                        self.assertEqual(song["size_bytes"], exported["size_bytes"])
+                        self.assertEqual(song["path"], exported["path"] or "")
+                        self.assertEqual(song["track_id"], exported["track_id"])
 
-    def test_duplicates_are_those_of_the_class(self):
+    def test_duplicates_are_those_of_the_class_and_of_one_length(self):
         for path in [PLAYER, DESKTOP] + real_files():
             self.assert_duplicates(path)
         for seed in range(4):
-            self.assert_duplicates(self.write("twice", self.random_library(seed, 80), big=seed % 2 == 1))
+            songs = self.random_library(seed, 80)
+            for song in songs:
+                song["length"] = random.choice([0, 1, 180000, 181500, 183000, 184999, 260000])
+            self.assert_duplicates(self.write("twice", songs, big=seed % 2 == 1))
+
+    def lengths(self, *lengths, options=()):
+        """The songs of one title and artist, by length, that count as the same."""
+        path = self.write("lengths", [{"title": "Home", "artist": "A", "length": length} for length in lengths])
+        return [[song["duration_ms"] for song in group["songs"]] for group in self.json("duplicates", path, *options)["groups"]]
+
+    def test_recordings_of_other_lengths_are_told_apart(self):
+        self.assertEqual(self.lengths(180000, 182000, 182001), [[180000, 182000]])
+        self.assertEqual(self.lengths(182001, 180000, 240000, 241000), [[240000, 241000]])
+        # A chain of small steps is no one recording: no two of a group lie further apart than that.
+        self.assertEqual(self.lengths(180000, 181500, 183000, 184500), [[180000, 181500], [183000, 184500]])
+        self.assertEqual(self.lengths(180000, 181500, 183000, options=["--length", "3"]), [[180000, 181500, 183000]])
+        self.assertEqual(self.lengths(180000, 180001, 180000, options=["--length", "0"]), [[180000, 180000]])
+        self.assertEqual(self.lengths(180000, 180400, 181000, options=["--length", "0.5"]), [[180000, 180400]])
+        # A length that is not known says nothing about those that are.
+        self.assertEqual(self.lengths(0, 1000, 0), [[0, 0]])
+
+    def test_loosely_the_same_texts_differ_in_writing_alone(self):
+        same = [("Home", "The Band"), ("HOME", "the  band "), ("home (Live)", "The Band"), ("Ho me [Remastered 2009]", "TheBand"),
+                ("Home (Live) [Mono (2nd)]", "The Band"), ("\u3000Home\uff08Live\uff09", "The\u00a0Band")]
+        other = [("Home Again", "The Band"), ("(Home)", "The Band"), ("Home (Live) Again", "The Band"), ("Home)", "The Band"),
+                 ("Home", "Band"), ("", "The Band")]
+        path = self.write("loose", [{"title": title, "artist": artist, "album": str(i)}
+                                    for i, (title, artist) in enumerate(same + other)])
+        groups = self.json("duplicates", path, "--loose")["groups"]
+        self.assertEqual([[song["song_index"] for song in group["songs"]] for group in groups], [list(range(len(same)))])
+        self.assertEqual((groups[0]["same"], groups[0]["loosely_same"]), ([], ["title", "artist"]))
+        self.assertEqual(self.json("duplicates", path)["groups"], [])
+        self.assertEqual(self.json("duplicates", path, "--loose", "--same-album")["groups"], [])
+        for one, two in (("Déjà", unicodedata.normalize("NFD", "Déjà")), ("(Live)", "(live)"), ("STRASSE", "straße")):
+            path = self.write("forms", [{"title": one, "artist": "A"}, {"title": two, "artist": "A"}])
+            group, = self.json("duplicates", path, "--loose")["groups"]
+            self.assertEqual((group["same"], len(group["songs"])), (["artist"] if one != "Déjà" else ["title", "artist"], 2))
+            self.assertEqual(self.json("duplicates", path)["groups"], [])
 
     def test_duplicates_as_a_person_reads_them(self):
-        one = {"title": "Home", "artist": "A", "album": "X"}
-        path = self.write("twice", [one, {"title": ""}, one, {"title": ""}, {**one, "album": "Y"}])
-        done = run("duplicates", path)
-        self.assertEqual((done.status, done.text), (0, """Group  #  Title  Artist  Album  Time  Size  Added  File
-    1  0  Home   A       X
-    1  2  Home   A       X
+        one = {"title": "Home", "artist": "A", "album": "X", "length": 200000}
+        path = self.write("twice", [one, {"title": ""}, {**one, "length": 200350}, {"title": ""}, {**one, "album": "Y"},
+                                    {**one, "length": 250000}])
+        done = run("duplicates", path, "--same-album")
+        self.assertEqual((done.status, done.text), (0, """\
+Group  #  Title  Artist  Album  Time  Size  Same                                         Added  File
+    1  0  Home   A       X      3:20        title, artist, album; length within 0.35 s
+    1  2  Home   A       X      3:20
 
 1 song is in the library more than once; 1 copy too many, 0 B
+1 song has recordings whose lengths lie more than 2 s apart; these are not the same
 """))
-        self.assertIn("2 copies too many", run("duplicates", path, "--any-album").text)
+        self.assertIn("2 copies too many", run("duplicates", path).text)
+        self.assertIn("title (loosely), artist; length not known\n", run("duplicates", self.write("loose", [
+            {"title": "Home", "artist": "A"}, {"title": "home", "artist": "A"}]), "--loose").text)
         self.assertEqual(run("duplicates", PLAYER).text, "No song occurs twice.\n")
 
     def test_many_songs_equal_distinct_and_untitled(self):
@@ -189,7 +251,8 @@ Two                      2     1
         for command, status, text in ((["compare", PLAYER, DESKTOP, "--by", "year"], 2, "--by"),
                                       (["compare", PLAYER], 2, "B is required"),
                                       (["compare", PLAYER, self.folder + "/none"], 1, "/none: No such file"),
-                                      (["duplicates", PLAYER, "--json", "--encoding", "UTF-16"], 2, "--encoding")):
+                                      (["duplicates", PLAYER, "--json", "--encoding", "UTF-16"], 2, "--encoding"),
+                                      (["duplicates", PLAYER, "--length", "-1"], 2, "--length")):
             done = run(*command)
             self.assertEqual((done.status, done.text), (status, ""), done.message)
             self.assertIn(text, done.message)

@@ -21,7 +21,7 @@ def _with_words(chunk, order, words):
 
 
 def library(songs, playlists=None, big=False, eight_bit=False):
-    """The bytes of a library of these songs, dictionaries of texts and of the numbers size, track and marks. With `eight_bit`
+    """The bytes of a library of these songs, dictionaries of texts and of the numbers size, length, track and marks. With `eight_bit`
     the texts of a big-endian one are in Mac Roman. A little-endian one may have playlists: names, each with the places
     of its songs."""
     order = ">" if big else "<"
@@ -39,7 +39,7 @@ def library(songs, playlists=None, big=False, eight_bit=False):
         track = _chunk(tags[3], order, 0xF4, b"".join(objects))
         words = {0x10: FIRST_ID + place}
         if not big:
-            words |= {0x1C: song.get("marks", 0), 0x24: song.get("size", 0), 0x2C: song.get("track", 0)}
+            words |= {0x1C: song.get("marks", 0), 0x24: song.get("size", 0), 0x28: song.get("length", 0), 0x2C: song.get("track", 0)}
         tracks.append(_with_words(track, order, words))
     sets = _chunk(tags[1], order, 0x60, _chunk(tags[2], order, 0x5C, b"", length=len(songs)) + b"".join(tracks), 1)
     if playlists is not None:

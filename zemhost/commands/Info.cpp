@@ -12,6 +12,7 @@
 #include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/library/Phrases.h"
+#include "zemhost/library/PlayerChoice.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/EncodedOutput.h"
 #include "zemhost/output/Messages.h"
@@ -82,7 +83,8 @@ void writePlayer(const MusicLibrary &library, const Write &writeLine) {
       {"Last sync  ", zone ? "in the zone " + zoneText(*zone) : std::string()},
       {"Clock      ", device.clockZone ? zoneText(*device.clockZone) : std::string()},
       {"Files      ", filesText(device)},
-      {"Free       ", spaceText(root)}};
+      {"Free       ", spaceText(root)},
+      {"Mounted    ", mountText(player::mountAt(root))}};
   for (const auto &[label, text] : lines) {
     if (!text.empty()) writeLine(label, text);
   }

@@ -249,7 +249,7 @@ Group  #  Title  Artist  Album  Time  Size  Same                                
 
     def test_wrong_options_are_named(self):
         for command, status, text in ((["compare", PLAYER, DESKTOP, "--by", "year"], 2, "--by"),
-                                      (["compare", PLAYER], 2, "B is required"),
+                                      (["compare"], 2, "B is required"),
                                       (["compare", PLAYER, self.folder + "/none"], 1, "/none: No such file"),
                                       (["duplicates", PLAYER, "--json", "--encoding", "UTF-16"], 2, "--encoding"),
                                       (["duplicates", PLAYER, "--length", "-1"], 2, "--length")):

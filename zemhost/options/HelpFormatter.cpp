@@ -1,4 +1,4 @@
-#include "zemhost/HelpFormatter.h"
+#include "zemhost/options/HelpFormatter.h"
 
 #include <string_view>
 
@@ -13,7 +13,7 @@ constexpr size_t kDescriptions = 26;  // where they begin
 
 // What is described, and beside it the description in a column of its own.
 std::string entry(const std::string &name, const std::string &description) {
-  std::string text = "  " + name;
+  std::string text = std::string("  ").append(name);
   if (description.empty()) return text + "\n";
   if (text.size() + 2 > kDescriptions) text += "\n";
   const size_t start = text.find('\n') == std::string::npos ? 0 : text.size();
@@ -38,6 +38,11 @@ std::string HelpFormatter::make_footer(const CLI::App *app) const {
 
 std::string HelpFormatter::make_subcommand(const CLI::App *command) const {
   return entry(command->get_display_name(true), command->get_description());
+}
+
+std::string HelpFormatter::make_option_usage(const CLI::Option *option) const {
+  if (option->get_option_text() == kRequiredText) return make_option_name(option, true);
+  return CLI::Formatter::make_option_usage(option);
 }
 
 std::string HelpFormatter::make_option(const CLI::Option *option, bool isPositional) const {

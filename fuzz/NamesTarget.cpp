@@ -1,5 +1,5 @@
-// A pattern of file names and a song's texts: the parts of the input are the pattern, title, artist, album,
-// genre, composer, what tells copies apart, and the extension. A pattern is refused in one line, or every
+// A pattern of file names and a song's texts: the parts of the input are the pattern, five texts for its
+// fields, what tells copies apart, and the extension. A pattern is refused in one line, or every
 // name it makes is one that every usual file system takes, and that leads nowhere.
 
 #include <algorithm>
@@ -49,27 +49,29 @@ void IsSafe(const std::string &name) {
   Require(!IsDevice(name), "the name of a device: " + name);
 }
 
+// A text of the input, a number, a boolean or nothing, as a column may have, whatever its name.
+Json ValueOf(const std::string &field, const std::vector<std::string> &parts) {
+  const std::string &text = parts[1 + field.size() % 5];
+  if (field.front() == 't' || field.front() == 'a') return text.empty() ? Json() : Json(text);
+  if (text.size() % 3 == 0) return text.size();
+  return text.size() % 3 == 1 ? Json(field.size() % 2 == 0) : Json();
+}
+
 }  // namespace
 
 FUZZ_TARGET(names) {
   std::vector<std::string> parts = fuzz::PartsOf({reinterpret_cast<const char *>(data), size});
   parts.resize(8);
-  Song song;
-  song.title = parts[1];
-  song.artist = parts[2];
-  song.album = parts[3];
-  song.genre = parts[4];
-  song.composer = parts[5];
-  song.track = static_cast<uint32_t>(size);
-  song.year = static_cast<uint32_t>(size % 3);
   const std::string suffix = parts[6].empty() ? "" : " (" + std::to_string(parts[6].size()) + ")";
   for (const std::string &text : parts) IsSafe(safeName(text, "Unknown", suffix, ".mp3"));
   try {
     const NamePattern pattern(parts[0]);
-    const std::vector<std::string> names = pattern.names(song);
+    Row values;
+    for (const std::string &field : pattern.fields()) values.push_back(ValueOf(field, parts));
+    const std::vector<std::string> names = pattern.names(values);
     Require(!names.empty(), "no name");
     for (const std::string &name : names) IsSafe(name);
-    IsSafe(pattern.fileName(song, suffix, safeExtension(parts[7])));
+    IsSafe(pattern.fileName(values, suffix, safeExtension(parts[7])));
   } catch (const HostError &error) {
     Require(std::string_view(error.what()).starts_with("the pattern "), "a message about something else");
   }

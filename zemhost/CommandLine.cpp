@@ -92,9 +92,12 @@ void addRescue(CLI::App &program, Action &action) {
   addPath(*command.app, arguments.path);
   addPlace(*command.app, "DEST", arguments.destination,
            "The folder to copy to; it is made when it is missing");
-  command->add_option("--pattern", arguments.pattern,
-                      "How to name the files: text, '/' between folders, and the fields " + patternFields() +
-                          "; numbers may have a width, as in {track:02} [" + arguments.pattern + "]");
+  command->add_option(
+      "--pattern", arguments.pattern,
+      "How to name the files: text, '/' between folders, the fields of an export as in {year}, "
+      "{albumartist} and {albumdisc} of the whole album; {a|b} is a, else b, what stands in [] "
+      "goes when its fields are empty, and numbers may have a width, as in {track:02} [" +
+          arguments.pattern + "]");
   command
       ->add_option("--playlist", arguments.playlists,
                    "Only the songs of this playlist: its number, its name, or the beginning of its name; may "

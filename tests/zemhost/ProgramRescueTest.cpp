@@ -105,6 +105,25 @@ TEST_F(Rescue, PatternDecidesTheNames) {
   EXPECT_THAT(filesBelow(destination_), Contains(Key("Podcast/2006 Episode 12_ Tape Hiss.mp3")));
 }
 
+TEST_F(Rescue, AlbumOfSeveralArtistsLiesInOneFolderWhicheverSongsAreCopied) {
+  EXPECT_EQ(run(kPlayer, {"--playlist", "Night Drives"}).status, 0);
+  EXPECT_THAT(filesBelow(destination_),
+              Contains(Key("Compilations/Roadside Jukebox/02 Nine Volt Heart.mp3")));
+  run(kPlayer);
+  EXPECT_THAT(filesBelow(destination_),
+              testing::IsSupersetOf({Key("Compilations/Roadside Jukebox/01 Truckstop Waltz.mp3"),
+                                     Key("Compilations/Roadside Jukebox/04 Grüße aus Überlingen.mp3"),
+                                     Key("Idris Calloway/Porch Tapes/1-03 Home.m4a")}));
+}
+
+TEST_F(Rescue, PatternKnowsTheFieldsOfAnExport) {
+  EXPECT_EQ(
+      run(kPlayer, {"--playlist", "Night Drives", "--pattern", "[{comment}/]{bpm:03} {date_added}"}).status,
+      0);
+  EXPECT_THAT(filesBelow(destination_),
+              Contains(Key("Ripped from the first pressing; the B-side is longer/128 2004-05-01.mp3")));
+}
+
 TEST_F(Rescue, PlaylistsChooseTheSongs) {
   EXPECT_EQ(run(kPlayer, {"--playlist", "Podcasts", "--playlist", "1", "--playlist", "podcasts"}).status, 0);
   const Files files = filesBelow(destination_);
@@ -140,9 +159,9 @@ TEST_F(Rescue, PlaceThatIsAFileIsRefused) {
 }
 
 TEST_F(Rescue, UnknownFieldIsToldBeforeAnythingIsDone) {
-  const Outcome outcome = run(kPlayer, {"--pattern", "{artist}/{disc}"});
+  const Outcome outcome = run(kPlayer, {"--pattern", "{artist}/{mood}"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.err, HasSubstr("there is no field {disc}; the fields are {title}, "));
+  EXPECT_THAT(outcome.err, HasSubstr("there is no field {mood}; the fields are {albumartist}, "));
   EXPECT_FALSE(fs::exists(folder_.path() / "music"));
 }
 

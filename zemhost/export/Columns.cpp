@@ -56,6 +56,13 @@ constexpr int32_t kLastNumber = 300;
 }  // namespace
 
 struct SongColumns::State {
+  struct Known {
+    ExportColumn column;
+    Json (*read)(State &);
+  };
+  // All there are, in their order.
+  static const std::vector<Known> &all();
+
   State(const MusicLibrary &source, const std::vector<std::string> &names);
 
   // The song at hand, read when a column first asks for it.
@@ -142,16 +149,10 @@ Json SongColumns::State::otherTexts() const {
   return texts.empty() ? Json() : texts;
 }
 
-SongColumns::State::State(const MusicLibrary &source, const std::vector<std::string> &names)
-    : library(source) {
-  if (const Object *const object = library.object()) answers.emplace(*object);
+const std::vector<SongColumns::State::Known> &SongColumns::State::all() {
   using S = State;
   using enum ColumnType;
-  struct Known {
-    ExportColumn column;
-    Json (*read)(State &);
-  };
-  static const Known kKnown[] = {
+  static const std::vector<Known> kKnown = {
       {{"song_index", Integer}, [](S &s) { return Json(s.index); }},
       {{"track_id", Integer}, [](S &s) { return known(s.song().id); }},
       {{"title", Text}, [](S &s) { return textOrNull(s.song().title); }},
@@ -246,18 +247,24 @@ SongColumns::State::State(const MusicLibrary &source, const std::vector<std::str
       {{"composer_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::composerEncode); }},
       {{"file_type_encode", Integer}, [](S &s) { return s.wordOf(&SongAnswers::fileTypeEncode); }},
   };
+  return kKnown;
+}
+
+SongColumns::State::State(const MusicLibrary &source, const std::vector<std::string> &names)
+    : library(source) {
+  if (const Object *const object = library.object()) answers.emplace(*object);
   const auto add = [this](const Known &known) {
     columns.push_back(known.column);
     readers.push_back(known.read);
   };
-  if (names.empty()) std::for_each(std::begin(kKnown), std::end(kKnown), add);
+  if (names.empty()) std::for_each(all().begin(), all().end(), add);
   for (const std::string &name : names) {
-    const auto *const found = std::find_if(std::begin(kKnown), std::end(kKnown),
-                                           [&](const Known &known) { return known.column.name == name; });
-    if (found == std::end(kKnown)) {
+    const auto found = std::find_if(all().begin(), all().end(),
+                                    [&](const Known &known) { return known.column.name == name; });
+    if (found == all().end()) {
       std::string message = "--fields: no field is named " + inQuotes(name) + "; there are: ";
-      for (const Known &known : kKnown)
-        message.append(&known == kKnown ? "" : ", ").append(known.column.name);
+      for (const Known &known : all())
+        message.append(&known == &all().front() ? "" : ", ").append(known.column.name);
       throw HostError(message);
     }
     const bool isTaken = std::any_of(columns.begin(), columns.end(),
@@ -279,6 +286,12 @@ SongColumns::SongColumns(const MusicLibrary &library, const std::vector<std::str
     : state_(std::make_unique<State>(library, names)) {}
 
 SongColumns::~SongColumns() = default;
+
+std::vector<ExportColumn> SongColumns::all() {
+  std::vector<ExportColumn> columns;
+  for (const State::Known &known : State::all()) columns.push_back(known.column);
+  return columns;
+}
 
 const std::vector<ExportColumn> &SongColumns::columns() const { return state_->columns; }
 

@@ -41,6 +41,9 @@ class SongColumns {
   SongColumns(const MusicLibrary &library, const std::vector<std::string> &names);
   ~SongColumns();
 
+  // All columns that there are, in their order.
+  static std::vector<ExportColumn> all();
+
   const std::vector<ExportColumn> &columns() const;
   // The values of one song of the library.
   Row row(int32_t index) const;

@@ -6,41 +6,53 @@
 #include <string_view>
 #include <vector>
 
-#include "zemhost/library/MusicLibrary.h"
+#include "zemhost/export/Columns.h"
 
 namespace zemhost {
 
 // The default.
-constexpr std::string_view kUsualPattern = "{artist}/{album}/{track:02} {title}";
+constexpr std::string_view kUsualPattern = "{albumartist}/{album}/[{albumdisc}-]{track:02} {title}";
 
-// The fields of a pattern, "{title}, {artist}, ...", for help and messages.
-std::string patternFields();
+// The fields of a pattern that an album's layout decides, beside those of an export: whose folder it lies in,
+// and the disc where an album has several.
+constexpr std::string_view kAlbumArtistField = "albumartist";
+constexpr std::string_view kAlbumDiscField = "albumdisc";
 
 class NamePattern {
  public:
-  // Reads a pattern: text, fields in braces, '/' between folders, "{{" and "}}" for the braces themselves.
-  // Numbers may have a width, with zeros in front (":02") or blanks (":2"). Throws HostError, which says what
-  // is wrong and where, and the known fields when one is not known.
+  // Reads a pattern: text, fields in braces, '/' between folders. {a|b} is the first field that is not empty,
+  // what stands in [] goes with its '/' when all fields in it are, and "{{", "}}", "[[" and "]]" are the
+  // signs themselves. Numbers may have a width, with zeros in front (":02") or blanks (":2"). Throws
+  // HostError, which says what is wrong and where, and the known fields when one is not known.
   explicit NamePattern(std::string_view text);
 
-  // The folders and, last, the file's name without extension, of a song: each safe as a part of a path. A
-  // text that is empty becomes "Unknown Artist" and the like, a number that is 0 nothing.
-  std::vector<std::string> names(const Song &song) const;
+  // The fields that stand in it, each once: names of an export's columns, and the two above.
+  const std::vector<std::string> &fields() const { return fields_; }
+
+  // The folders and, last, the file's name without extension, of a song with these values, which stand beside
+  // fields(): each safe as a part of a path. An empty text outside [] becomes "Unknown Artist" and the like,
+  // or nothing. A number of which 0 says nothing is nothing then, a date is its day, and what is true is the
+  // name of its field.
+  std::vector<std::string> names(const Row &values) const;
   // The last one with a suffix and an extension, within the length that names may have.
-  std::string fileName(const Song &song, std::string_view suffix, std::string_view extension) const;
+  std::string fileName(const Row &values, std::string_view suffix, std::string_view extension) const;
 
  private:
-  struct Part {
-    std::string literal;  // stands before the field
-    int field = -1;       // in the table of fields; -1: none
+  enum class Sign { Literal, Field, Slash, Open, Close };
+  struct Token {
+    Sign sign = Sign::Literal;
+    std::string literal;
+    std::vector<size_t> fields;  // positions in fields_, the first that is not empty counts
     size_t width = 0;
     char fill = ' ';
   };
-  using Component = std::vector<Part>;
+  class Reader;
 
-  static std::string textOf(const Component &component, const Song &song);
+  std::string textOf(const Token &token, const Row &values) const;
+  std::vector<std::string> texts(const Row &values) const;
 
-  std::vector<Component> components_;
+  std::vector<std::string> fields_;
+  std::vector<Token> tokens_;
 };
 
 }  // namespace zemhost

@@ -13,7 +13,11 @@ namespace zemhost {
 
 RescuePlan::RescuePlan(const MusicLibrary &library, const NamePattern &pattern,
                        const DestinationFolder &destination, const CopyReport &report)
-    : library_(library), pattern_(pattern), destination_(destination), report_(report) {}
+    : library_(library),
+      pattern_(pattern),
+      songNames_(library, pattern),
+      destination_(destination),
+      report_(report) {}
 
 void RescuePlan::addSong(int32_t index) {
   if (fileOf_.contains(index)) return;
@@ -41,8 +45,9 @@ void RescuePlan::addSong(int32_t index) {
 
 void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
   const std::string extension = file.source.path.extension().string();
+  const Row values = songNames_.values(index);
   const std::string wanted =
-      folderFor(pattern_.names(song)) + pattern_.fileName(song, "", safeExtension(extension));
+      folderFor(pattern_.names(values)) + pattern_.fileName(values, "", safeExtension(extension));
   const auto [known, isNew] =
       shared_.try_emplace({file.source.path.string(), foldedText(wanted)}, files_.size());
   if (!isNew) {
@@ -50,7 +55,7 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
     return;
   }
   try {
-    file.target = freeName(song, file);
+    file.target = freeName(values, file);
   } catch (const CopyFailure &) {
     shared_.erase(known);
     throw;
@@ -71,14 +76,14 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
 void RescuePlan::evade(size_t place) {
   PlannedFile &file = files_[place];
   if (isFree(file.target, file)) return;
-  file.target = freeName(library_.song(file.song), file);
+  file.target = freeName(songNames_.values(file.song), file);
 }
 
-std::string RescuePlan::freeName(const Song &song, PlannedFile &file) {
-  const std::string folder = folderFor(pattern_.names(song));
+std::string RescuePlan::freeName(const Row &values, PlannedFile &file) {
+  const std::string folder = folderFor(pattern_.names(values));
   const std::string extension(safeExtension(file.source.path.extension().string()));
   return names_.take(
-      [&](std::string_view suffix) { return folder + pattern_.fileName(song, suffix, extension); },
+      [&](std::string_view suffix) { return folder + pattern_.fileName(values, suffix, extension); },
       [&](const std::string &target) { return isFree(target, file); });
 }
 

@@ -15,6 +15,7 @@
 #include "zemhost/rescue/CopyReport.h"
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/NamePattern.h"
+#include "zemhost/rescue/SongNames.h"
 #include "zemhost/rescue/TargetNames.h"
 
 namespace zemhost {
@@ -66,12 +67,13 @@ class RescuePlan {
  private:
   std::string folderFor(const std::vector<std::string> &names);
   void place(int32_t index, const Song &song, PlannedFile file);
-  std::string freeName(const Song &song, PlannedFile &file);
+  std::string freeName(const Row &values, PlannedFile &file);
   bool isFree(const std::string &target, PlannedFile &file);
   bool isCopy(const std::string &target, const PlannedFile &file) const;
 
   const MusicLibrary &library_;
   const NamePattern &pattern_;
+  const SongNames songNames_;
   const DestinationFolder &destination_;
   const CopyReport &report_;
   std::vector<PlannedFile> files_;

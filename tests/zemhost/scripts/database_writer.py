@@ -3,7 +3,10 @@
 import struct
 import zlib
 
-LITTLE = {"title": 1, "path": 2, "album": 3, "artist": 4, "genre": 5, "composer": 12}
+LITTLE = {"title": 1, "path": 2, "album": 3, "artist": 4, "genre": 5, "composer": 12, "album_artist": 22}
+# Numbers of a song in a little-endian library.
+NUMBERS = {"marks": 0x1C, "size": 0x24, "length": 0x28, "track": 0x2C, "track_total": 0x30, "year": 0x34, "disc": 0x5C, "discs": 0x60}
+COMPILATION = 0x10000  # among the marks
 BIG = {"title": 2, "album": 3, "artist": 4, "genre": 5, "composer": 12}
 FIRST_ID = 1000
 
@@ -21,7 +24,7 @@ def _with_words(chunk, order, words):
 
 
 def library(songs, playlists=None, big=False, eight_bit=False):
-    """The bytes of a library of these songs, dictionaries of texts and of the numbers size, length, track and marks. With `eight_bit`
+    """The bytes of a library of these songs, dictionaries of texts and, in a little-endian one, of NUMBERS. With `eight_bit`
     the texts of a big-endian one are in Mac Roman. A little-endian one may have playlists: names, each with the places
     of its songs."""
     order = ">" if big else "<"
@@ -39,7 +42,7 @@ def library(songs, playlists=None, big=False, eight_bit=False):
         track = _chunk(tags[3], order, 0xF4, b"".join(objects))
         words = {0x10: FIRST_ID + place}
         if not big:
-            words |= {0x1C: song.get("marks", 0), 0x24: song.get("size", 0), 0x28: song.get("length", 0), 0x2C: song.get("track", 0)}
+            words |= {offset: song.get(name) or 0 for name, offset in NUMBERS.items()}
         tracks.append(_with_words(track, order, words))
     sets = _chunk(tags[1], order, 0x60, _chunk(tags[2], order, 0x5C, b"", length=len(songs)) + b"".join(tracks), 1)
     if playlists is not None:

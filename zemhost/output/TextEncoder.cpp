@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <utf8proc.h>
 #include <utility>
+#include <vector>
 
 #include "host/Error.h"
 #include "host/runtime/Names.h"
@@ -11,6 +13,7 @@
 #include "host/text/IconvCodec.h"
 #include "host/text/TextEncoding.h"
 #include "platform/carbon/UnicodeForms.h"
+#include "zemhost/output/DisplayText.h"
 #include "zemhost/output/ShiftJisTable.h"
 #include "zemhost/output/Units.h"
 
@@ -25,6 +28,20 @@ std::u32string charactersOf(std::string_view utf8) {
     characters += c == unicode::kNoCharacter ? U'\uFFFD' : c;
   }
   return characters;
+}
+
+// The text in pieces of one character each as a person sees it: a letter with its accents, a syllable.
+std::vector<std::string> charactersInParts(std::string_view utf8) {
+  std::vector<std::string> pieces;
+  utf8proc_int32_t state = 0;
+  utf8proc_int32_t previous = 0;
+  for (const char32_t c : charactersOf(utf8)) {
+    const auto next = static_cast<utf8proc_int32_t>(c);
+    if (pieces.empty() || utf8proc_grapheme_break_stateful(previous, next, &state)) pieces.emplace_back();
+    unicode::appendUtf8(pieces.back(), c);
+    previous = next;
+  }
+  return pieces;
 }
 
 // "Shift-JIS", "shift_jis" and "ShiftJIS" are one name.
@@ -182,9 +199,28 @@ bool TextEncoder::isUtf8() const { return codec_->isUtf8(); }
 
 std::string TextEncoder::mark() const { return std::string(codec_->mark()); }
 
+// A text that loses nothing stays as it is: there are encodings with a place for the parts of a character,
+// and characters without one that are composed of them.
+std::string TextEncoder::convert(Conversion conversion, std::string_view text, uint64_t &lost) {
+  std::string converted = (*codec_.*conversion)(text, lost);
+  if (lost == 0) return converted;
+  const auto lostOf = [&](const std::string &character) {
+    uint64_t count = 0;
+    codec_->encode(character, count);
+    return count;
+  };
+  std::string joined;
+  for (const std::string &character : charactersInParts(text)) {
+    const std::string composed = composedText(character);
+    joined += lostOf(composed) < lostOf(character) ? composed : character;
+  }
+  lost = 0;
+  return (*codec_.*conversion)(joined, lost);
+}
+
 std::string TextEncoder::fit(std::string_view text) {
   uint64_t lost = 0;
-  std::string fitted = codec_->fit(text, lost);
+  std::string fitted = convert(&Codec::fit, text, lost);
   lostCharacters_ += lost;
   textsWithLoss_ += lost != 0 ? 1 : 0;
   return fitted;
@@ -192,7 +228,7 @@ std::string TextEncoder::fit(std::string_view text) {
 
 std::string TextEncoder::encode(std::string_view text) {
   uint64_t ignored = 0;
-  return codec_->encode(text, ignored);
+  return convert(&Codec::encode, text, ignored);
 }
 
 std::optional<std::string> TextEncoder::lossReport() const {

@@ -29,8 +29,9 @@ class TextEncoder {
   // What stands before the first text: the byte-order mark of UTF-16 and UTF-32, written low byte first.
   std::string mark() const;
 
-  // A text of the library (UTF-8) with '?' for each character that has no place in the encoding. These are
-  // counted, and the texts that hold them.
+  // A text of the library (UTF-8) with '?' for each character that has no place in the encoding, neither as
+  // it is nor, where it is spelled in several parts, composed. These are counted, and the texts that hold
+  // them.
   std::string fit(std::string_view text);
 
   // UTF-8 in the encoding's bytes; what has no place is '?', and not counted. Texts may be encoded piece by
@@ -46,6 +47,9 @@ class TextEncoder {
   class ShiftJisCodec;
   class SystemCodec;
 
+  using Conversion = std::string (Codec::*)(std::string_view utf8, uint64_t &lost);
+
+  std::string convert(Conversion conversion, std::string_view text, uint64_t &lost);
   static std::unique_ptr<Codec> makeCodec(const std::string &name, const Host &host);
 
   std::string name_;

@@ -12,7 +12,7 @@ _zemhost_options() {
     plays) echo '-h --help --by --top --encoding' ;;
     songs) echo '-h --help --columns --encoding' ;;
     playlist) echo '-h --help --columns --evaluate --day --encoding' ;;
-    rescue) echo '-h --help --pattern --playlist --covers --dry-run' ;;
+    rescue) echo '-h --help --pattern --playlist --covers --verify --skip-damaged --dry-run' ;;
     *) echo '-h --help' ;;
   esac
 }
@@ -53,7 +53,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call check class compare covers duplicates export info photos playlist playlists plays rescue songs' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class compare covers duplicates export info photos playlist playlists plays rescue songs verify' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -60,7 +60,7 @@ fs::path volumeRootOf(const fs::path &file) {
   fs::path folder = file.parent_path();
   if (isNamed(folder, kSqliteFolder)) folder = folder.parent_path();
   const fs::path control = folder.parent_path();
-  if (isNamed(folder, kDatabaseFolder) && isNamed(control, kControlFolder)) return control.parent_path();
+  if (isNamed(folder, kDatabaseFolder) && isControlFolder(control)) return control.parent_path();
   return {};
 }
 
@@ -92,21 +92,13 @@ DatabaseLocation locateDatabase(const fs::path &path) {
   if (isNamed(absolute, kSqliteFolder)) {
     throw PlayerError(path.string() + ": no database here: the folder has no " + kSqliteFile);
   }
-  const std::optional<fs::path> control =
-      isNamed(absolute, kControlFolder) ? absolute : childNamed(absolute, kControlFolder);
+  const std::optional<fs::path> control = isControlFolder(absolute) ? absolute : controlFolderOf(absolute);
   if (!control) {
     throw PlayerError(path.string() + ": no database here: the directory has no " + kControlFolder +
                       " folder");
   }
   const fs::path file = databaseIn(*control, path);
   return checked({file, file.string(), control->parent_path()});
-}
-
-fs::path musicFolder(const fs::path &root) {
-  const std::optional<fs::path> control = childNamed(root, kControlFolder);
-  const std::optional<fs::path> music = control ? childNamed(*control, kMusicFolder) : std::nullopt;
-  std::error_code error;
-  return music && fs::is_directory(*music, error) ? fs::canonical(*music, error) : fs::path();
 }
 
 }  // namespace player

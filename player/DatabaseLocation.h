@@ -24,8 +24,4 @@ struct DatabaseLocation {
 // out of the player.
 DatabaseLocation locateDatabase(const std::filesystem::path &path);
 
-// The folder with the songs of the player mounted at a directory, without symbolic links on its way; empty
-// when it has none.
-std::filesystem::path musicFolder(const std::filesystem::path &root);
-
 }  // namespace player

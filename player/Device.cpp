@@ -99,12 +99,21 @@ std::optional<int32_t> zoneWithin(int64_t seconds) {
   return static_cast<int32_t>(seconds);
 }
 
+// Empty when there is none, or when the root cannot be searched.
+fs::path controlOf(const fs::path &root) {
+  try {
+    return controlFolderOf(root).value_or(fs::path());
+  } catch (const PlayerError &) {
+    return {};
+  }
+}
+
 fs::path folderOf(const fs::path &root, std::string_view folder) {
   fs::path path = root;
   while (!folder.empty() && !path.empty()) {
     const std::string name(folder.substr(0, folder.find('/')));
     folder.remove_prefix(std::min(folder.size(), name.size() + 1));
-    path = playerFile(path, name.c_str());
+    path = isControlFolder(name) ? controlOf(path) : playerFile(path, name.c_str());
   }
   return path;
 }
@@ -179,7 +188,7 @@ std::optional<int32_t> syncZoneOf(int database) {
 
 Device readDevice(const fs::path &root) {
   Device device;
-  const fs::path control = folderOf(root, kControlFolder);
+  const fs::path control = controlOf(root);
   struct Source {
     const char *folder;
     const char *name;
@@ -211,7 +220,7 @@ Device readDevice(const fs::path &root) {
     if (file.empty()) continue;
     std::error_code error;
     const bool isEmpty = fs::is_regular_file(file, error) && fs::file_size(file, error) == 0;
-    device.files.push_back(std::string(known.folder) + "/" + known.name + (isEmpty ? " (empty)" : ""));
+    device.files.push_back(file.lexically_relative(root).string() + (isEmpty ? " (empty)" : ""));
   }
   return device;
 }

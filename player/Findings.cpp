@@ -27,8 +27,10 @@ std::string_view kindName(FindingKind kind) {
       return "unused-file";
     case FindingKind::UnresolvedId:
       return "unresolved-id";
-    case FindingKind::OtherSize:
-      return "other-size";
+    case FindingKind::ShortFile:
+      return "short-file";
+    case FindingKind::Unreadable:
+      return "unreadable";
     case FindingKind::AbsentFile:
       return "absent-file";
     case FindingKind::DamagedFile:

@@ -23,11 +23,12 @@ enum class FindingKind {
   UnnamedFile,       // a file in the music folder that no song names
   UnusedFile,        // a file beside the database that does not fit it
   UnresolvedId,      // a table names by its ID what is not there
-  OtherSize,         // a song's file has another size than the library states
+  ShortFile,         // a song's file is empty, or shorter than the database states
+  Unreadable,        // a song's file, or a folder of the player, that is there and cannot be read
   AbsentFile,        // a file that belongs to the database and is not there
   DamagedFile,       // a file of the database, or a part of it, that cannot be read
 };
-constexpr size_t kFindingKinds = 13;
+constexpr size_t kFindingKinds = 14;
 
 // "unexplained-bytes": the kind's name in reports that programs read.
 std::string_view kindName(FindingKind kind);

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "player/Error.h"
+#include "player/PlayerFolders.h"
 
 namespace player {
 
@@ -28,6 +29,15 @@ std::optional<fs::path> childNamed(const fs::path &directory, const char *name) 
   if (error == std::errc::not_enough_memory) throw std::bad_alloc();
   if (error) throw PlayerError(directory.string(), error.value());
   return found;
+}
+
+bool isControlFolder(const fs::path &path) {
+  return isNamed(path, kControlFolder) || isNamed(path, kOtherControlFolder);
+}
+
+std::optional<fs::path> controlFolderOf(const fs::path &root) {
+  const std::optional<fs::path> usual = childNamed(root, kControlFolder);
+  return usual ? usual : childNamed(root, kOtherControlFolder);
 }
 
 void expectInside(const fs::path &folder, const fs::path &path, const std::string &name) {

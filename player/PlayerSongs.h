@@ -26,6 +26,7 @@ class PlayerSongs {
   // std::system_error when the database cannot be read any more.
   SongFacts facts(size_t song) const;
   std::vector<SongText> texts(size_t song) const { return reader_.texts(song); }
+  std::optional<std::string> path(size_t song) const { return reader_.path(song); }
   std::vector<Chapter> chapters(size_t song) const { return reader_.chapters(song); }
 
   // Likewise what the database alone says, as of the last synchronisation.

@@ -24,7 +24,8 @@ constexpr uint32_t kDesktopSettings = 102;
 constexpr uint32_t kDesktopCriteria = 101;
 constexpr uint32_t kNameObject = 1;
 
-std::optional<SmartRules> rulesAmong(int file, bool bigEndian, const std::vector<StoredObject> &objects) {
+std::optional<SmartRules> rulesAmong(FileWindow &file, bool bigEndian,
+                                     const std::vector<StoredObject> &objects) {
   std::string settings;
   std::optional<std::string> criteria;
   for (const StoredObject &object : objects) {
@@ -78,7 +79,7 @@ void eachEntry(int file, bool bigEndian, uint64_t list, const Sink &sink) {
   }
 }
 
-std::string nameOf(int file, uint64_t record) {
+std::string nameOf(FileWindow &file, uint64_t record) {
   for (const StoredObject &object : objectsOf(file, false, record, kNoEnd)) {
     if (object.type != kNameObject) continue;
     if (auto name = textOf(file, false, object)) return std::move(*name);
@@ -116,7 +117,8 @@ PlaylistFacts PlaylistReader::facts(size_t list) const {
   const std::string bytes = readAt(file_, at, kLongestListHeader);
   const RecordHeader header(bytes, bigEndian_);
   PlaylistFacts facts;
-  facts.rules = rulesAmong(file_, bigEndian_, objectsOf(file_, bigEndian_, at, kNoEnd));
+  FileWindow window(file_);
+  facts.rules = rulesAmong(window, bigEndian_, objectsOf(window, bigEndian_, at, kNoEnd));
   facts.kind = playlistKindOf(header, bigEndian_, list == 0, facts.rules.has_value());
   if (bigEndian_) {
     facts.created = header.date(0x1c);
@@ -149,9 +151,10 @@ std::vector<PodcastGroup> PlaylistReader::podcastGroups(size_t list) const {
     if (isNew) groups.emplace_back();
     return found->second;
   };
+  FileWindow names(file_);
   eachEntry(file_, false, grouped->second, [&](const StoredEntry &entry) {
     if (entry.isHeading) {
-      groups[placeOf(entry.id)].name = nameOf(file_, entry.at);
+      groups[placeOf(entry.id)].name = nameOf(names, entry.at);
     } else {
       groups[placeOf(entry.group)].songs.push_back(entry.song);
     }

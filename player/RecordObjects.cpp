@@ -1,6 +1,5 @@
 #include "player/RecordObjects.h"
 
-#include "player/FileBytes.h"
 #include "player/FileWord.h"
 #include "player/Utf16.h"
 
@@ -13,21 +12,21 @@ constexpr size_t kTextHeader = 0x28;  // of a text, as far as the text
 constexpr uint32_t kUtf16 = 1;
 constexpr uint64_t kLongestObject = 1U << 20;
 
-std::string bytesFrom(int file, const StoredObject &object, size_t start) {
+std::string bytesFrom(FileWindow &file, const StoredObject &object, size_t start) {
   if (object.length < start || object.length > kLongestObject) return {};
-  return readAt(file, object.at + start, static_cast<size_t>(object.length) - start);
+  return std::string(file.ahead(object.at + start, static_cast<size_t>(object.length) - start));
 }
 
 }  // namespace
 
-std::vector<StoredObject> objectsOf(int file, bool bigEndian, uint64_t record, uint64_t end) {
+std::vector<StoredObject> objectsOf(FileWindow &file, bool bigEndian, uint64_t record, uint64_t end) {
   std::vector<StoredObject> objects;
-  const std::string header = readAt(file, record, 16);
+  const std::string header(file.ahead(record, 16));
   if (header.size() < 16) return objects;
   const uint32_t announced = wordAt(header, 12, bigEndian);
   uint64_t at = record + wordAt(header, 4, bigEndian);
   while (objects.size() < announced) {
-    const std::string head = readAt(file, at, kTextHeader);
+    const std::string_view head = file.ahead(at, kTextHeader);
     if (head.size() < kHeaderOfObject || !head.starts_with(bigEndian ? "hohm" : "mhod")) break;
     const uint64_t length = wordAt(head, 8, bigEndian);
     if (length < kHeaderOfObject || at + length > end) break;
@@ -39,9 +38,11 @@ std::vector<StoredObject> objectsOf(int file, bool bigEndian, uint64_t record, u
   return objects;
 }
 
-std::string bodyOf(int file, const StoredObject &object) { return bytesFrom(file, object, kHeaderOfObject); }
+std::string bodyOf(FileWindow &file, const StoredObject &object) {
+  return bytesFrom(file, object, kHeaderOfObject);
+}
 
-std::optional<std::string> textOf(int file, bool bigEndian, const StoredObject &object) {
+std::optional<std::string> textOf(FileWindow &file, bool bigEndian, const StoredObject &object) {
   if (!object.isText || object.length > kLongestObject) return std::nullopt;
   return utf8OfUtf16(bytesFrom(file, object, kTextHeader), bigEndian);
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "player/FileWindow.h"
+
 namespace player {
 
 struct StoredObject {
@@ -17,15 +19,16 @@ struct StoredObject {
 };
 
 // Where the objects of the record at an offset stand, in the order of the file: as many as its header
-// announces, to where they end at `end` or break off. Throws std::system_error when the file cannot be read.
-std::vector<StoredObject> objectsOf(int file, bool bigEndian, uint64_t record, uint64_t end);
+// announces, to where they end at `end` or break off. Takes what the window holds and leaves it where it is,
+// as the others do. Throws std::system_error when the file cannot be read.
+std::vector<StoredObject> objectsOf(FileWindow &file, bool bigEndian, uint64_t record, uint64_t end);
 
 // The bytes of an object behind the first 0x18, fewer where the file ends; none when they are more than a
 // mebibyte.
-std::string bodyOf(int file, const StoredObject &object);
+std::string bodyOf(FileWindow &file, const StoredObject &object);
 
 // The text of an object in UTF-8; what is no character has become U+FFFD. Nothing when it is no text, or one
 // of more than a mebibyte.
-std::optional<std::string> textOf(int file, bool bigEndian, const StoredObject &object);
+std::optional<std::string> textOf(FileWindow &file, bool bigEndian, const StoredObject &object);
 
 }  // namespace player

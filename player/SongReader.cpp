@@ -2,22 +2,26 @@
 
 #include <utility>
 
-#include "player/FileBytes.h"
 #include "player/FileWord.h"
-#include "player/RecordObjects.h"
 
 namespace player {
+
+namespace {
+
+constexpr uint32_t kPathObject = 2;
+
+}  // namespace
 
 SongReader::SongReader(int file, bool bigEndian, std::vector<uint64_t> songs)
     : file_(file), bigEndian_(bigEndian), songs_(std::move(songs)) {}
 
 SongFacts SongReader::facts(size_t index) const {
-  return readSongFacts(readAt(file_, songs_[index], kLongestSongHeader), bigEndian_);
+  return readSongFacts(file_.at(songs_[index], kLongestSongHeader), bigEndian_);
 }
 
 std::vector<StoredObject> SongReader::objects(size_t index) const {
   const uint64_t song = songs_[index];
-  const std::string header = readAt(file_, song, 12);
+  const std::string_view header = file_.at(song, 12);
   if (header.size() < 12) return {};
   return objectsOf(file_, bigEndian_, song, song + wordAt(header, 8, bigEndian_));
 }
@@ -28,6 +32,15 @@ std::vector<SongText> SongReader::texts(size_t index) const {
     if (auto text = textOf(file_, bigEndian_, object)) texts.push_back({object.type, std::move(*text)});
   }
   return texts;
+}
+
+std::optional<std::string> SongReader::path(size_t index) const {
+  std::optional<std::string> path;
+  if (bigEndian_) return path;
+  for (const StoredObject &object : objects(index)) {
+    if (object.type == kPathObject && object.isText) path = textOf(file_, bigEndian_, object);
+  }
+  return path;
 }
 
 std::vector<Chapter> SongReader::chapters(size_t index) const {

@@ -106,11 +106,26 @@ void addRescue(CLI::App &program, Action &action) {
       ->check(notEmpty());
   command->add_flag("--covers", arguments.covers,
                     "Write the cover of each album beside its songs, as cover.png");
+  command->add_flag("--verify", arguments.verify,
+                    "Read every copy back, and compare it with what was read from the player");
+  command->add_flag("--skip-damaged", arguments.skipDamaged,
+                    "Leave out songs of which a part cannot be read; else their copies are marked (damaged)");
   command->add_flag("--dry-run", arguments.dryRun, "Show what would be copied, and write nothing");
   command->footer(
       "Complete copies are left alone and no other file is ever replaced, so after an interruption the same "
       "command continues. Ends with 0 when everything is copied, with 3 when some songs could not be copied, "
-      "and with 1 when it had to stop.");
+      "or not whole, and with 1 when it had to stop.");
+}
+
+void addVerify(CLI::App &program, Action &action) {
+  const auto command =
+      addCommand(program, action, "verify", "Check a folder of rescued music against its SHA256SUMS",
+                 verifyCopies, checkDestination<VerifyArguments>);
+  command->add_option("DEST", command.arguments->destination, "The folder that rescue copied to")->required();
+  command->footer(
+      "Ends with 0 when every file is as it was copied, with 3 when one is missing or has changed, and with "
+      "1 "
+      "when the folder has no sums.");
 }
 
 void addPictures(CLI::App &program, Action &action, const char *name, const char *description,
@@ -146,6 +161,7 @@ void addCommands(CLI::App &program, Action &action) {
   addCheck(program, action);
   addExport(program, action);
   addRescue(program, action);
+  addVerify(program, action);
   addPictures(program, action, "covers", "Write the cover of each album as a PNG file", exportCovers);
   addPictures(program, action, "photos", "Write the photos of a player, in folders by album", exportPhotos);
   addCompare(program, action);

@@ -15,7 +15,8 @@ namespace zemhost {
 constexpr size_t kLongestMacName = carbon::kLongestName;
 
 // The Mac name of a volume mounted at a directory: the directory's own, shortened to whole characters of
-// kLongestMacName bytes. Empty for the root directory of the machine.
+// kLongestMacName bytes. "System" for the root directory of the machine, which is a volume without being
+// declared.
 std::string volumeName(const std::filesystem::path &root);
 
 // A colon-separated path or a name on it as the disk has it: "iPod:AC/DC" is "iPod/AC:DC".

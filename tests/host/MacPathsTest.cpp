@@ -8,7 +8,7 @@ namespace {
 TEST(VolumeName, IsTheDirectorysNameWithSlashesForColons) {
   EXPECT_EQ(volumeName("/media/me/My iPod"), "My iPod");
   EXPECT_EQ(volumeName("/media/me/AC:DC"), "AC/DC");
-  EXPECT_EQ(volumeName("/"), "");
+  EXPECT_EQ(volumeName("/"), "System");
   EXPECT_EQ(volumeName(""), "");
 }
 

@@ -195,7 +195,7 @@ TEST_F(DeviceTest, FilesThatAreThereAreJoinedAndNamed) {
   EXPECT_EQ(modelText(device.model), "iPod (generation 4), 20 GB, white");
   EXPECT_THAT(device.files,
               ElementsAre("iPod_Control/iTunes/DeviceInfo", "iPod_Control/Device/SysInfo (empty)",
-                          "iPod_Control/Device/SysInfoExtended"));
+                          "iPod_Control/Device/sysinfoextended"));
   EXPECT_THAT(device.warnings, IsEmpty());
 }
 

@@ -90,7 +90,8 @@ class CheckedPlayer : public CheckTest {
  protected:
   CheckedPlayer() {
     fs::copy(kPlayer, player_, fs::copy_options::recursive);
-    folder_.write("player/iPod_Control/Music/F12/LOST.m4a", "found");
+    folder_.write("player/iPod_Control/Music/F12/LOST.m4a",
+                  samples::PlaceholderFile(samples::SampleSongs().at(24)));
   }
 
   fs::path player_ = folder_.path() / "player";

@@ -171,7 +171,7 @@ TEST_F(Nano, CheckCountsTablesAndFindsWhatIsWrong) {
                     HasSubstr("Dynamic.itdb    item_stats           29\n"),
                     HasSubstr("\nentries       65    65\n"), HasSubstr("\n1 finding\n- song 24")));
   support::runSql(nano_ / kFolder / "Locations.itdb",
-                  "UPDATE location SET file_size = 7 WHERE location = 'F00/QHLA.m4a'");
+                  "UPDATE location SET file_size = 7000000 WHERE location = 'F00/QHLA.m4a'");
   change("Library.itdb", "UPDATE item_to_container SET item_pid = 77 WHERE physical_order = 5");
   folder_.write("nano/iPod_Control/Music/F00/NONE.mp3", "x");
   const json found = json::parse(runZemhost({"check", nano_, "--json"}).out);
@@ -179,7 +179,7 @@ TEST_F(Nano, CheckCountsTablesAndFindsWhatIsWrong) {
   EXPECT_EQ(found["tables"][0], json({{"file", "Library.itdb"}, {"table", "item"}, {"rows", 29}}));
   EXPECT_EQ(found["counts"]["playlists"], json({{"found", 9}, {"read", 9}}));
   const json &counts = found["finding_counts"];
-  EXPECT_EQ(counts["other-size"], 1);
+  EXPECT_EQ(counts["short-file"], 1);
   EXPECT_EQ(counts["missing-file"], 1);
   EXPECT_EQ(counts["unnamed-file"], 1);
   EXPECT_EQ(counts["entry-without-song"], 4);

@@ -206,14 +206,37 @@ TEST_F(Rescue, EmptyNameOfAPlaceIsAUsageError) {
   }
 }
 
-TEST_F(Rescue, FileOfAnotherSizeThanTheDatabaseTellsIsNamed) {
-  const fs::path player = makePlayer({{u"One", u"A"}});
-  folder_.write("My iPod/iPod_Control/Music/F00/0.mp3", "cut");
+TEST_F(Rescue, FilesThatAreShorterThanTheDatabaseStatesAreCopiedAndEndWithStatus3) {
+  const fs::path player = makePlayerOf({{u"One", u"A", u"F00/0.mp3", "cut", 6},
+                                        {u"Two", u"A", u"F00/1.mp3", "", 6},
+                                        {u"Three", u"A", u"F00/2.mp3", "", 0}});
+  const fs::path music = player / "iPod_Control/Music/F00";
+  for (int round = 0; round < 2; ++round) {
+    const Outcome outcome = run(player);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(
+        outcome.out,
+        EndsWith("3 files are empty or shorter than the database states, and are copied as they are:\n"
+                 "- song 0 \"One\" by A: its file has 3 bytes, and the database states 6: " +
+                 (music / "0.mp3").string() +
+                 "\n"
+                 "- song 1 \"Two\" by A: its file is empty, and the database states 6: " +
+                 (music / "1.mp3").string() +
+                 "\n"
+                 "- song 2 \"Three\" by A: its file is empty: " +
+                 (music / "2.mp3").string() + "\n"));
+    EXPECT_THAT(filesBelow(destination_), Contains(Pair("A/Unknown Album/One.mp3", "cut")));
+  }
+}
+
+TEST_F(Rescue, FileThatIsLongerThanTheDatabaseStatesIsARemark) {
+  const fs::path player = makePlayerOf(
+      {{u"One", u"A", u"F00/0.mp3", "longer", 3}, {u"Two", u"A", u"F00/1.mp3", "not stated", 0}});
   const Outcome outcome = run(player);
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out,
-              EndsWith("1 file has another size than the database states and is copied as it is:\n"
-                       "- song 0 \"One\" by A: 3 bytes, but the database states 6: " +
+              EndsWith("2 songs copied, 16 B\n"
+                       "1 remark:\n- song 0 \"One\" by A: its file has 6 bytes, and the database states 3: " +
                        (player / "iPod_Control/Music/F00/0.mp3").string() + "\n"));
 }
 

@@ -2,12 +2,14 @@
 
 // A player of a few songs, and what a rescue of it leaves.
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,16 +32,31 @@ using Files = std::map<std::string, std::string>;
 
 inline constexpr const char *kReport = "rescue-report.ndjson";
 
-// Every file below a folder with its content, but the report.
+// Whether a file is what a rescue says of itself, beside the music.
+inline bool isReport(const fs::path &file) {
+  const std::string name = file.filename();
+  return name == kReport || name == "rescue-report.json" || name == "SHA256SUMS";
+}
+
+// Every file below a folder with its content, but those.
 inline Files filesBelow(const fs::path &folder) {
   Files files;
   if (!fs::exists(folder)) return files;
   for (const auto &entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file() && entry.path().filename() != kReport)
+    if (entry.is_regular_file() && !isReport(entry.path()))
       files[entry.path().lexically_relative(folder).string()] = contentOf(entry.path());
   }
   return files;
 }
+
+// A song of a player and its file.
+struct StoredSong {
+  std::u16string title{};
+  std::u16string artist{};
+  std::u16string path{};  // below the music folder, "F00/0.mp3"
+  std::string content{};
+  std::optional<uint32_t> statedSize{};  // when the database states another than the content's
+};
 
 class RescueFixture : public testing::Test {
  protected:
@@ -53,18 +70,32 @@ class RescueFixture : public testing::Test {
   // it.
   fs::path makePlayer(const std::vector<std::pair<std::u16string, std::u16string>> &songs,
                       std::vector<samples::Playlist> lists = {}) const {
+    std::vector<StoredSong> stored;
+    for (size_t i = 0; i < songs.size(); ++i) {
+      const std::string name = "F00/" + std::to_string(i) + ".mp3";
+      stored.push_back({songs[i].first,
+                        songs[i].second,
+                        std::u16string(name.begin(), name.end()),
+                        "song " + std::to_string(i),
+                        {}});
+    }
+    return makePlayerOf(stored, std::move(lists));
+  }
+
+  fs::path makePlayerOf(const std::vector<StoredSong> &songs,
+                        std::vector<samples::Playlist> lists = {}) const {
     std::vector<samples::Track> tracks;
     for (size_t i = 0; i < songs.size(); ++i) {
-      const std::string name = std::to_string(i) + ".mp3";
-      const std::string content = "song " + std::to_string(i);
-      folder_.write("My iPod/iPod_Control/Music/F00/" + name, content);
+      const StoredSong &song = songs[i];
+      folder_.write("My iPod/iPod_Control/Music" / fs::path(song.path), song.content);
       samples::SongTexts texts;
-      texts.title = songs[i].first;
-      texts.artist = songs[i].second;
-      texts.path = u":iPod_Control:Music:F00:" + std::u16string(name.begin(), name.end());
+      texts.title = song.title;
+      texts.artist = song.artist;
+      texts.path = u":iPod_Control:Music:" + song.path;
+      std::replace(texts.path.begin(), texts.path.end(), u'/', u':');
       samples::Track track;
       track.id = static_cast<uint32_t>(52 + i);
-      track.filesize = static_cast<uint32_t>(content.size());
+      track.filesize = song.statedSize.value_or(static_cast<uint32_t>(song.content.size()));
       track.objects = samples::SongObjects(samples::Variant::LittleEndian, texts);
       tracks.push_back(std::move(track));
     }

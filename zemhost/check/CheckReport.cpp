@@ -1,5 +1,6 @@
 #include "zemhost/check/CheckReport.h"
 
+#include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 
@@ -99,6 +100,17 @@ void writeFindings(const player::Findings &findings, std::ostream &out) {
   }
 }
 
+// What is no fault and yet not as it is stated.
+void writeRemarks(const LibraryAccount &library, std::ostream &out) {
+  if (library.filesLong == 0) return;
+  out << countText(library.filesLong, "remark: a file is longer", "remarks: files are longer")
+      << " than the database states\n";
+  const size_t shown = std::min(library.remarks.size(), static_cast<size_t>(kShownOfEachKind));
+  for (size_t i = 0; i < shown; ++i) line(out, "- ", library.remarks[i]);
+  if (library.filesLong > shown)
+    out << "- and " << library.filesLong - shown << " more (--json lists them)\n";
+}
+
 nlohmann::ordered_json countJson(uint64_t declared, uint64_t found) {
   return {{"announced", declared}, {"found", found}};
 }
@@ -159,6 +171,7 @@ void writeText(const CheckReport &report, std::ostream &out) {
   }
   out << '\n';
   writeFindings(report.findings, out);
+  writeRemarks(report.library, out);
 }
 
 void writeJson(const CheckReport &report, std::ostream &out) {
@@ -171,6 +184,7 @@ void writeJson(const CheckReport &report, std::ostream &out) {
     json["files"]["present"] = library.filesThere;
     json["files"]["missing"] = library.filesMissing;
     json["files"]["unnamed"] = library.filesUnnamed;
+    json["files"]["longer"] = library.filesLong;
   } else {
     json["files"]["reason"] = library.filesLeftOut;
   }
@@ -188,6 +202,7 @@ void writeJson(const CheckReport &report, std::ostream &out) {
   json["findings"] = Json::array();
   for (const player::Finding &finding : report.findings.kept())
     json["findings"].push_back(findingJson(finding));
+  json["remarks"] = library.remarks;
   // A name on a disk need not be valid text.
   out << jsonText(json, 2) << '\n';
 }

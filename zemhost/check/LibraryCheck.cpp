@@ -1,13 +1,14 @@
 #include "zemhost/check/LibraryCheck.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <set>
 #include <system_error>
 #include <vector>
 
-#include "host/Error.h"
-#include "player/DatabaseLocation.h"
+#include "player/FileBytes.h"
+#include "player/MusicFiles.h"
 #include "zemhost/check/SongComparison.h"
 #include "zemhost/library/Phrases.h"
 
@@ -16,11 +17,6 @@ namespace zemhost {
 namespace fs = std::filesystem;
 
 namespace {
-
-bool isBelow(const fs::path &path, const fs::path &folder) {
-  const auto [end, unused] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
-  return end == folder.end();
-}
 
 class Check {
  public:
@@ -64,8 +60,10 @@ class Check {
       differs("the file holds no song of the ID " + std::to_string(song.id.value_or(0)) + " at its place");
       return;
     }
+    Song answered = song;
+    answered.path = library_.answeredPath(index);
     for (const std::string &text :
-         songDifferences(song, library_.textsInFile(index), library_.form() == LibraryForm::Desktop))
+         songDifferences(answered, library_.textsInFile(index), library_.form() == LibraryForm::Desktop))
       differs(text);
   }
 
@@ -74,15 +72,38 @@ class Check {
     if (file.isThere()) {
       ++account_.filesThere;
       named_.insert(file.path.string());
-      if (library_.form() == LibraryForm::Sqlite && song.facts.size && file.size != song.size) {
-        add(player::FindingKind::OtherSize,
-            songLabel(index, song) + ": its file has " + std::to_string(file.size) +
-                " bytes, and the library states " + std::to_string(song.size) + ": " + file.place);
-      }
+      compareSize(index, song, file);
+      if (const int error = errorOfReading(file); error != 0)
+        add(player::FindingKind::Unreadable, unreadableText(index, song, file, error));
       return;
     }
     ++account_.filesMissing;
-    add(player::FindingKind::MissingFile, missingFileText(index, song, file));
+    if (file.isUnreadable()) {
+      add(player::FindingKind::Unreadable, unreadableText(index, song, file, file.error));
+    } else {
+      add(player::FindingKind::MissingFile, missingFileText(index, song, file));
+    }
+  }
+
+  void compareSize(int32_t index, const Song &song, const SongFile &file) {
+    const SizeOfFile size = comparedSize(file, song);
+    if (size == SizeOfFile::Short) add(player::FindingKind::ShortFile, otherSizeText(index, song, file));
+    if (size != SizeOfFile::Long) return;
+    ++account_.filesLong;
+    if (account_.remarks.size() < player::Findings::kKept)
+      account_.remarks.push_back(otherSizeText(index, song, file));
+  }
+
+  // 0 when the first byte can be read.
+  int errorOfReading(const SongFile &file) const {
+    const carbon::Descriptor open = library_.open(file);
+    if (!open) return errno;
+    try {
+      player::readAt(open.number(), 0, 1);
+    } catch (const std::system_error &error) {
+      return error.code().value();
+    }
+    return 0;
   }
 
   void checkPlaylists() {
@@ -119,19 +140,18 @@ class Check {
   }
 
   void checkMusicFolder(const fs::path &root) {
-    const fs::path folder = player::musicFolder(root);
-    if (folder.empty() || !isBelow(folder, fs::canonical(root))) return;
     std::vector<std::string> unnamed;
-    std::error_code error;
-    fs::recursive_directory_iterator entry(folder, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-      // A link is no file of the folder, and may lead anywhere.
-      const bool isFile = fs::is_regular_file(entry->symlink_status(error));
-      if (!isFile || named_.contains(entry->path().string())) continue;
+    player::MusicFileSink sink;
+    sink.onFile = [&](const fs::path &file) {
+      if (named_.contains(file.string())) return;
       ++account_.filesUnnamed;
-      if (unnamed.size() < player::Findings::kKept) unnamed.push_back(entry->path().string());
-    }
-    if (error) throw HostError(folder.string(), error.value());
+      if (unnamed.size() < player::Findings::kKept) unnamed.push_back(file.string());
+    };
+    sink.onFailure = [&](const fs::path &path, int error) {
+      add(player::FindingKind::Unreadable,
+          path.string() + " cannot be read: " + std::generic_category().message(error));
+    };
+    player::eachMusicFile(root, sink);
     std::sort(unnamed.begin(), unnamed.end());
     for (const std::string &file : unnamed)
       add(player::FindingKind::UnnamedFile, "no song names the file " + file);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "player/Findings.h"
 #include "zemhost/library/MusicLibrary.h"
@@ -16,12 +17,14 @@ struct LibraryAccount {
   std::string filesLeftOut;  // why no files were looked at; empty when they were
   uint64_t filesThere = 0;   // of the songs
   uint64_t filesMissing = 0;
-  uint64_t filesUnnamed = 0;  // in the music folder
+  uint64_t filesUnnamed = 0;         // in the music folder
+  uint64_t filesLong = 0;            // of the songs: those that are longer than the database states
+  std::vector<std::string> remarks;  // of these the first, which is no fault of theirs
 };
 
 // Looks at every song, its texts and its file, at every playlist entry, and at every file of the music
-// folder. The files are left out for a library that is on no player. Adds what is wrong to `findings`.
-// Throws HostError, naming it, when the music folder cannot be read.
+// folder; of a song's file the first bytes are read. The files are left out for a library that is on no
+// player. Adds what is wrong to `findings`, and so what cannot be read.
 LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings);
 
 }  // namespace zemhost

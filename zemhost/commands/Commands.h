@@ -75,9 +75,16 @@ struct RescueArguments {
   std::string pattern{kUsualPattern};
   std::vector<std::string> playlists;  // none: the whole library
   bool dryRun = false;
-  bool covers = false;  // beside the music
+  bool covers = false;       // beside the music
+  bool verify = false;       // read every copy back
+  bool skipDamaged = false;  // leave out songs of which a part cannot be read
 };
 int rescueMusic(const RescueArguments &arguments);
+
+struct VerifyArguments {
+  std::string destination;  // of rescues
+};
+int verifyCopies(const VerifyArguments &arguments);
 
 struct PictureArguments {
   std::string path;

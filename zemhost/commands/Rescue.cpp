@@ -35,10 +35,15 @@ void writeSummary(const RescueResult &result, bool dryRun) {
     std::cout << countText(result.evaded, "name was", "names were")
               << " taken by another file, so a number was added\n";
   }
-  writeList(countText(result.otherSizes.size(),
-                      "file has another size than the database states and is copied as it is",
-                      "files have another size than the database states and are copied as they are"),
-            result.otherSizes);
+  if (result.verified > 0)
+    std::cout << countText(result.verified, "copy was", "copies were") << " read back, and the same\n";
+  writeList(countText(result.shortFiles.size(),
+                      "file is empty or shorter than the database states, and is copied as it is",
+                      "files are empty or shorter than the database states, and are copied as they are"),
+            result.shortFiles);
+  writeList(countText(result.damaged.size(), "song is damaged, with zeros for what cannot be read",
+                      "songs are damaged, with zeros for what cannot be read"),
+            result.damaged);
   writeList(countText(result.remarks.size(), "remark", "remarks"), result.remarks);
   writeList(countText(result.problems.size(), "problem", "problems"), result.problems);
 }
@@ -47,7 +52,8 @@ void writeSummary(const RescueResult &result, bool dryRun) {
 
 int rescueMusic(const RescueArguments &arguments) {
   RescueRequest request{
-      arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun, arguments.covers};
+      arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun, arguments.covers,
+      arguments.verify,      arguments.skipDamaged};
   const MusicLibrary library = openAndWarn(arguments.path);
   for (const std::string &wanted : arguments.playlists) {
     const int32_t list = choosePlaylist(library, wanted);
@@ -57,7 +63,7 @@ int rescueMusic(const RescueArguments &arguments) {
   const RescueResult result = rescue(library, request);
   warnOfCovers(library);
   writeSummary(result, arguments.dryRun);
-  return result.problems.empty() ? kSuccess : kIncomplete;
+  return result.isComplete() ? kSuccess : kIncomplete;
 }
 
 }  // namespace zemhost

@@ -79,9 +79,9 @@ struct SongColumns::State {
   Json prop(int32_t number) const { return answers ? word(answers->prop(index, number)) : Json(); }
   Json trackText() const { return answers ? textOrNull(answers->trackText(index).text()) : Json(); }
   Json absolutePath() {
-    if (answers) return textOrNull(answers->absolutePath(song().path).text());
-    const bool isKnown = !song().path.empty() && !library.location().volumeRoot.empty();
-    return isKnown ? Json(library.volumeName() + song().path) : Json();
+    if (library.form() == LibraryForm::Desktop || library.location().volumeRoot.empty())
+      return answers ? textOrNull(answers->absolutePath(song().path).text()) : Json();
+    return song().path.empty() ? Json() : Json(library.volumeName() + song().path);
   }
   Json numberedText(int32_t number) const {
     return textOrNull(library.numberedText(index, number).value_or(std::string()));

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/Error.h"
+#include "host/runtime/MacPaths.h"
 #include "player/Device.h"
 #include "zemhost/library/ClassWords.h"
 #include "zemhost/library/StoredText.h"
@@ -69,6 +70,7 @@ void ClassSource::addFacts(int32_t index, Song &song) const {
   if (facts.id != static_cast<uint32_t>(*song.id)) return;
   song.facts = facts;
   if (const player::PlayCount *counted = songs.counted(place)) song.sinceSync = *counted;
+  if (auto path = read([&] { return songs.path(place); })) song.path = *std::move(path);
 }
 
 Song ClassSource::song(int32_t index) const {
@@ -80,9 +82,6 @@ Song ClassSource::song(int32_t index) const {
   song.genre = genre_.read(index, libType_);
   song.composer = composer_.read(index, libType_);
   song.fileType = fileType_.read(index, libType_);
-  database_.object.set("ResultEncode", kPathsAsStored);
-  song.path = pathText(path_(index).bytes(), libType_);
-  database_.object.set("ResultEncode", kTextsAsStored);
   song.track = number(track_, index);
   song.trackTotal = number(trackTotal_, index);
   song.duration = duration(index);
@@ -92,7 +91,20 @@ Song ClassSource::song(int32_t index) const {
   song.sampleRate = sampleRateHertz(rateWord(sampleRate_(index).integer(), libType_));
   song.modified = number(modified_, index);
   addFacts(index, song);
+  if (song.path.empty()) song.path = answeredPath(index);
   return song;
+}
+
+std::string ClassSource::answeredPath(int32_t index) const {
+  database_.object.set("ResultEncode", kPathsAsStored);
+  std::string path = pathText(path_(index).bytes(), libType_);
+  database_.object.set("ResultEncode", kTextsAsStored);
+  return path;
+}
+
+std::string ClassSource::volumeName() const {
+  const bool isOnPlayer = form() == LibraryForm::Player && !location().volumeRoot.empty();
+  return isOnPlayer ? zemhost::volumeName(location().volumeRoot) : database_.object.get("VolumeName").text();
 }
 
 uint32_t ClassSource::duration(int32_t index) const { return number(duration_, index); }

@@ -18,11 +18,16 @@ class ClassSource final : public LibrarySource {
 
   const player::DatabaseLocation &location() const override { return database_.location; }
   LibraryForm form() const override { return libType_ == 0 ? LibraryForm::Desktop : LibraryForm::Player; }
-  std::string volumeName() const override { return database_.object.get("VolumeName").text(); }
+  // The class cuts it out of the path of the database, where it knows one spelling of the player's folder
+  // alone; here it is the volume's own. Of a desktop library, and of a file on no player, what the class
+  // says.
+  std::string volumeName() const override;
   const Object *object() const override { return &database_.object; }
 
   int32_t songCount() const override { return songCount_().integer(); }
+  // With the path as the file has it: the class drops from it what lies above U+00FF.
   Song song(int32_t index) const override;
+  std::string answeredPath(int32_t index) const override;
   uint32_t duration(int32_t index) const override;
   uint32_t size(int32_t index) const override;
   std::optional<std::string> numberedText(int32_t index, int32_t number) const override;

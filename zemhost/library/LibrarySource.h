@@ -41,6 +41,8 @@ class LibrarySource {
   // an empty one.
   virtual int32_t songCount() const = 0;
   virtual Song song(int32_t index) const = 0;
+  // Its path as the class answers it; where the class has no part in the library, as song() has it.
+  virtual std::string answeredPath(int32_t index) const { return song(index).path; }
   virtual uint32_t duration(int32_t index) const = 0;
   virtual uint32_t size(int32_t index) const = 0;
   // A text with a number of its own, in UTF-8; none where the song has no such text. And how many there are.

@@ -20,17 +20,11 @@ namespace zemhost {
 
 namespace {
 
-// The root of the machine is a volume without being declared.
-std::string nameOfVolume(const std::filesystem::path &root) {
-  const std::string name = volumeName(root);
-  return name.empty() ? "System" : name;
-}
-
 // A directory on the way may have a name that no file specification can hold; as a volume it is shortened.
 FolderItem itemOf(const std::filesystem::path &file) {
   FolderItem item = FolderItem::fromPath(file);
   if (item) return item;
-  mountVolume(nameOfVolume(file.parent_path()), file.parent_path());
+  mountVolume(volumeName(file.parent_path()), file.parent_path());
   return FolderItem::fromPath(file);
 }
 
@@ -81,7 +75,7 @@ void load(OpenDatabase &database) {
 
   const bool onPlayer = !location.volumeRoot.empty();
   const auto mount = [&](const std::filesystem::path &root) {
-    if (onPlayer) mountVolume(nameOfVolume(location.volumeRoot), root);
+    if (onPlayer) mountVolume(volumeName(location.volumeRoot), root);
   };
   if (probe.content == player::FileContent::Compressed) {
     InflatedCopy copy(location);

@@ -1,6 +1,9 @@
 #include "zemhost/library/Phrases.h"
 
+#include <system_error>
+
 #include "host/runtime/Names.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 
@@ -26,6 +29,25 @@ std::string missingFileText(int32_t index, const Song &song, const SongFile &fil
   if (song.path.empty()) return label + " names no file";
   return label + ": its file is missing: " + file.place +
          (file.isOutside() ? " lies outside the player" : "");
+}
+
+SizeOfFile comparedSize(const SongFile &file, const Song &song) {
+  if (file.size == 0) return SizeOfFile::Short;
+  if (song.size == 0 || file.size == song.size) return SizeOfFile::AsStated;
+  return file.size < song.size ? SizeOfFile::Short : SizeOfFile::Long;
+}
+
+std::string otherSizeText(int32_t index, const Song &song, const SongFile &file) {
+  const std::string held = file.size == 0 ? std::string("its file is empty")
+                                          : "its file has " + countText(file.size, "byte", "bytes");
+  const std::string stated =
+      song.size == 0 ? std::string() : ", and the database states " + std::to_string(song.size);
+  return songLabel(index, song) + ": " + held + stated + ": " + file.path.string();
+}
+
+std::string unreadableText(int32_t index, const Song &song, const SongFile &file, int error) {
+  return songLabel(index, song) + ": its file cannot be read: " + file.path.string() + ": " +
+         std::generic_category().message(error);
 }
 
 std::string variantText(LibraryForm form) {

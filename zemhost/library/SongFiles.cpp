@@ -14,6 +14,9 @@
 
 #include "host/runtime/FolderItem.h"
 #include "host/runtime/MacPaths.h"
+#include "player/Error.h"
+#include "player/Folder.h"
+#include "player/PlayerFolders.h"
 #include "zemhost/files/Beneath.h"
 #include "zemhost/output/DisplayText.h"
 
@@ -78,6 +81,15 @@ void lookAt(const carbon::Descriptor &open, SongFile &file) {
   file.modified = status.st_mtim;
 }
 
+std::string controlNameOn(const fs::path &root) {
+  if (root.empty()) return player::kControlFolder;
+  try {
+    return player::controlFolderOf(root).value_or(player::kControlFolder).filename().string();
+  } catch (const player::PlayerError &) {
+    return player::kControlFolder;  // nothing can be found there
+  }
+}
+
 }  // namespace
 
 SongFiles::SongFiles(const player::DatabaseLocation &location, bool namesVolumes)
@@ -85,9 +97,8 @@ SongFiles::SongFiles(const player::DatabaseLocation &location, bool namesVolumes
       namesVolumes_(namesVolumes),
       volume_(volumeName(location.volumeRoot)),
       root_(location.volumeRoot),
-      rootFolder_(onPlayer_ ? ::open(root_.c_str(), kLookUpOnly | O_CLOEXEC) : -1) {
-  if (volume_.empty()) volume_ = "System";
-}
+      controlName_(controlNameOn(root_)),
+      rootFolder_(onPlayer_ ? ::open(root_.c_str(), kLookUpOnly | O_CLOEXEC) : -1) {}
 
 SongFile SongFiles::find(const std::string &path) {
   if (onPlayer_) {
@@ -118,11 +129,18 @@ SongFile SongFiles::findOnVolume(const std::string &path) {
   file.place = root_.string();
   for (const std::string &name : names) file.place += "/" + name;
   std::string way = ".";
+  // What the database calls the player's own folder may have another name on this one.
+  if (player::isControlFolder(names.front()) && folder(folderNamed(way, names.front())).error == ENOENT)
+    names.front() = controlName_;
   // Nothing lies below a folder that is not there, however many names follow.
   for (size_t i = 0; i + 1 < names.size() && folder(way).error == 0; ++i) way = folderNamed(way, names[i]);
   const Folder &last = folder(way);
   file.error = last.error;
-  if (last.error != 0) return file;
+  if (last.error != 0) {
+    const bool isThere = last.error != ENOENT && last.error != ENOTDIR && last.error != EXDEV;
+    if (isThere) file.path = root_ / way;  // the folder that cannot be opened
+    return file;
+  }
   std::string name = names.back();
   const auto look = [&] {
     file.path = last.path / name;
@@ -134,6 +152,11 @@ SongFile SongFiles::findOnVolume(const std::string &path) {
   if (file.error == ENOENT && nameIn(way, name) != name) {
     name = nameIn(way, name);
     look();
+  }
+  // It may be there under a name in another case.
+  if (file.error == ENOENT && last.readError != 0) {
+    file.path = last.path;
+    file.error = last.readError;
   }
   if (file.isOutside()) file.path.clear();
   return file;
@@ -161,7 +184,9 @@ std::string SongFiles::nameIn(const std::string &below, const std::string &name)
   Folder &folder = this->folder(below);
   if (!folder.isRead) {
     folder.isRead = true;
-    for (const std::string &one : namesIn(openBeneath(rootFolder_.number(), below, O_RDONLY | O_DIRECTORY))) {
+    const carbon::Descriptor open = openBeneath(rootFolder_.number(), below, O_RDONLY | O_DIRECTORY);
+    if (!open && errno != ENOENT) folder.readError = errno;
+    for (const std::string &one : namesIn(open)) {
       ++entriesRead_;
       folder.names.insert(one);
       std::string &least = folder.byFolded.try_emplace(foldedText(one), one).first->second;

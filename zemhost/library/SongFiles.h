@@ -17,7 +17,7 @@ namespace zemhost {
 
 struct SongFile {
   // On this machine, whether or not the file is there. Empty when the path names no place on the volume, or
-  // one in a folder that is not there.
+  // one in a folder that is not there. A folder on the way where that cannot be read, as the error says.
   std::filesystem::path path;
   std::string name;   // colon-separated, with the volume where the path is one of it; the same on any machine
   std::string place;  // in messages: what the path names on this machine, there or not, as far as it is known
@@ -28,12 +28,18 @@ struct SongFile {
 
   bool isThere() const { return error == 0; }
   bool isOutside() const { return error == EXDEV; }
+  // Whether something is there that cannot be read, rather than nothing or what is no song.
+  bool isUnreadable() const {
+    return !isThere() && !isOutside() && error != ENOENT && error != ENOTDIR && error != EISDIR &&
+           error != EINVAL;
+  }
 };
 
 // A song of a player names a place below the root of the volume that holds its database, and no other:
 // neither the joined name of another volume nor a symbolic link leads out of it. Names are matched exactly,
-// else without regard to case and composition. The database of a desktop library that lies on no player may
-// name any volume; one that lies on a player, that player alone.
+// else without regard to case and composition; the folder with the player's own files may have another name.
+// The database of a desktop library that lies on no player may name any volume; one that lies on a player,
+// that player alone.
 class SongFiles {
  public:
   // `namesVolumes`: the paths begin with a volume's name, as those of a desktop library do.
@@ -56,6 +62,7 @@ class SongFiles {
     int error = 0;
     std::filesystem::path path;  // without symbolic links
     bool isRead = false;
+    int readError = 0;  // why its names could not be read
     std::set<std::string> names;
     std::map<std::string, std::string> byFolded;  // the least of those that differ in case alone
   };
@@ -69,6 +76,7 @@ class SongFiles {
   bool namesVolumes_;
   std::string volume_;
   std::filesystem::path root_;
+  std::string controlName_;  // of the folder with the player's own files
   carbon::Descriptor rootFolder_;
   // Ordered, since whoever wrote the names on a player could make them meet in any hash that is known.
   std::map<std::string, Folder> folders_;

@@ -29,6 +29,16 @@ std::string nameNumbered(int number) {
   return name.append(".ndjson");
 }
 
+// Of an array of [offset, bytes].
+std::vector<Gap> gapsIn(const Json &json) {
+  std::vector<Gap> gaps;
+  for (const Json &gap : json) {
+    if (gap.is_array() && gap.size() == 2 && gap[0].is_number_unsigned() && gap[1].is_number_unsigned())
+      gaps.push_back({gap[0].get<uint64_t>(), gap[1].get<uint64_t>()});
+  }
+  return gaps;
+}
+
 std::optional<CopyRecord> recordIn(std::string_view line) {
   const Json json = Json::parse(line, nullptr, false);
   if (!json.is_object()) return std::nullopt;
@@ -46,11 +56,16 @@ std::optional<CopyRecord> recordIn(std::string_view line) {
   record.size = size->get<uint64_t>();
   record.modified.tv_sec = (*modified)[0].get<time_t>();
   record.modified.tv_nsec = (*modified)[1].get<long>();
+  if (const auto sum = json.find("sha256"); sum != json.end() && sum->is_string())
+    record.sha256 = sum->get<std::string>();
+  if (const auto gaps = json.find("unread"); gaps != json.end() && gaps->is_array())
+    record.gaps = gapsIn(*gaps);
   return record;
 }
 
 bool isSame(const CopyRecord &one, const CopyRecord &other) {
-  return one.song == other.song && one.size == other.size && one.modified.tv_sec == other.modified.tv_sec &&
+  return one.song == other.song && one.sha256 == other.sha256 && one.gaps == other.gaps &&
+         one.size == other.size && one.modified.tv_sec == other.modified.tv_sec &&
          one.modified.tv_nsec == other.modified.tv_nsec;
 }
 
@@ -133,10 +148,12 @@ void CopyReport::make() {
 void CopyReport::add(const CopyRecord &record) {
   if (const CopyRecord *known = ofFile(record.file); known != nullptr && isSame(*known, record)) return;
   if (!file_) make();
-  const Json json = {{"file", record.file},
-                     {"size", record.size},
-                     {"modified", {record.modified.tv_sec, record.modified.tv_nsec}},
-                     {"song", Json::parse(record.song)}};
+  Json json = {{"file", record.file},
+               {"size", record.size},
+               {"modified", {record.modified.tv_sec, record.modified.tv_nsec}},
+               {"sha256", record.sha256}};
+  for (const Gap &gap : record.gaps) json["unread"].push_back({gap.offset, gap.size});
+  json["song"] = Json::parse(record.song);
   std::string line = std::exchange(endsInALine_, true) ? "" : "\n";
   line.append(lineOf(json)).append("\n");
   writeAll(file_.number(), line, (destination_.path() / name_).string());

@@ -4,15 +4,17 @@
 // hidden, since a person may read it, and may delete it: the next rescue then compares contents.
 //
 //   {"format":"zemhost rescue report","version":1}
-//   {"file":"A/B/01 T.mp3","size":8,"modified":[1000000000,0],"song":{"path":"IPOD:...","track_id":52,...}}
+//   {"file":"A/B/01 T.mp3","size":8,"modified":[1000000000,0],"sha256":"...","song":{"path":"IPOD:...",...}}
 //
 // A line is added for each copy as soon as it is there, so that nothing is lost with a run that is killed,
-// nor between two runs at once. Readers leave out members and lines that they do not know.
+// nor between two runs at once. Readers leave out members and lines that they do not know. What a run says at
+// its end (RescueReport.h, Checksums.h) is made from this.
 
 #include <cstdint>
 #include <ctime>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "platform/carbon/Descriptor.h"
 #include "zemhost/library/MusicLibrary.h"
@@ -28,7 +30,9 @@ struct CopyRecord {
   std::string file;  // below the destination
   std::string song;  // its identity
   uint64_t size = 0;
-  timespec modified{};  // of the song's file when it was copied, exactly
+  timespec modified{};      // of the song's file when it was copied, exactly
+  std::string sha256{};     // of the copy; empty in reports of older programs
+  std::vector<Gap> gaps{};  // of a damaged copy: what could not be read
 };
 
 class CopyReport {
@@ -40,6 +44,9 @@ class CopyReport {
   const CopyRecord *ofFile(const std::string &file) const;
   // The last copy of a song; null when there is none.
   const CopyRecord *ofSong(const std::string &song) const;
+
+  // Every record, by the names of the files.
+  const std::map<std::string, CopyRecord> &records() const { return byFile_; }
 
   // Adds a record, to the file too, which is made with the first one. Does nothing for one that is there
   // already. Throws HostError, naming the file, when it cannot be written.

@@ -10,8 +10,6 @@
 
 #include "host/Error.h"
 #include "zemhost/files/Beneath.h"
-#include "zemhost/files/TemporaryPath.h"
-#include "zemhost/rescue/FileCopy.h"
 
 namespace zemhost {
 
@@ -141,17 +139,32 @@ carbon::Descriptor DestinationFolder::open(const std::string &name) const {
   return file;
 }
 
-void DestinationFolder::copy(const carbon::Descriptor &source, const std::string &name,
-                             const std::function<void(uint64_t)> &onBytes) const {
+DestinationFolder::NewCopy DestinationFolder::copy(const carbon::Descriptor &source,
+                                                   const std::function<void(uint64_t)> &onBytes) const {
   try {
-    TemporaryFile partial = makeTemporaryFile(path_);
-    copyContent(source, partial.content, onBytes);
-    if (close(partial.content.release()) != 0) failTarget(errno);
-    const carbon::Descriptor folder = folderOf(name, true);
-    partial.path.nameAs(folder.number(), lastOf(name));
+    NewCopy copy{makeTemporaryFile(path_), {}};
+    copy.content = copyContent(source, copy.file.content, onBytes);
+    return copy;
   } catch (const std::system_error &error) {
     failTarget(error.code().value());
   }
+}
+
+void DestinationFolder::name(NewCopy &copy, const std::string &name) const {
+  try {
+    // Some file systems report only now what they could not store.
+    if (copy.file.content && close(copy.file.content.release()) != 0) failTarget(errno);
+    const carbon::Descriptor folder = folderOf(name, true);
+    copy.file.path.nameAs(folder.number(), lastOf(name));
+  } catch (const std::system_error &error) {
+    failTarget(error.code().value());
+  }
+}
+
+void DestinationFolder::add(const carbon::Descriptor &source, const std::string &name) const {
+  NewCopy copy = this->copy(source, [](uint64_t) {});
+  if (!copy.content.gaps.empty()) throw CopyFailure(kThisFile, EIO);
+  this->name(copy, name);
 }
 
 }  // namespace zemhost

@@ -12,6 +12,8 @@
 #include <sys/types.h>
 
 #include "platform/carbon/Descriptor.h"
+#include "zemhost/files/TemporaryPath.h"
+#include "zemhost/rescue/FileCopy.h"
 
 namespace zemhost {
 
@@ -35,12 +37,21 @@ class DestinationFolder {
   // Opens it for reading, without waiting. Throws CopyFailure (ThisFile).
   carbon::Descriptor open(const std::string &name) const;
 
-  // Copies an open file under a free name, its folders made where they are missing. The bytes get there under
-  // a name of their own, are brought to the disk and get the source's times first, so that the final name
-  // never stands for a part. `onBytes` gets the number of bytes that came through, again and again. Throws
-  // CopyFailure; EEXIST when the name is not free any more. Nothing is left of a copy that failed.
-  void copy(const carbon::Descriptor &source, const std::string &name,
-            const std::function<void(uint64_t)> &onBytes) const;
+  // A copy that is complete and has no name of its own yet; gone with the object.
+  struct NewCopy {
+    TemporaryFile file;
+    CopiedContent content;
+  };
+
+  // Copies an open file into the folder: see copyContent(). The final name never stands for a part, since the
+  // copy gets it when it is complete. Throws CopyFailure; nothing is left of a copy that failed.
+  NewCopy copy(const carbon::Descriptor &source, const std::function<void(uint64_t)> &onBytes) const;
+  // Gives a copy a free name, its folders made where they are missing. Throws CopyFailure; EEXIST when the
+  // name is not free any more, and another may be given then.
+  void name(NewCopy &copy, const std::string &name) const;
+
+  // Both at once, for a file that has no gaps: it fails where something cannot be read.
+  void add(const carbon::Descriptor &source, const std::string &name) const;
 
  private:
   bool liesOnPlayer(int folder) const;

@@ -7,8 +7,10 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "platform/carbon/Descriptor.h"
+#include "zemhost/rescue/PatientReader.h"
 
 namespace zemhost {
 
@@ -41,10 +43,21 @@ bool sameContent(const carbon::Descriptor &one, const carbon::Descriptor &other)
 // knows, down to the two seconds of FAT.
 bool isKeptTime(const timespec &kept, const timespec &given);
 
+// What came of copying a file's bytes.
+struct CopiedContent {
+  std::string sha256;     // of the copy: of what was read from the source, with zeros in the gaps
+  std::vector<Gap> gaps;  // what could not be read, in the order of the file; none for nearly all
+};
+
 // Copies the bytes of `source` to `copy`, which is empty, brings them to the disk, and gives it the source's
-// times. `onBytes` gets the number of bytes that came through, again and again. Throws CopyFailure.
-void copyContent(const carbon::Descriptor &source, const carbon::Descriptor &copy,
-                 const std::function<void(uint64_t)> &onBytes);
+// times. What cannot be read at first is tried again, at last when all else has been read. `onBytes` gets the
+// number of bytes that came through, again and again. Throws CopyFailure, also when nothing can be read.
+CopiedContent copyContent(const carbon::Descriptor &source, const carbon::Descriptor &copy,
+                          const std::function<void(uint64_t)> &onBytes);
+
+// The SHA-256 of an open file, read from its disk as far as the system lets go of what it has in memory.
+// Throws CopyFailure (ThisFile) when it cannot be read.
+std::string sha256OnDisk(const carbon::Descriptor &file);
 
 // Throws the CopyFailure for an error of writing. A name that this file system cannot hold, or a file in the
 // way of a folder, says nothing of other files.

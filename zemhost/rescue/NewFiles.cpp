@@ -21,7 +21,7 @@ NewFiles::Added NewFiles::add(const carbon::Descriptor &content, const TargetNam
     });
     if (!added.isNew) return added;
     try {
-      destination_.copy(content, added.name, [](uint64_t) {});
+      destination_.add(content, added.name);
       return added;
     } catch (const CopyFailure &failure) {
       if (failure.error() != EEXIST) throw;  // else another run has just taken the name

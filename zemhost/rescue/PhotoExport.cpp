@@ -11,7 +11,6 @@
 #include "host/Error.h"
 #include "host/runtime/Names.h"
 #include "player/Folder.h"
-#include "player/PlayerFolders.h"
 #include "zemhost/library/PictureList.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/rescue/PictureWriter.h"
@@ -39,8 +38,7 @@ fs::path playerOf(const fs::path &named) {
   if (!fs::exists(named, error)) throw HostError(named.string(), error ? error.value() : ENOENT);
   fs::path path = fs::absolute(named, error).lexically_normal();
   if (!path.has_filename()) path = path.parent_path();  // "player/" is "player"
-  if (fs::is_directory(path, error))
-    return player::isNamed(path, player::kControlFolder) ? path.parent_path() : path;
+  if (fs::is_directory(path, error)) return player::isControlFolder(path) ? path.parent_path() : path;
   if (player::isNamed(path, kPhotoFile) && player::isNamed(path.parent_path(), kPhotoFolder))
     return path.parent_path().parent_path();
   throw HostError(named.string() + ": name the player, or its " + kPhotoFile);

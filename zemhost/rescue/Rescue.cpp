@@ -1,8 +1,12 @@
 #include "zemhost/rescue/Rescue.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <fcntl.h>
 #include <iostream>
 #include <optional>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -12,17 +16,53 @@
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
+#include "zemhost/rescue/Checksums.h"
 #include "zemhost/rescue/CopyReport.h"
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/Progress.h"
 #include "zemhost/rescue/RescuePlan.h"
+#include "zemhost/rescue/RescueReport.h"
 #include "zemhost/rescue/RescuedCovers.h"
 #include "zemhost/rescue/RescuedLists.h"
 
 namespace zemhost {
 
 namespace {
+
+// Whether a file of the player can be read from its disk, at once or after a moment: a player whose cable was
+// touched comes back by itself.
+enum class Answer { AtOnce, AfterAMoment, None };
+Answer answerOf(const std::filesystem::path &file) {
+  constexpr int kTries = 3;
+  constexpr std::chrono::milliseconds kPause(1000);
+  for (int tries = 0; tries < kTries; ++tries) {
+    if (tries > 0) std::this_thread::sleep_for(kPause);
+    const carbon::Descriptor open(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!open) continue;
+    // What the system keeps in memory would be read from a player that is gone, too.
+    [[maybe_unused]] const int advised = posix_fadvise(open.number(), 0, 0, POSIX_FADV_DONTNEED);
+    char byte = 0;
+    if (pread(open.number(), &byte, 1, 0) >= 0) return tries == 0 ? Answer::AtOnce : Answer::AfterAMoment;
+  }
+  return Answer::None;
+}
+
+// "4096 bytes at 8192 and 512 bytes at 40960 cannot be read".
+std::string gapsText(const std::vector<Gap> &gaps) {
+  constexpr size_t kShown = 5;
+  std::string text;
+  for (size_t i = 0; i < std::min(gaps.size(), kShown); ++i)
+    text += (i == 0 ? "" : ", ") + countText(gaps[i].size, "byte", "bytes") + " at " +
+            std::to_string(gaps[i].offset);
+  if (gaps.size() > kShown) {
+    uint64_t rest = 0;
+    for (size_t i = kShown; i < gaps.size(); ++i) rest += gaps[i].size;
+    text += " and " + countText(rest, "byte", "bytes") + " at " +
+            countText(gaps.size() - kShown, "more place", "more places");
+  }
+  return text + " cannot be read";
+}
 
 class Rescue {
  public:
@@ -44,7 +84,7 @@ class Rescue {
     }
     planSongs();
     result_.problems = plan_.problems();
-    result_.otherSizes = plan_.otherSizes();
+    result_.shortFiles = plan_.shortFiles();
     result_.remarks = plan_.remarks();
     if (request_.dryRun) {
       showPlan();
@@ -53,11 +93,10 @@ class Rescue {
       warnOfSpace();
       copySongs();
       writeCovers();
-      RescuedLists(
-          library_, plan_, destination_, [this](int32_t song) { return copyOf(song); }, result_)
-          .write(chosenLists());
+      writeLists();
     }
     result_.evaded += plan_.evaded();
+    if (!request_.dryRun) writeReport("");
     return std::move(result_);
   }
 
@@ -101,26 +140,34 @@ class Rescue {
 
   void copySongs() {
     Progress progress(plan_.songsLeft(), plan_.bytesLeft());
-    arrived_.resize(plan_.files().size());
-    for (size_t place = 0; place < arrived_.size(); ++place) {
-      const PlannedFile &file = plan_.files()[place];
-      try {
-        const bool copied = copySong(place, progress);
-        arrived_[place] = true;
-        ++(copied ? result_.copied : result_.alreadyThere);
-        if (copied) {
-          result_.copiedBytes += file.source.size;
-          progress.addSong(file.target);
-        }
-        addToReport(file);
-      } catch (const CopyFailure &failure) {
-        if (failure.reach() == CopyFailure::Reach::Destination)
-          stop(request_.destination.string() + ": " + failure.what());
-        stopIfPlayerIsGone(failure.what());
-        const std::string label = songLabel(file.song, library_.song(file.song));
-        result_.problems.push_back(label + ": " + file.source.path.string() + ": " + failure.what());
-      }
+    copies_.resize(plan_.files().size());
+    for (size_t place = 0; place < copies_.size(); ++place) {
+      if (tryToCopy(place, progress, false)) tryToCopy(place, progress, true);
     }
+  }
+
+  // Whether it is worth trying again, since the player was away for a moment.
+  bool tryToCopy(size_t place, Progress &progress, bool isLast) {
+    const PlannedFile &file = plan_.files()[place];
+    try {
+      const bool isNew = copySong(place, progress);
+      copies_[place].isThere = true;
+      ++(isNew ? result_.copied : result_.alreadyThere);
+      if (isNew) {
+        result_.copiedBytes += file.source.size;
+        progress.addSong(file.target);
+      } else {
+        lookAgain(place);
+      }
+      addToReport(file, copies_[place]);
+    } catch (const CopyFailure &failure) {
+      if (failure.reach() == CopyFailure::Reach::Destination)
+        stop(request_.destination.string() + ": " + failure.what());
+      const bool wasAway = std::exchange(wasAway_, false) || stopIfPlayerIsGone(failure.what());
+      if (wasAway && !copies_[place].isThere && !isLast) return true;
+      result_.problems.push_back(labelOf(file) + ": " + failure.what());
+    }
+    return false;
   }
 
   void writeCovers() {
@@ -132,14 +179,30 @@ class Rescue {
     }
   }
 
+  void writeLists() {
+    try {
+      RescuedLists(
+          library_, plan_, destination_, [this](int32_t song) { return copyOf(song); }, result_)
+          .write(chosenLists());
+    } catch (const HostError &failure) {
+      result_.problems.push_back(std::string(failure.what()) + "; playlists are missing");
+    }
+  }
+
   // False when a copy is there already.
   bool copySong(size_t place, Progress &progress) {
-    while (!plan_.files()[place].there) {
-      const PlannedFile &file = plan_.files()[place];
-      const carbon::Descriptor source = library_.open(file.source);
-      if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
+    const PlannedFile &file = plan_.files()[place];
+    if (file.there) return false;
+    const carbon::Descriptor source = library_.open(file.source);
+    if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
+    DestinationFolder::NewCopy copy =
+        destination_.copy(source, [&](uint64_t bytes) { progress.addBytes(bytes); });
+    copies_[place].content = copy.content;
+    if (request_.verify) expectReadsBack(copy);
+    if (!copy.content.gaps.empty()) nameAsDamaged(place, copy);
+    while (!file.there) {
       try {
-        destination_.copy(source, file.target, [&](uint64_t bytes) { progress.addBytes(bytes); });
+        destination_.name(copy, file.target);
         return true;
       } catch (const CopyFailure &failure) {
         if (failure.error() != EEXIST) throw;
@@ -149,10 +212,56 @@ class Rescue {
     return false;
   }
 
-  void addToReport(const PlannedFile &file) {
+  void expectReadsBack(const DestinationFolder::NewCopy &copy) {
+    if (sha256OnDisk(copy.file.content) != copy.content.sha256) {
+      throw CopyFailure(CopyFailure::Reach::ThisFile, EIO,
+                        "the copy does not read back as it was written, and is left out");
+    }
+    ++result_.verified;
+  }
+
+  void nameAsDamaged(size_t place, const DestinationFolder::NewCopy &copy) {
+    const PlannedFile &file = plan_.files()[place];
+    const std::string gaps = gapsText(copy.content.gaps);
+    wasAway_ = stopIfPlayerIsGone(gaps);
+    if (wasAway_) throw CopyFailure(CopyFailure::Reach::ThisFile, EIO, gaps);
+    if (request_.skipDamaged)
+      throw CopyFailure(CopyFailure::Reach::ThisFile, EIO, gaps + "; the song is left out");
+    plan_.markDamaged(place, copy.file.content);
+    result_.damaged.push_back(labelOf(file) + ": " + gaps + "; the copy is " + file.target);
+  }
+
+  // At a copy that was there: its sum, where no report has it, or when all are to be read back.
+  void lookAgain(size_t place) {
+    const PlannedFile &file = plan_.files()[place];
+    CopiedContent &content = copies_[place].content;
+    const CopyRecord *const record = report_.ofFile(file.target);
+    const bool isKnown = record != nullptr && record->song == file.identity && !record->sha256.empty();
+    if (isKnown) content = {record->sha256, record->gaps};
+    if (isKnown && !request_.verify) return;
+    const std::string sum = sha256OnDisk(destination_.open(file.target));
+    if (request_.verify && sum != (isKnown ? content.sha256 : sumOfSource(file)))
+      throw CopyFailure(CopyFailure::Reach::ThisFile, EIO, "the copy " + file.target + " has changed");
+    if (request_.verify) ++result_.verified;
+    content.sha256 = sum;
+  }
+
+  std::string sumOfSource(const PlannedFile &file) const {
+    const carbon::Descriptor source = library_.open(file.source);
+    if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
+    return sha256OnDisk(source);
+  }
+
+  // "song 3 "T" by A: /media/IPOD/..."
+  std::string labelOf(const PlannedFile &file) const {
+    return songLabel(file.song, library_.song(file.song)) + ": " + file.source.path.string();
+  }
+
+  void addToReport(const PlannedFile &file, const Copy &copy) {
     if (reportFailed_) return;
     try {
-      report_.add({file.target, file.identity, file.source.size, file.source.modified});
+      report_.add({file.target, file.identity, file.source.size, file.source.modified, copy.content.sha256,
+                   copy.content.gaps});
     } catch (const HostError &failure) {
       // The copies are as good without it; the next run compares their contents.
       reportFailed_ = true;
@@ -160,23 +269,49 @@ class Rescue {
     }
   }
 
+  // What the run leaves beside the music. `stopped` says why it had to stop, if it had to.
+  void writeReport(const std::string &stopped) {
+    // Another run may make a file of the name just now; it is read the next time.
+    constexpr int kTries = 3;
+    for (int tries = 1; !tryToReport(stopped, tries == kTries) && tries < kTries; ++tries) {
+    }
+  }
+
+  bool tryToReport(const std::string &stopped, bool isLast) {
+    try {
+      Checksums sums;
+      for (const auto &[file, record] : report_.records()) {
+        if (!record.sha256.empty() && destination_.statusOf(file)) sums.set(file, record.sha256);
+      }
+      extendChecksums(destination_, sums);
+      writeRescueReport(destination_, {library_, plan_, copies_, result_, stopped});
+      return true;
+    } catch (const std::runtime_error &failure) {
+      if (isLast) result_.problems.emplace_back(failure.what());
+      return false;
+    }
+  }
+
   // The copy of a song, of this run or an earlier one.
   std::string copyOf(int32_t song) const {
     const ptrdiff_t place = plan_.fileOf(song);
-    const bool arrived = place >= 0 && arrived_[static_cast<size_t>(place)];
+    const bool arrived = place >= 0 && copies_[static_cast<size_t>(place)].isThere;
     return arrived ? plan_.files()[static_cast<size_t>(place)].target : plan_.earlierCopy(song);
   }
 
-  [[noreturn]] void stop(const std::string &why) const {
+  [[noreturn]] void stop(const std::string &why) {
+    if (!copies_.empty()) writeReport(why);
     const uint64_t there = result_.copied + result_.alreadyThere;
     throw HostError(why + "; " + std::to_string(there) + " of " + std::to_string(plan_.files().size()) +
                     " songs are there; " + kContinue);
   }
 
-  void stopIfPlayerIsGone(const std::string &why) const {
+  // Whether the player was away for a moment, and what failed may be tried again.
+  bool stopIfPlayerIsGone(const std::string &why) {
     const std::filesystem::path &database = library_.location().file;
-    if (access(database.c_str(), F_OK) != 0)
-      stop("the player is gone: " + database.parent_path().string() + ": " + why);
+    const Answer answer = answerOf(database);
+    if (answer == Answer::None) stop("the player is gone: " + database.parent_path().string() + ": " + why);
+    return answer == Answer::AfterAMoment;
   }
 
   std::vector<int32_t> chosenLists() const {
@@ -194,8 +329,9 @@ class Rescue {
   CopyReport report_;
   RescuePlan plan_;
   RescueResult result_;
-  std::vector<bool> arrived_;  // beside the planned files
+  std::vector<Copy> copies_;  // beside the planned files
   bool reportFailed_ = false;
+  bool wasAway_ = false;  // the player, while a song was copied
 };
 
 }  // namespace

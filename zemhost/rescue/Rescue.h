@@ -18,6 +18,8 @@ struct RescueRequest {
   std::vector<int32_t> playlists;  // only their songs; empty: all songs, and all playlists but the master one
   bool dryRun = false;             // show what would be done, and write nothing
   bool covers = false;             // write covers beside the music
+  bool verify = false;             // read every copy back
+  bool skipDamaged = false;        // leave out songs of which a part cannot be read
 };
 
 struct RescueResult {
@@ -27,15 +29,21 @@ struct RescueResult {
   uint64_t playlists = 0;               // written
   uint64_t covers = 0;                  // likewise
   uint64_t evaded = 0;                  // songs with a number, since another file has their name
-  std::vector<std::string> otherSizes;  // songs whose file has another size than the database states
+  uint64_t verified = 0;                // copies that were read back and are as they should be
+  std::vector<std::string> shortFiles;  // songs whose file is empty or shorter than the database states
+  std::vector<std::string> damaged;     // songs of which a part could not be read, and which part
   std::vector<std::string> remarks;     // what is called or kept otherwise than one would expect
   std::vector<std::string> problems;    // what could not be copied or written, and why
+
+  // Whether all that the player should have is there, as the database states it.
+  bool isComplete() const { return shortFiles.empty() && damaged.empty() && problems.empty(); }
 };
 
-// Does it, showing its progress on standard output. Files that are complete already are left alone, others
-// are never replaced. Throws HostError when nothing can be done or no more can be: the destination lies in
-// the player or cannot be written, the disk is full, the player is gone. What was copied until then is
-// complete under its name, and the same request continues from there.
+// Does it, showing its progress on standard output, and leaves a report of itself and the sums of the copies
+// beside them. Files that are complete already are left alone, others are never replaced. Throws HostError
+// when nothing can be done or no more can be: the destination lies in the player or cannot be written, the
+// disk is full, the player is gone. What was copied until then is complete under its name, and the same
+// request continues from there.
 RescueResult rescue(const MusicLibrary &library, const RescueRequest &request);
 
 }  // namespace zemhost

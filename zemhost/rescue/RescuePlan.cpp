@@ -7,6 +7,7 @@
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/rescue/FileCopy.h"
+#include "zemhost/rescue/NewFiles.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
@@ -28,14 +29,24 @@ void RescuePlan::addSong(int32_t index) {
   file.identity = songIdentity(song, file.source);
   const std::string path = file.source.path.string();
   try {
+    if (file.source.isUnreadable()) {
+      problems_.push_back(unreadableText(index, song, file.source, file.source.error));
+      return;
+    }
     if (path.empty() || file.source.error == ENOENT || file.source.error == ENOTDIR) {
       problems_.push_back(missingFileText(index, song, file.source));
       return;
     }
     if (!file.source.isThere()) throw CopyFailure(CopyFailure::Reach::ThisFile, file.source.error);
-    if (file.source.size != song.size) {
-      otherSizes_.push_back(songLabel(index, song) + ": " + std::to_string(file.source.size) +
-                            " bytes, but the database states " + std::to_string(song.size) + ": " + path);
+    switch (comparedSize(file.source, song)) {
+      case SizeOfFile::Short:
+        shortFiles_.push_back(otherSizeText(index, song, file.source));
+        break;
+      case SizeOfFile::Long:
+        remarks_.push_back(otherSizeText(index, song, file.source));
+        break;
+      case SizeOfFile::AsStated:
+        break;
     }
     place(index, song, std::move(file));
   } catch (const CopyFailure &failure) {
@@ -55,7 +66,7 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
     return;
   }
   try {
-    file.target = freeName(values, file);
+    takeFreeName(values, file);
   } catch (const CopyFailure &) {
     shared_.erase(known);
     throw;
@@ -76,15 +87,31 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
 void RescuePlan::evade(size_t place) {
   PlannedFile &file = files_[place];
   if (isFree(file.target, file)) return;
-  file.target = freeName(songNames_.values(file.song), file);
+  takeFreeName(songNames_.values(file.song), file);
 }
 
-std::string RescuePlan::freeName(const Row &values, PlannedFile &file) {
+void RescuePlan::markDamaged(size_t place, const carbon::Descriptor &copy) {
+  PlannedFile &file = files_[place];
+  file.target = freeName(songNames_.values(file.song), file, " (damaged)", [&](const std::string &target) {
+    const Occupant occupant = occupantOf(destination_, target, copy);
+    file.there = occupant == Occupant::Same;
+    return occupant != Occupant::Other;
+  });
+}
+
+void RescuePlan::takeFreeName(const Row &values, PlannedFile &file) {
+  file.target = freeName(values, file, "", [&](const std::string &target) { return isFree(target, file); });
+}
+
+std::string RescuePlan::freeName(const Row &values, const PlannedFile &file, const std::string &mark,
+                                 const std::function<bool(const std::string &)> &isFree) {
   const std::string folder = folderFor(pattern_.names(values));
   const std::string extension(safeExtension(file.source.path.extension().string()));
   return names_.take(
-      [&](std::string_view suffix) { return folder + pattern_.fileName(values, suffix, extension); },
-      [&](const std::string &target) { return isFree(target, file); });
+      [&](std::string_view suffix) {
+        return folder + pattern_.fileName(values, mark + std::string(suffix), extension);
+      },
+      isFree);
 }
 
 // Whether the file may lie there: nothing does, or a copy of it.

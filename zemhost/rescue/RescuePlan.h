@@ -41,6 +41,10 @@ class RescuePlan {
   // does. Throws CopyFailure.
   void evade(size_t file);
 
+  // Gives the file the name of a damaged copy, "Title (damaged).mp3", or one with a number; `copy` is what
+  // could be read. An earlier copy with the same bytes counts as there. Throws CopyFailure.
+  void markDamaged(size_t file, const carbon::Descriptor &copy);
+
   // A name for a playlist's file, not taken by a song or another playlist, that `isFree` takes.
   std::string playlistFile(const std::string &name, int32_t number,
                            const std::function<bool(const std::string &)> &isFree);
@@ -54,9 +58,9 @@ class RescuePlan {
 
   // What cannot be copied and why, in plain words, each naming its song.
   const std::vector<std::string> &problems() const { return problems_; }
-  // The songs whose file has another size than the database states, likewise.
-  const std::vector<std::string> &otherSizes() const { return otherSizes_; }
-  // The songs whose file's extension is of neither music nor video, likewise.
+  // The songs whose file is empty or shorter than the database states, likewise.
+  const std::vector<std::string> &shortFiles() const { return shortFiles_; }
+  // The songs whose file is longer, and those whose file's extension is of neither music nor video, likewise.
   const std::vector<std::string> &remarks() const { return remarks_; }
   // Songs that got a number because a file that is no copy of theirs has the name.
   uint64_t evaded() const { return evaded_; }
@@ -67,7 +71,9 @@ class RescuePlan {
  private:
   std::string folderFor(const std::vector<std::string> &names);
   void place(int32_t index, const Song &song, PlannedFile file);
-  std::string freeName(const Row &values, PlannedFile &file);
+  std::string freeName(const Row &values, const PlannedFile &file, const std::string &mark,
+                       const std::function<bool(const std::string &)> &isFree);
+  void takeFreeName(const Row &values, PlannedFile &file);
   bool isFree(const std::string &target, PlannedFile &file);
   bool isCopy(const std::string &target, const PlannedFile &file) const;
 
@@ -82,7 +88,7 @@ class RescuePlan {
   std::map<std::pair<std::string, std::string>, size_t> shared_;  // by the source's path and the name wanted
   TargetNames names_;
   std::vector<std::string> problems_;
-  std::vector<std::string> otherSizes_;
+  std::vector<std::string> shortFiles_;
   std::vector<std::string> remarks_;
   uint64_t evaded_ = 0;
   uint64_t songsLeft_ = 0;

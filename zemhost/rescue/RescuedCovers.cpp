@@ -39,7 +39,7 @@ void writeCover(const std::string &name, const carbon::Descriptor &content,
   Occupant occupant = occupantOf(destination, name, content);
   if (occupant == Occupant::None) {
     try {
-      destination.copy(content, name, [](uint64_t) {});
+      destination.add(content, name);
       ++result.covers;
     } catch (const CopyFailure &failure) {
       if (failure.error() != EEXIST) throw;

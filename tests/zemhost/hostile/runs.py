@@ -30,6 +30,7 @@ COMMANDS = {
                ["{player}", "--format", "sqlite", "-o", "{work}/exports/songs.sqlite"],
                ["{player}", "--format", "listenbrainz", "--since-sync"]],
     "rescue": [["{player}", "{work}/music", "--covers"], ["{player}", "{player}/music"]],
+    "verify": [["{work}/music"]],
     "covers": [["{player}", "{work}/covers"], ["{player}", "{player}/covers"]],
     "photos": [["{player}", "{work}/photos"]],
     "compare": [["{player}", "{player}"]],
@@ -41,7 +42,8 @@ COMMANDS = {
 
 # How a command may end: well, with one line that says why not, or with a report of what is wrong. The command lines
 # are right, and no signal ends a program that is well.
-_STATUSES = {"check": {0, 1, 3}, "export": {0, 1, 3}, "rescue": {0, 1, 3}, "covers": {0, 1, 3}, "photos": {0, 1, 3}}
+_STATUSES = {"check": {0, 1, 3}, "export": {0, 1, 3}, "rescue": {0, 1, 3}, "verify": {0, 1, 3}, "covers": {0, 1, 3},
+             "photos": {0, 1, 3}}
 _USUAL_STATUSES = {0, 1}
 _REPORTS = re.compile(rb"(Address|Leak|Memory|Thread|UndefinedBehavior)Sanitizer|runtime error:|terminate called")
 _BAD_NAME = re.compile("^[.]|[\0-\x1f\x7f-\x9f\u2028\u2029\u200e\u200f\u202a-\u202e\u2066-\u2069\\\\:*?\"<>|]|[. ]$|"

@@ -9,48 +9,16 @@ import tempfile
 import time
 import unittest
 
-from database_writer import library
 from program import Terminal, run, start, wait_until
+from rescued_player import REPORTS, Player, files_below
 
 BROKEN_CALLS = os.environ["BROKEN_CALLS_LIBRARY"]
-REPORT = "rescue-report.ndjson"
 CONTINUE = "run the same command again to continue"
 
 
 def partials(folder):
     """The files that are not complete yet, or that a killed rescue left."""
     return [name for name in os.listdir(folder) if name.startswith(".zemhost-")]
-
-
-def files_below(folder):
-    return {os.path.relpath(os.path.join(at, name), folder) for at, _, names in os.walk(folder) for name in names}
-
-
-class Player:
-    """A player with tiny songs, each with a content of its own, in albums of twelve."""
-
-    def __init__(self, folder, count, size=200, word="song"):
-        self.root = os.path.join(folder, "player")
-        self.contents = {}  # by the name that a rescue gives the song
-        songs = []
-        for place in range(count):
-            path = f"F{place % 50:02}/S{place:05}.mp3"
-            content = f"{word} {place} ".encode() * (size // 10 + 1)
-            file = os.path.join(self.root, "iPod_Control", "Music", path)
-            if place < 50:
-                os.makedirs(os.path.dirname(file))
-            with open(file, "wb") as out:
-                out.write(content)
-            os.utime(file, (1_000_000_000 + place, 1_000_000_000 + place))
-            album = place // 12
-            songs.append({"title": f"Song {place}", "album": f"Album {album}", "artist": f"Artist {album % 97}",
-                          "path": ":iPod_Control:Music:" + path.replace("/", ":"), "size": len(content),
-                          "track": place % 12 + 1})
-            name = f"Artist {album % 97}/Album {album}/{place % 12 + 1:02} Song {place}.mp3"
-            self.contents[name] = (content, 1_000_000_000 + place)
-        os.makedirs(os.path.join(self.root, "iPod_Control", "iTunes"))
-        with open(os.path.join(self.root, "iPod_Control", "iTunes", "iTunesDB"), "wb") as out:
-            out.write(library(songs, [("Some", [0, count - 1])]))
 
 
 class InterruptedRescue(unittest.TestCase):
@@ -64,7 +32,7 @@ class InterruptedRescue(unittest.TestCase):
 
     def copied(self):
         """The songs that are there, after a look at each: no half file under a final name."""
-        names = files_below(self.destination) - {REPORT, "Some.m3u8", *partials(self.destination)}
+        names = files_below(self.destination) - {*REPORTS, "Some.m3u8", *partials(self.destination)}
         for name in names:
             path = os.path.join(self.destination, name)
             with open(path, "rb") as file:

@@ -24,12 +24,12 @@ def medians(path):
     return times
 
 
-def seconds_to_list(zemhost, library):
-    """The best of three times that `zemhost songs` takes for a library."""
+def seconds(*command):
+    """The best of three times that a command takes."""
     best = None
     for _ in range(3):
         start = time.perf_counter()
-        subprocess.run([zemhost, "songs", library], stdout=subprocess.DEVNULL, check=True)
+        subprocess.run(command, stdout=subprocess.DEVNULL, check=True)
         took = time.perf_counter() - start
         best = took if best is None else min(best, took)
     return best
@@ -84,8 +84,12 @@ def main():
     for method in ("Integer", "Title", "Path"):
         at_most(f"hardened over not: method {method}", call[method] / bare_call[method], 1.25)
 
-    few, many = (seconds_to_list(sys.argv[2], f"{sys.argv[3]}/usual-{songs}") for songs in (10000, 100000))
+    zemhost = sys.argv[2]
+    libraries = [f"{sys.argv[3]}/usual-{songs}" for songs in (10000, 100000)]
+    few, many = (seconds(zemhost, "songs", library) for library in libraries)
     at_most("zemhost songs, time per song, 100000 over 10000", many / 10 / few, 1.5)
+    compared = seconds(zemhost, "compare", libraries[1], libraries[1])
+    at_most("zemhost compare of 100000 songs with themselves over zemhost songs", compared / many, 2.5)
 
     width = max(len(row[0]) for row in rows)
     for what, value, goal, good in rows:

@@ -118,10 +118,11 @@ void addRescue(CLI::App &program, Action &action) {
 }
 
 void addVerify(CLI::App &program, Action &action) {
-  const auto command =
-      addCommand(program, action, "verify", "Check a folder of rescued music against its SHA256SUMS",
-                 verifyCopies, checkDestination<VerifyArguments>);
-  command->add_option("DEST", command.arguments->destination, "The folder that rescue copied to")->required();
+  const auto command = addCommand(program, action, "verify",
+                                  "Check a folder of rescued music against its SHA256SUMS", verifyCopies);
+  command->add_option("DEST", command.arguments->destination, "The folder that rescue copied to")
+      ->required()
+      ->check(notEmpty());
   command->footer(
       "Ends with 0 when every file is as it was copied, with 3 when one is missing or has changed, and with "
       "1 "

@@ -19,7 +19,7 @@ using samples::Variant;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr uint32_t k2005 = 3187296000;
+constexpr uint32_t kMadeIn2005 = 3187296000;
 
 // A file that is open while its lists are read.
 class OpenLists {
@@ -45,17 +45,22 @@ Playlist withWords(std::map<uint32_t, uint32_t> words) {
 }
 
 TEST(PlaylistsTest, HeaderSaysKindDatesOrderAndIds) {
-  const OpenLists lists(fileOf(
-      {{.name = u"All", .master = true},
-       withWords({{0x18, k2005}, {0x1c, 1}, {0x20, 2}, {0x2c, 5}, {0x30, 7}, {0x34, 0}, {0x58, k2005 + 1}}),
-       withWords({{0x28, 1U << 16}}),
-       withWords({{0x28, 1U << 24}})}));
+  const OpenLists lists(fileOf({{.name = u"All", .master = true},
+                                withWords({{0x18, kMadeIn2005},
+                                           {0x1c, 1},
+                                           {0x20, 2},
+                                           {0x2c, 5},
+                                           {0x30, 7},
+                                           {0x34, 0},
+                                           {0x58, kMadeIn2005 + 1}}),
+                                withWords({{0x28, 1U << 16}}),
+                                withWords({{0x28, 1U << 24}})}));
   ASSERT_EQ(lists->count(), 4U);
   EXPECT_EQ(lists->facts(0).kind, PlaylistKind::Library);
   const PlaylistFacts facts = lists->facts(1);
   EXPECT_EQ(facts.kind, PlaylistKind::Ordinary);
-  EXPECT_EQ(facts.created, k2005);
-  EXPECT_EQ(facts.modified, k2005 + 1);
+  EXPECT_EQ(facts.created, kMadeIn2005);
+  EXPECT_EQ(facts.modified, kMadeIn2005 + 1);
   EXPECT_EQ(facts.sortOrder, 5U);
   EXPECT_EQ(facts.persistentId, 0x200000001U);
   EXPECT_EQ(facts.folder, 7U);
@@ -67,22 +72,22 @@ TEST(PlaylistsTest, HeaderSaysKindDatesOrderAndIds) {
 }
 
 TEST(PlaylistsTest, FieldThatTheHeaderIsTooShortForIsUnknown) {
-  Playlist list = withWords({{0x18, k2005}, {0x2c, 5}, {0x58, k2005}});
+  Playlist list = withWords({{0x18, kMadeIn2005}, {0x2c, 5}, {0x58, kMadeIn2005}});
   list.headerLength = 0x2e;
   const OpenLists lists(fileOf({{}, list}));
-  EXPECT_EQ(lists->facts(1).created, k2005);
+  EXPECT_EQ(lists->facts(1).created, kMadeIn2005);
   EXPECT_EQ(lists->facts(1).sortOrder, std::nullopt);
   EXPECT_EQ(lists->facts(1).modified, std::nullopt);
 }
 
 TEST(PlaylistsTest, DesktopListHasItsOwnPlaces) {
-  Playlist list = withWords({{0x1c, k2005}, {0x1b8, 1}, {0x1bc, 2}, {0x2c, 5}});
+  Playlist list = withWords({{0x1c, kMadeIn2005}, {0x1b8, 1}, {0x1bc, 2}, {0x2c, 5}});
   list.objects = SmartObjects(Variant::BigEndian, {.limited = true, .limit = 7},
                               {{.field = 7, .action = kIs, .from = {.value = 1999}}});
   const OpenLists lists(fileOf({{}, list}, Variant::BigEndian));
   const PlaylistFacts facts = lists->facts(1);
   EXPECT_EQ(facts.kind, PlaylistKind::Smart);
-  EXPECT_EQ(facts.created, k2005);
+  EXPECT_EQ(facts.created, kMadeIn2005);
   EXPECT_EQ(facts.persistentId, 0x100000002U);
   EXPECT_EQ(facts.sortOrder, std::nullopt);
   ASSERT_TRUE(facts.rules);

@@ -135,24 +135,29 @@ std::vector<std::string> ClassSource::lossyTexts(int32_t index) const {
   return names;
 }
 
-std::string ClassSource::storedText(SongTextField field, int32_t index) const {
-  const auto bytesOf = [index](const TextMethods &methods) {
-    const Value text = methods.text(index);
-    return std::string(text.bytes());
-  };
+const ClassSource::TextMethods &ClassSource::methodsOf(SongTextField field) const {
   switch (field) {
     case SongTextField::Title:
-      return bytesOf(title_);
+      return title_;
     case SongTextField::Artist:
-      return bytesOf(artist_);
+      return artist_;
     case SongTextField::Album:
-      return bytesOf(album_);
+      return album_;
     case SongTextField::Genre:
-      return bytesOf(genre_);
+      return genre_;
     case SongTextField::Composer:
       break;
   }
-  return bytesOf(composer_);
+  return composer_;
+}
+
+std::string ClassSource::text(SongTextField field, int32_t index) const {
+  return methodsOf(field).read(index, libType_);
+}
+
+std::string ClassSource::storedText(SongTextField field, int32_t index) const {
+  const Value text = methodsOf(field).text(index);
+  return std::string(text.bytes());
 }
 
 bool ClassSource::isSame(SongTextField by, int32_t one, int32_t other) const {

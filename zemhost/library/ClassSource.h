@@ -28,6 +28,7 @@ class ClassSource final : public LibrarySource {
   // With the path as the file has it: the class drops from it what lies above U+00FF.
   Song song(int32_t index) const override;
   std::string answeredPath(int32_t index) const override;
+  std::string text(SongTextField field, int32_t index) const override;
   uint32_t duration(int32_t index) const override;
   uint32_t size(int32_t index) const override;
   std::optional<std::string> numberedText(int32_t index, int32_t number) const override;
@@ -63,6 +64,7 @@ class ClassSource final : public LibrarySource {
     Method encode;
   };
 
+  const TextMethods &methodsOf(SongTextField field) const;
   template <typename Step>
   auto read(const Step &step) const;
   void addFacts(int32_t index, Song &song) const;

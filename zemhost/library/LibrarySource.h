@@ -45,6 +45,8 @@ class LibrarySource {
   virtual std::string answeredPath(int32_t index) const { return song(index).path; }
   virtual uint32_t duration(int32_t index) const = 0;
   virtual uint32_t size(int32_t index) const = 0;
+  // One of its texts as song() has it, for those that need no more of many songs.
+  virtual std::string text(SongTextField field, int32_t index) const;
   // A text with a number of its own, in UTF-8; none where the song has no such text. And how many there are.
   virtual std::optional<std::string> numberedText(int32_t index, int32_t number) const = 0;
   virtual int32_t numberedTextCount(int32_t index) const = 0;

@@ -41,6 +41,8 @@ class MusicLibrary {
   // Its path as the class answers it, which drops characters; no file is found by that.
   std::string answeredPath(int32_t index) const { return source_->answeredPath(index); }
   const Covers &covers() const { return *covers_; }
+  // Only one of its texts, as song() has it.
+  std::string text(SongTextField field, int32_t index) const { return source_->text(field, index); }
   // Only these two of a song's numbers, for adding up.
   uint32_t duration(int32_t index) const { return source_->duration(index); }
   uint32_t size(int32_t index) const { return source_->size(index); }

@@ -1,6 +1,7 @@
 #include "zemhost/library/SongGroups.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
@@ -11,53 +12,72 @@ namespace zemhost {
 
 namespace {
 
-// The texts by which songs are told apart, and the one whose comparison has the last word.
+// The texts by which songs are told apart, in the order of textNames(), and the one whose comparison has the
+// last word.
 struct Criterion {
   std::vector<SongTextField> texts;
   SongTextField same;
 };
 
-Criterion criterionOf(Sameness by) {
+const Criterion &criterionOf(Sameness by) {
   using enum SongTextField;
+  static const Criterion kSong{{Title, Artist, Album}, Album};
+  static const Criterion kSongOfArtist{{Title, Artist}, Artist};
+  static const Criterion kArtist{{Artist}, Artist};
+  static const Criterion kAlbum{{Album, Artist}, Album};
+  static const Criterion kGenre{{Genre}, Genre};
+  static const Criterion kComposer{{Composer}, Composer};
   switch (by) {
     case Sameness::Song:
-      return {{Title, Artist, Album}, Album};
+      return kSong;
     case Sameness::SongOfArtist:
-      return {{Title, Artist}, Artist};
+      return kSongOfArtist;
     case Sameness::Artist:
-      return {{Artist}, Artist};
+      return kArtist;
     case Sameness::Album:
-      return {{Album, Artist}, Album};
+      return kAlbum;
     case Sameness::Genre:
-      return {{Genre}, Genre};
+      return kGenre;
     case Sameness::Composer:
       break;
   }
-  return {{Composer}, Composer};
+  return kComposer;
 }
 
 bool isOfSongs(Sameness by) { return by == Sameness::Song || by == Sameness::SongOfArtist; }
 
-// The bytes of the texts, each behind its length, so that no two lists of texts give the same.
-std::string bytesOf(const MusicLibrary &library, const std::vector<SongTextField> &texts, int32_t song) {
+// Bytes of texts in an order that is quick to compare: by a hash, and where that is the same by themselves.
+// So whoever makes texts that meet in the hash gains nothing but comparisons of whole texts.
+struct TextKey {
+  size_t hash;
+  std::string bytes;
+};
+
+// The bytes stand each behind their length, so that no two lists of texts give the same.
+TextKey keyOf(const MusicLibrary &library, const std::vector<SongTextField> &texts, int32_t song) {
   std::string key;
   for (const SongTextField text : texts) {
     const std::string bytes = library.storedText(text, song);
     key.append(std::to_string(bytes.size())).append(1, ':').append(bytes);
   }
-  return key;
+  return {std::hash<std::string>()(key), std::move(key)};
 }
 
-// The groups by their texts; those whose texts are the same become one.
-std::map<std::vector<std::string>, SongGroup> byTexts(std::vector<SongGroup> groups) {
-  std::map<std::vector<std::string>, SongGroup> merged;
+// The groups in the order of their texts; those whose texts are the same become one.
+std::vector<SongGroup> inOrderOfTexts(std::vector<SongGroup> groups) {
+  const auto isBefore = [](const SongGroup &one, const SongGroup &other) { return one.texts < other.texts; };
+  std::stable_sort(groups.begin(), groups.end(), isBefore);
+  std::vector<SongGroup> merged;
+  merged.reserve(groups.size());
   for (SongGroup &group : groups) {
-    const auto [place, isNew] = merged.try_emplace(group.texts, group);
-    if (isNew) continue;
-    std::vector<int32_t> &songs = place->second.songs;
-    songs.insert(songs.end(), group.songs.begin(), group.songs.end());
+    if (merged.empty() || merged.back().texts != group.texts) {
+      merged.push_back(std::move(group));
+    } else {
+      std::vector<int32_t> &songs = merged.back().songs;
+      songs.insert(songs.end(), group.songs.begin(), group.songs.end());
+    }
   }
-  for (auto &[texts, group] : merged) std::sort(group.songs.begin(), group.songs.end());
+  for (SongGroup &group : merged) std::sort(group.songs.begin(), group.songs.end());
   return merged;
 }
 
@@ -88,35 +108,31 @@ const std::vector<std::string_view> &textNames(Sameness by) {
 }
 
 std::vector<std::string> songTexts(const MusicLibrary &library, Sameness by, int32_t index) {
-  const Song song = library.song(index);
   std::vector<std::string> texts;
-  for (const std::string_view name : textNames(by)) {
-    if (name == "title") texts.push_back(song.title.empty() ? song.path : song.title);
-    if (name == "artist") texts.push_back(song.artist);
-    if (name == "album") texts.push_back(song.album);
-    if (name == "genre") texts.push_back(song.genre);
-    if (name == "composer") texts.push_back(song.composer);
+  for (const SongTextField field : criterionOf(by).texts) {
+    const std::string text = library.text(field, index);
+    const bool needsPath = text.empty() && field == SongTextField::Title;
+    texts.push_back(composedText(needsPath ? library.song(index).path : text));
   }
-  for (std::string &text : texts) text = composedText(text);
   return texts;
 }
 
 std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint64_t *comparisons) {
-  const Criterion criterion = criterionOf(by);
-  const auto isBefore = [comparisons](const std::string &one, const std::string &other) {
+  const Criterion &criterion = criterionOf(by);
+  const auto isBefore = [comparisons](const TextKey &one, const TextKey &other) {
     if (comparisons != nullptr) ++*comparisons;
-    return one < other;
+    return one.hash != other.hash ? one.hash < other.hash : one.bytes < other.bytes;
   };
   std::vector<SongGroup> groups;
   // Of the group with these bytes. In order, since texts of a file can be made to meet in any hash whose key
   // is known.
-  std::map<std::string, size_t, decltype(isBefore)> places(isBefore);
+  std::map<TextKey, size_t, decltype(isBefore)> places(isBefore);
   const int32_t count = library.songCount();
   for (int32_t song = 0; song < count; ++song) {
     const bool isAlone = isOfSongs(by) && library.storedText(criterion.texts.front(), song).empty();
     std::optional<size_t> place;
     if (!isAlone) {
-      const auto [found, isNew] = places.try_emplace(bytesOf(library, criterion.texts, song), groups.size());
+      const auto [found, isNew] = places.try_emplace(keyOf(library, criterion.texts, song), groups.size());
       // The class compares the same bytes, in one look at each; where it says otherwise, it is right.
       if (!isNew && library.isSame(criterion.same, groups[found->second].songs.front(), song))
         place = found->second;
@@ -131,19 +147,19 @@ std::vector<SongGroup> groupSongs(const MusicLibrary &library, Sameness by, uint
 }
 
 Comparison compareLibraries(const MusicLibrary &a, const MusicLibrary &b, Sameness by) {
-  const auto groupsOfB = byTexts(groupSongs(b, by));
-  const auto groupsOfA = byTexts(groupSongs(a, by));
+  std::vector<SongGroup> groupsOfA = inOrderOfTexts(groupSongs(a, by));
+  std::vector<SongGroup> groupsOfB = inOrderOfTexts(groupSongs(b, by));
   Comparison comparison;
-  for (const auto &[texts, group] : groupsOfA) {
-    const auto found = groupsOfB.find(texts);
-    if (found == groupsOfB.end()) {
-      comparison.onlyA.push_back(group);
+  auto inA = groupsOfA.begin();
+  auto inB = groupsOfB.begin();
+  while (inA != groupsOfA.end() || inB != groupsOfB.end()) {
+    if (inB == groupsOfB.end() || (inA != groupsOfA.end() && inA->texts < inB->texts)) {
+      comparison.onlyA.push_back(std::move(*inA++));
+    } else if (inA == groupsOfA.end() || inA->texts != inB->texts) {
+      comparison.onlyB.push_back(std::move(*inB++));
     } else {
-      comparison.both.push_back({group, found->second});
+      comparison.both.push_back({std::move(*inA++), std::move(*inB++)});
     }
-  }
-  for (const auto &[texts, group] : groupsOfB) {
-    if (!groupsOfA.contains(texts)) comparison.onlyB.push_back(group);
   }
   const auto isBefore = [](const SongGroup &one, const SongGroup &other) {
     return one.songs.front() < other.songs.front();

@@ -45,6 +45,7 @@ inline std::vector<std::string *> placesOf(PlaylistArguments &arguments) {
 inline std::vector<std::string *> placesOf(CompareArguments &arguments) {
   return {&arguments.a, &arguments.b};
 }
+inline std::vector<std::string *> placesOf(VerifyArguments & /*arguments*/) { return {}; }
 inline std::vector<std::string *> placesOf(CallArguments & /*arguments*/) { return {}; }
 inline std::vector<std::string *> placesOf(ClassArguments & /*arguments*/) { return {}; }
 

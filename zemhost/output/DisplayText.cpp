@@ -165,10 +165,16 @@ std::string validText(std::string_view bytes) {
 }  // namespace
 
 std::string composedText(std::string_view bytes) {
+  if (isPlainAscii(bytes)) return std::string(bytes);
   return mappedText(validText(bytes), UTF8PROC_STABLE | UTF8PROC_COMPOSE);
 }
 
 std::string foldedText(std::string_view bytes) {
+  if (isPlainAscii(bytes)) {
+    std::string folded(bytes);
+    for (char &c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return folded;
+  }
   return mappedText(safeText(bytes), UTF8PROC_STABLE | UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD);
 }
 

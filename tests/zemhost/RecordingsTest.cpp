@@ -34,7 +34,7 @@ TEST(Recordings, LengthsOfOneAllLieWithinTheLimitHoweverManyThereAre) {
   const support::TemporaryFolder folder;
   std::vector<uint32_t> lengths;
   std::mt19937 random(5);
-  for (int i = 0; i < 2000; ++i) lengths.push_back(100'000 + random() % 200'000);
+  for (int i = 0; i < 2000; ++i) lengths.push_back(100'000 + static_cast<uint32_t>(random() % 200'000));
   const Recordings found = repeatedRecordings(libraryOf(folder, lengths), {});
   EXPECT_GT(found.repeated.size(), 60U);
   EXPECT_EQ(found.toldApart, 1U);

@@ -1,5 +1,6 @@
 #include "player/Playlists.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -16,7 +17,6 @@ namespace {
 
 constexpr size_t kLongestListHeader = 0x400;  // no file seen has one of more
 constexpr size_t kHeaderOfEntry = 0x4c;
-constexpr uint64_t kNoEnd = UINT64_MAX;  // what holds a list states lengths that need not be true
 
 constexpr uint32_t kSettingsObject = 50;
 constexpr uint32_t kCriteriaObject = 51;
@@ -56,14 +56,14 @@ struct StoredEntry {
 };
 
 // Hands on the entries that follow a list's header and objects, to the first chunk that is neither entry nor
-// object.
+// object, before `end`.
 template <typename Sink>
-void eachEntry(int file, bool bigEndian, uint64_t list, const Sink &sink) {
+void eachEntry(int file, bool bigEndian, uint64_t list, uint64_t end, const Sink &sink) {
   FileWindow window(file);
   std::string_view head = window.at(list, kCommonHeader);
   if (head.size() < kCommonHeader) return;
   uint64_t at = list + wordAt(head, 4, bigEndian);
-  for (;;) {
+  while (at < end) {
     head = window.at(at, kHeaderOfEntry);
     if (head.size() < kCommonHeader) return;
     const bool isObject = head.starts_with(bigEndian ? "hohm" : "mhod");
@@ -79,8 +79,8 @@ void eachEntry(int file, bool bigEndian, uint64_t list, const Sink &sink) {
   }
 }
 
-std::string nameOf(FileWindow &file, uint64_t record) {
-  for (const StoredObject &object : objectsOf(file, false, record, kNoEnd)) {
+std::string nameOf(FileWindow &file, uint64_t record, uint64_t end) {
+  for (const StoredObject &object : objectsOf(file, false, record, end)) {
     if (object.type != kNameObject) continue;
     if (auto name = textOf(file, false, object)) return std::move(*name);
   }
@@ -90,7 +90,9 @@ std::string nameOf(FileWindow &file, uint64_t record) {
 }  // namespace
 
 PlaylistReader::PlaylistReader(int file, const FileAccount &account)
-    : file_(file), bigEndian_(account.bigEndian), lists_(account.playlistsAt) {
+    : file_(file), bigEndian_(account.bigEndian), lists_(account.playlistsAt), starts_(lists_) {
+  starts_.insert(starts_.end(), account.groupedListsAt.begin(), account.groupedListsAt.end());
+  std::sort(starts_.begin(), starts_.end());
   if (bigEndian_) return;
   std::map<std::optional<uint64_t>, uint64_t> grouped;  // by persistent ID
   const auto idOfPodcasts = [file](uint64_t at, std::optional<uint64_t> &id) {
@@ -112,13 +114,20 @@ PlaylistReader::PlaylistReader(int file, const FileAccount &account)
   }
 }
 
+// What a list states of its length need not be true, but nothing behind the beginning of another one is its
+// own.
+uint64_t PlaylistReader::endOf(uint64_t at) const {
+  const auto next = std::upper_bound(starts_.begin(), starts_.end(), at);
+  return next == starts_.end() ? UINT64_MAX : *next;
+}
+
 PlaylistFacts PlaylistReader::facts(size_t list) const {
   const uint64_t at = lists_[list];
   const std::string bytes = readAt(file_, at, kLongestListHeader);
   const RecordHeader header(bytes, bigEndian_);
   PlaylistFacts facts;
   FileWindow window(file_);
-  facts.rules = rulesAmong(window, bigEndian_, objectsOf(window, bigEndian_, at, kNoEnd));
+  facts.rules = rulesAmong(window, bigEndian_, objectsOf(window, bigEndian_, at, endOf(at)));
   facts.kind = playlistKindOf(header, bigEndian_, list == 0, facts.rules.has_value());
   if (bigEndian_) {
     facts.created = header.date(0x1c);
@@ -135,7 +144,7 @@ PlaylistFacts PlaylistReader::facts(size_t list) const {
 
 std::vector<uint32_t> PlaylistReader::songIds(size_t list) const {
   std::vector<uint32_t> ids;
-  eachEntry(file_, bigEndian_, lists_[list], [&ids](const StoredEntry &entry) {
+  eachEntry(file_, bigEndian_, lists_[list], endOf(lists_[list]), [&ids](const StoredEntry &entry) {
     if (!entry.isHeading) ids.push_back(entry.song);
   });
   return ids;
@@ -152,9 +161,10 @@ std::vector<PodcastGroup> PlaylistReader::podcastGroups(size_t list) const {
     return found->second;
   };
   FileWindow names(file_);
-  eachEntry(file_, false, grouped->second, [&](const StoredEntry &entry) {
+  const uint64_t end = endOf(grouped->second);
+  eachEntry(file_, false, grouped->second, end, [&](const StoredEntry &entry) {
     if (entry.isHeading) {
-      groups[placeOf(entry.id)].name = nameOf(names, entry.at);
+      groups[placeOf(entry.id)].name = nameOf(names, entry.at, end);
     } else {
       groups[placeOf(entry.group)].songs.push_back(entry.song);
     }

@@ -53,7 +53,10 @@ class PlaylistReader {
  private:
   int file_;
   bool bigEndian_;
+  uint64_t endOf(uint64_t at) const;
+
   std::vector<uint64_t> lists_;
+  std::vector<uint64_t> starts_;          // of the lists in either form, ascending
   std::map<size_t, uint64_t> groupedAt_;  // where the form of a list begins that has its podcasts in groups
 };
 

@@ -1,5 +1,6 @@
 #include "player/SongReader.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "player/FileWord.h"
@@ -23,7 +24,9 @@ std::vector<StoredObject> SongReader::objects(size_t index) const {
   const uint64_t song = songs_[index];
   const std::string_view header = file_.at(song, 12);
   if (header.size() < 12) return {};
-  return objectsOf(file_, bigEndian_, song, song + wordAt(header, 8, bigEndian_));
+  // What reaches into the next song is not this one's, so that no byte is read for two.
+  const uint64_t next = index + 1 < songs_.size() ? songs_[index + 1] : UINT64_MAX;
+  return objectsOf(file_, bigEndian_, song, std::min(song + wordAt(header, 8, bigEndian_), next));
 }
 
 std::vector<SongText> SongReader::texts(size_t index) const {

@@ -127,7 +127,8 @@ TEST_F(CheckedPlayer, FindingsBreakBetweenWordsOnATerminalAndNowhereElse) {
             (std::vector<std::string>{"- song 24 \"Lost Reel\" by Idris Calloway: its file is missing:",
                                       "  " + (music_ / "F12" / "LOST.m4a").string()}));
   for (const std::string &line : linesOf(shown)) {
-    if (line.find('/') == std::string::npos) EXPECT_LE(displayWidth(line), 80U) << line;
+    if (line.find('/') != std::string::npos) continue;  // a path is never cut
+    EXPECT_LE(displayWidth(line), 80U) << line;
   }
 }
 

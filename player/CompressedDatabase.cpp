@@ -90,8 +90,9 @@ class Inflater {
       stream.next_out = reinterpret_cast<Bytef *>(out.data());
       stream.avail_out = static_cast<uInt>(out.size());
       status = inflate(&stream, Z_NO_FLUSH);
-      if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) failInflating(stream, at);
+      // What was inflated before a failure is good too.
       writeOut({out.data(), out.size() - stream.avail_out});
+      if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) failInflating(stream, at);
       checkSize();
     }
     left_ = fileSize_ - std::min(fileSize_, at - stream.avail_in);

@@ -14,7 +14,8 @@ namespace player {
 //
 // Throws PlayerError, beginning with `name`, when the stream is damaged or ends early, when it inflates to 2
 // GiB or more, or to more than 64 MiB and a hundred times its own size, as no database does; and when
-// writing fails, naming `toName`. Throws std::bad_alloc without memory.
+// writing fails, naming `toName`; what was inflated until then is in the file. Throws std::bad_alloc without
+// memory.
 uint64_t inflateDatabase(int from, const std::string &name, int to, const std::string &toName);
 
 }  // namespace player

@@ -26,6 +26,7 @@ static_assert(kForeignHead <= kChunkHeader);
 constexpr size_t kSample = 256;
 
 FileProbe unusable(std::string reason) { return {FileContent::Unusable, std::move(reason)}; }
+FileProbe damaged(std::string reason) { return {FileContent::Damaged, std::move(reason)}; }
 
 FileProbe failed(int error) { return unusable(std::generic_category().message(error)); }
 
@@ -50,8 +51,8 @@ bool isChunk(std::string_view body) {
 bool isDataSet(std::string_view chunk) { return chunk.substr(2, 2) == "sd" || chunk.substr(0, 4) == "hdsm"; }
 
 FileProbe truncated(uint64_t expected, uint64_t actual) {
-  return unusable("the file is truncated: it should hold " + std::to_string(expected) + " bytes and holds " +
-                  std::to_string(actual));
+  return damaged("the file is truncated: it should hold " + std::to_string(expected) + " bytes and holds " +
+                 std::to_string(actual));
 }
 
 FileProbe probeOpenFile(int file, uint64_t size, const std::filesystem::path &name) {
@@ -62,10 +63,10 @@ FileProbe probeOpenFile(int file, uint64_t size, const std::filesystem::path &na
   const bool bigEndian = tag == "hdfm";
   if (!littleEndian && !bigEndian) {
     const std::string foreign = foreignFileText(header, name);
-    if (foreign.empty()) return unusable("not an iTunesDB database");
+    if (foreign.empty()) return damaged("not an iTunesDB database");
     return unusable("it is " + foreign + "; name the player, or its iTunesDB");
   }
-  if (header.size() < kChunkHeader) return unusable("the file is truncated: its header is not complete");
+  if (header.size() < kChunkHeader) return damaged("the file is truncated: its header is not complete");
   if (size > static_cast<uint64_t>(std::numeric_limits<int32_t>::max())) {
     return unusable("the file is too large: 2 GB and more cannot be read");
   }
@@ -73,7 +74,7 @@ FileProbe probeOpenFile(int file, uint64_t size, const std::filesystem::path &na
   const uint64_t headerLength = wordAt(header, 4, bigEndian);
   const uint64_t totalLength = wordAt(header, 8, bigEndian);
   if (headerLength < kChunkHeader)
-    return unusable("the file is damaged: its header states a length that is not possible");
+    return damaged("the file is damaged: its header states a length that is not possible");
   if (headerLength > size) return truncated(std::max(headerLength, totalLength), size);
   const std::string body = readAt(file, headerLength, kSample);
   if (isZlibStream(body)) return {FileContent::Compressed, {}};
@@ -82,7 +83,7 @@ FileProbe probeOpenFile(int file, uint64_t size, const std::filesystem::path &na
   }
   if (totalLength > size) return truncated(totalLength, size);
   if (body.empty()) return {FileContent::Database, {}};
-  if (!isChunk(body)) return unusable("the file is damaged: no chunk follows its header");
+  if (!isChunk(body)) return damaged("the file is damaged: no chunk follows its header");
   if (!isDataSet(body)) return {FileContent::Database, {}};
   const uint64_t firstSetEnd = headerLength + wordAt(body, 8, bigEndian);
   if (firstSetEnd > size) return truncated(firstSetEnd, size);

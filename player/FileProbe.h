@@ -13,12 +13,13 @@ enum class FileContent {
   Database,    // can be loaded
   Compressed,  // a database whose body is a zlib stream; can be loaded when that is inflated
   Encrypted,   // a library whose body cannot be read
-  Unusable     // anything else, damaged and truncated files included
+  Damaged,     // a database that is cut off or overwritten, or a file of no known kind
+  Unusable     // anything else
 };
 
 struct FileProbe {
   FileContent content = FileContent::Unusable;
-  std::string reason;  // for Encrypted and Unusable: what is wrong, to stand after "FILE: "
+  std::string reason;  // for the last three: what is wrong, to stand after "FILE: "
 };
 
 // Looks at the file's header and first chunk, at most a few hundred bytes whatever its size. Never throws for

@@ -64,7 +64,7 @@ class CompressedDatabase : public testing::Test {
 
   void expectRefusal(const std::string &bytes, const std::string &reason) const {
     const fs::path file = folder_.write("compressed", bytes);
-    const Outcome outcome = run({"songs", file});
+    const Outcome outcome = run({"call", file, "CountSongs"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(linesOf(outcome.err).size(), 1U) << outcome.err;
@@ -171,6 +171,24 @@ TEST_F(CompressedDatabase, DamagedStreamIsSaidToBe) {
     std::string damaged = whole;
     for (size_t i = at; i < damaged.size() && i < at + 40; ++i) damaged[i] = static_cast<char>(~damaged[i]);
     expectRefusal(damaged, "the compressed database is damaged near byte ");
+  }
+}
+
+TEST_F(CompressedDatabase, SongsBeforeTheDamageOfAStreamAreSalvaged) {
+  const std::string whole = compressedForm(database_, 0);
+  const size_t songs = whole.find("mhit");
+  const size_t lists = whole.find("mhlp");
+  for (const std::string &damaged :
+       {whole.substr(0, lists), std::string(whole).replace(lists, 4000, 4000, '\0'),
+        whole.substr(0, (songs + lists) / 2)}) {
+    const fs::path file = folder_.write("compressed", damaged);
+    const Outcome outcome = run({"songs", file});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr(": the file is damaged: "));
+    EXPECT_THAT(outcome.err, HasSubstr(" were found by salvage"));
+    const Outcome check = run({"check", file});
+    EXPECT_EQ(check.status, 3);
+    EXPECT_THAT(check.out, HasSubstr("\n- the compressed database is "));
   }
 }
 

@@ -159,6 +159,7 @@ void writeText(const CheckReport &report, std::ostream &out) {
   line(out, "Variant   ", variantText(report.form));
   line(out, "Version   ", report.file.version.empty() ? "not stated" : report.file.version);
   line(out, "Content   ", bytesText(report));
+  if (report.salvage) line(out, "Salvage   ", report.salvage->text());
   line(out, "Files     ", filesText(report.library));
   if (report.shuffle) line(out, "Shuffle   ", shuffleText(*report.shuffle));
   out << '\n';
@@ -177,6 +178,11 @@ void writeText(const CheckReport &report, std::ostream &out) {
 void writeJson(const CheckReport &report, std::ostream &out) {
   Json json = {{"database", report.location.file.string()}, {"compressed", report.compressed}};
   json.update(report.form == LibraryForm::Sqlite ? tablesJson(report) : chunksJson(report));
+  if (report.salvage) {
+    json["salvage"] = {{"songs", report.salvage->songs},
+                       {"announced", report.salvage->announced},
+                       {"playlists", report.salvage->playlists}};
+  }
   const LibraryAccount &library = report.library;
   const bool looked = library.filesLeftOut.empty();
   json["files"] = {{"checked", looked}};

@@ -2,6 +2,7 @@
 
 // The result of a check, for people and for programs.
 
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -25,7 +26,8 @@ struct CheckReport {
   Reconciliation reconciliation;                 // likewise only what is found and read
   LibraryAccount library;
   std::optional<ShuffleAccount> shuffle;
-  player::Findings findings;  // of all the above
+  std::shared_ptr<const SalvageReport> salvage;  // of a damaged database
+  player::Findings findings;                     // of all the above
 };
 
 // Tables of what was counted, then the findings, the first few of each kind.

@@ -12,8 +12,8 @@
 namespace zemhost {
 
 int callObject(const CallArguments &arguments) {
-  const OpenDatabase database = openDatabase(Host::load(), arguments.path);
-  for (const std::string &warning : database.warnings) printError(warning);
+  const OpenDatabase database = loadDatabase(Host::load(), arguments.path);
+  for (const std::string &warning : warningsOf(database, arguments.path)) printError(warning);
   int status = kSuccess;
   for (const std::string &line : arguments.lines) {
     try {

@@ -12,6 +12,7 @@
 #include "zemhost/files/OutOfMemory.h"
 #include "zemhost/library/OpenDatabase.h"
 #include "zemhost/library/OpenLibrary.h"
+#include "zemhost/library/SalvagedDatabase.h"
 #include "zemhost/library/SqliteSource.h"
 #include "zemhost/output/DisplayText.h"
 
@@ -41,9 +42,17 @@ void checkCovers(const MusicLibrary &library, player::Findings &findings) {
     findings.add(player::FindingKind::UnusedFile, library.covers().warning());
 }
 
+void addSalvage(const SalvageReport &salvage, player::Findings &findings) {
+  if (!salvage.refusal.empty()) findings.add(player::FindingKind::DamagedFile, salvage.refusal);
+  findings.add(player::FindingKind::DamagedFile, "the file is damaged: " + salvage.text());
+}
+
 CheckReport checkLoaded(OpenDatabase database) {
-  CheckReport report{database.location, {}, database.compressed, database.account, {}, {}, {}, {}, {}};
+  CheckReport report{database.location, {}, database.compressed, database.account, {}, {}, {}, {}, {}, {}};
+  report.salvage = database.salvage;
+  if (report.salvage) report.file = report.salvage->original;
   report.findings = report.file.findings;
+  if (report.salvage) addSalvage(*report.salvage, report.findings);
   if (database.bytesAfterStream > 0) {
     report.findings.add(
         player::FindingKind::UnexplainedBytes,
@@ -56,7 +65,7 @@ CheckReport checkLoaded(OpenDatabase database) {
   const MusicLibrary library(std::move(database));
   report.form = library.form();
   report.reconciliation = reconcile(report.file, *library.object());
-  addDifferences(report.reconciliation, library, report.file, report.findings);
+  if (!report.salvage) addDifferences(report.reconciliation, library, report.file, report.findings);
   report.library = checkLibrary(library, report.findings);
   report.shuffle = checkShuffle(library, report.findings);
   checkCovers(library, report.findings);
@@ -74,7 +83,7 @@ uint64_t rowsOf(const player::SqliteLibrary &library, std::string_view table) {
 CheckReport checkSqlite(const player::DatabaseLocation &location) {
   const auto files = readSqliteLibrary(location);
   const MusicLibrary library(Host::load(), std::make_shared<const SqliteSource>(location, files));
-  CheckReport report{location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {},
+  CheckReport report{location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {}, {},
                      {},       files->findings()};
   report.file.version = files->version();
   report.file.size = files->bytes();
@@ -102,7 +111,7 @@ int checkDatabase(const CheckArguments &arguments) {
   setMemorySubject(safeText(arguments.path));
   const player::DatabaseLocation location = player::locateDatabase(arguments.path);
   CheckReport report =
-      location.isSqlite() ? checkSqlite(location) : checkLoaded(loadDatabase(Host::load(), arguments.path));
+      location.isSqlite() ? checkSqlite(location) : checkLoaded(loadOrSalvage(Host::load(), arguments.path));
   checkDevice(location.volumeRoot, report.findings);
   if (arguments.json) {
     writeJson(report, std::cout);

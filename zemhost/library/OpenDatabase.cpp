@@ -11,10 +11,11 @@
 #include "host/runtime/MacPaths.h"
 #include "player/FileProbe.h"
 #include "zemhost/files/OutOfMemory.h"
-#include "zemhost/library/InflatedCopy.h"
 #include "zemhost/library/MemoryLimit.h"
+#include "zemhost/library/PrivateCopy.h"
 #include "zemhost/library/Reconciliation.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 
@@ -50,9 +51,15 @@ void load(const Object &object, const std::string &name, const std::filesystem::
   }
 }
 
+void mount(const player::DatabaseLocation &location, const std::filesystem::path &root) {
+  if (!location.volumeRoot.empty()) mountVolume(volumeName(location.volumeRoot), root);
+}
+
 void readContent(OpenDatabase &database) {
   try {
     database.account = player::walkChunks(database.content.number());
+    // Those that were lost count, for what names songs by their places.
+    if (database.salvage) database.account.declaredTracks = database.salvage->announced;
     database.songs = std::make_shared<const player::PlayerSongs>(database.content.number(), database.account,
                                                                  database.location);
     database.lists = std::make_shared<const player::PlayerLists>(
@@ -73,37 +80,46 @@ void load(OpenDatabase &database) {
   const player::FileProbe probe = player::probeFile(location.file);
   if (!probe.reason.empty()) throw HostError(location.name + ": " + probe.reason);
 
-  const bool onPlayer = !location.volumeRoot.empty();
-  const auto mount = [&](const std::filesystem::path &root) {
-    if (onPlayer) mountVolume(volumeName(location.volumeRoot), root);
-  };
   if (probe.content == player::FileContent::Compressed) {
-    InflatedCopy copy(location);
+    PrivateCopy copy(location);
+    database.bytesAfterStream = inflateInto(copy, location);
+    database.compressed = true;
     const player::FileProbe inflated = player::probeFile(copy.file());
     if (inflated.content != player::FileContent::Database) {
       throw HostError(location.name + ": its compressed content: " +
                       (inflated.reason.empty() ? "a compressed database again" : inflated.reason));
     }
-    if (limitMemoryFor(copy.size())) {
-      setMemorySubject(safeText(location.name),
-                       "a compressed database may take twice its inflated size and 64 MB");
-    }
-    mount(copy.root());
-    load(database.object, location.name, copy.file());
-    database.compressed = true;
-    database.bytesAfterStream = copy.bytesLeft();
-    database.content = copy.takeContent();
-    mount(location.volumeRoot);
-  } else {
-    mount(location.volumeRoot);
-    load(database.object, location.name, location.file);
-    database.content = carbon::Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (database.content.number() < 0) throw HostError(location.name, errno);
+    loadCopy(database, copy);
+    return;
   }
+  mount(location, location.volumeRoot);
+  load(database.object, location.name, location.file);
+  database.content = carbon::Descriptor(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (database.content.number() < 0) throw HostError(location.name, errno);
   readContent(database);
 }
 
 }  // namespace
+
+std::string SalvageReport::text() const {
+  const bool isShort = announced > songs;
+  return (isShort ? std::to_string(songs) + " of " : "") +
+         countText(isShort ? announced : songs, "song", "songs") + " and " +
+         countText(playlists, "playlist", "playlists") + " were found by salvage";
+}
+
+void loadCopy(OpenDatabase &database, PrivateCopy &copy) {
+  const player::DatabaseLocation &location = database.location;
+  if (database.compressed && limitMemoryFor(copy.size())) {
+    setMemorySubject(safeText(location.name),
+                     "a compressed database may take twice its inflated size and 64 MB");
+  }
+  mount(location, copy.root());
+  load(database.object, location.name, copy.file());
+  database.content = copy.takeContent();
+  mount(location, location.volumeRoot);
+  readContent(database);
+}
 
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
   setMemorySubject(safeText(path.string()));
@@ -114,17 +130,21 @@ OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path) {
   return database;
 }
 
-OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path) {
-  OpenDatabase database = loadDatabase(host, path);
-  const Reconciliation counts = reconcile(database.account, database.object);
-  if (!counts.agrees()) {
-    database.warnings.push_back(database.location.name + ": " + counts.summary() +
-                                "; to see what is wrong run: zemhost check " + shellWord(path.string()));
+std::vector<std::string> warningsOf(const OpenDatabase &database, const std::filesystem::path &path) {
+  std::vector<std::string> warnings;
+  const auto warn = [&](const std::string &text) {
+    warnings.push_back(database.location.name + ": " + text + "; to see what is wrong run: zemhost check " +
+                       shellWord(path.string()));
+  };
+  if (database.salvage) {
+    warn("the file is damaged: " + database.salvage->text());
+  } else if (const Reconciliation counts = reconcile(database.account, database.object); !counts.agrees()) {
+    warn(counts.summary());
   }
-  if (!database.songs->warning().empty()) database.warnings.push_back(database.songs->warning());
+  if (!database.songs->warning().empty()) warnings.push_back(database.songs->warning());
   const std::vector<std::string> &lists = database.lists->warnings();
-  database.warnings.insert(database.warnings.end(), lists.begin(), lists.end());
-  return database;
+  warnings.insert(warnings.end(), lists.begin(), lists.end());
+  return warnings;
 }
 
 }  // namespace zemhost

@@ -15,17 +15,29 @@
 
 namespace zemhost {
 
+// What was found by salvage in a database that is damaged.
+struct SalvageReport {
+  uint64_t songs = 0;
+  uint64_t announced = 0;  // songs, by what is left of the database; 0 when it does not say
+  uint64_t playlists = 0;
+  std::string refusal;           // why the class does not load the file itself; empty when it does
+  player::FileAccount original;  // of the damaged content
+
+  // "1998 of 2006 songs and 12 playlists were found by salvage".
+  std::string text() const;
+};
+
 struct OpenDatabase {
   Host host;
   player::DatabaseLocation location;
   Object object;                // has loaded the file; its properties are as the class sets them
-  carbon::Descriptor content;   // what was loaded: the file, or the inflated form of a compressed one
-  bool compressed;              // whether it is that
+  carbon::Descriptor content;   // what was loaded: the file, its inflated form, or a mended one
+  bool compressed;              // whether the file is
   uint64_t bytesAfterStream;    // bytes of a compressed file after its stream
   player::FileAccount account;  // of the content
   std::shared_ptr<const player::PlayerSongs> songs;  // read from the content without the plug-in
   std::shared_ptr<const player::PlayerLists> lists;  // likewise
-  std::vector<std::string> warnings;  // a line each; none unless openDatabase() has something to say
+  std::shared_ptr<const SalvageReport> salvage;      // of a damaged file; nullptr otherwise
 };
 
 // Finds the database that the path stands for, declares its player as a mounted volume, and loads it into a
@@ -36,8 +48,14 @@ struct OpenDatabase {
 // which the class does not read.
 OpenDatabase loadDatabase(const Host &host, const std::filesystem::path &path);
 
-// The same, with warnings when the class does not answer with all that the file announces or holds, and when
-// a file beside it is left out.
-OpenDatabase openDatabase(const Host &host, const std::filesystem::path &path);
+// A line for each thing that is wrong: the class does not answer with all that the file announces or holds, a
+// file beside it is left out, or the database was salvaged. `path` is what a person named.
+std::vector<std::string> warningsOf(const OpenDatabase &database, const std::filesystem::path &path);
+
+class PrivateCopy;
+
+// Loads a copy that stands for the database of `database.location` into its object, which has loaded nothing,
+// and reads the copy. Throws likewise.
+void loadCopy(OpenDatabase &database, PrivateCopy &copy);
 
 }  // namespace zemhost

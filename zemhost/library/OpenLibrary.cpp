@@ -4,6 +4,7 @@
 
 #include "player/Folder.h"
 #include "zemhost/files/OutOfMemory.h"
+#include "zemhost/library/SalvagedDatabase.h"
 #include "zemhost/library/SqliteSource.h"
 #include "zemhost/output/DisplayText.h"
 
@@ -18,8 +19,8 @@ std::shared_ptr<const player::SqliteLibrary> readSqliteLibrary(const player::Dat
 OpenedLibrary openLibrary(const Host &host, const std::filesystem::path &path) {
   const player::DatabaseLocation location = player::locateDatabase(path);
   if (!location.isSqlite()) {
-    OpenDatabase database = openDatabase(host, path);
-    std::vector<std::string> warnings = std::move(database.warnings);
+    OpenDatabase database = loadOrSalvage(host, path);
+    std::vector<std::string> warnings = warningsOf(database, path);
     return {MusicLibrary(std::move(database)), std::move(warnings)};
   }
   setMemorySubject(safeText(location.name));

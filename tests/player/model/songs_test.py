@@ -39,6 +39,8 @@ class RandomFiles:
     DATES = [0, 1, 0x7C25B080, 2398377599, 2398377600, 0xB6757900, 0xB6757900 + 50400, 0xB6757900 + 50401,
              0xB6757900 - 50400, 0xB6757900 - 50401, 0xD2F9137C, 0xFFFFFFFF]
     LENGTHS = [0x9C, 0xF4, 0x148, 0x184, 0x248, 0x270]
+    ENCODINGS = [1, 1, 1, 0, 2]
+    shortest = 0x14
 
     def __init__(self, seed):
         self.random = random.Random(seed)
@@ -51,7 +53,7 @@ class RandomFiles:
         return some % (1 << 8 * size)
 
     def song(self, place):
-        jump = self.random.choice(self.LENGTHS + [self.random.randrange(0x14, 0x280)])
+        jump = self.random.choice(self.LENGTHS + [self.random.randrange(self.shortest, 0x280)])
         fields = {**BOTH, **(BIG if self.big else LITTLE), "skips": (0x98, "I", 0), "more": (0x9C, "I", 0),
                   "number": (0xE0, "I", 0)}
         objects = b"".join(self.text() for _ in range(self.random.randrange(4)))
@@ -69,7 +71,7 @@ class RandomFiles:
         units = [self.random.choice([0x41, 0x62, 0xE9, 0x20AC, 0x3042, 0xD83D, 0xDE00, 0xFFFF])
                  for _ in range(self.random.randrange(12))]
         body = struct.pack(f"{self.order}{len(units)}H", *units)
-        inner = struct.pack(self.order + "IIII", self.random.choice([1, 1, 1, 0, 2]), len(body), 1, 0)
+        inner = struct.pack(self.order + "IIII", self.random.choice(self.ENCODINGS), len(body), 1, 0)
         tag = b"hohm" if self.big else b"mhod"
         return chunk(tag, self.order, 0x18, inner + body, self.random.randrange(1, 40))
 

@@ -215,6 +215,10 @@ DATABASES = {
     "of_one_header": lambda: _whole()[:0x68],
     "cut_in_a_song": lambda: _whole()[:0x300],
     "cut_at_its_end": lambda: _whole()[:-1],
+    "wiped_in_its_middle": lambda: _whole()[:0x400] + bytes(0x200) + _whole()[0x600:],
+    "without_a_header": lambda: bytes(0x100) + _whole()[0x100:],
+    "of_songs_inside_each_other": lambda: b"".join(chunk(b"mhit", 0x400 - 16 * i, 0x8000, 9) for i in range(64)) +
+                                          bytes(0x4000) + _whole(),
     "of_noise": lambda: _whole()[:0x68] + random.Random(1).randbytes(50_000),
     "of_a_picture": lambda: b"\x89PNG\r\n\x1a\n" + bytes(500),
     "of_a_program": lambda: b"\x7fELF" + bytes(500),

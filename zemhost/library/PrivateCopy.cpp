@@ -1,4 +1,4 @@
-#include "zemhost/library/InflatedCopy.h"
+#include "zemhost/library/PrivateCopy.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -20,7 +20,7 @@ TemporaryPath makeDirectory(const std::filesystem::path &path) {
 
 }  // namespace
 
-InflatedCopy::InflatedCopy(const player::DatabaseLocation &location) {
+PrivateCopy::PrivateCopy(const player::DatabaseLocation &location) {
   if (location.volumeRoot.empty()) {
     file_ = TemporaryPath(root_.path() / location.file.filename());
   } else {
@@ -28,15 +28,20 @@ InflatedCopy::InflatedCopy(const player::DatabaseLocation &location) {
     folder_ = makeDirectory(control_.path() / player::kDatabaseFolder);
     file_ = TemporaryPath(folder_.path() / player::kDatabaseFile);
   }
-  const carbon::Descriptor from(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (from.number() < 0) throw HostError(location.name, errno);
   content_ = carbon::Descriptor(open(file_.path().c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (content_.number() < 0) throw HostError(file_.path().string(), errno);
-  bytesLeft_ =
-      player::inflateDatabase(from.number(), location.name, content_.number(), file_.path().string());
+}
+
+uint64_t PrivateCopy::size() const {
   struct stat status {};
   if (fstat(content_.number(), &status) != 0) throw HostError(file_.path().string(), errno);
-  size_ = static_cast<uint64_t>(status.st_size);
+  return static_cast<uint64_t>(status.st_size);
+}
+
+uint64_t inflateInto(PrivateCopy &copy, const player::DatabaseLocation &location) {
+  const carbon::Descriptor from(open(location.file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (from.number() < 0) throw HostError(location.name, errno);
+  return player::inflateDatabase(from.number(), location.name, copy.content(), copy.file().string());
 }
 
 }  // namespace zemhost

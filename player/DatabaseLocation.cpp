@@ -101,4 +101,14 @@ DatabaseLocation locateDatabase(const fs::path &path) {
   return checked({file, file.string(), control->parent_path()});
 }
 
+fs::path playerRootOf(const fs::path &path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) return {};
+  const fs::path absolute = normalised(path);
+  if (!fs::is_directory(status)) return volumeRootOf(absolute);
+  if (isControlFolder(absolute)) return absolute.parent_path();
+  return controlFolderOf(absolute) ? absolute : fs::path();
+}
+
 }  // namespace player

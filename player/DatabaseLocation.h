@@ -24,4 +24,8 @@ struct DatabaseLocation {
 // out of the player.
 DatabaseLocation locateDatabase(const std::filesystem::path &path);
 
+// The root of the player that a path stands for as above, whether or not it has a database; empty when it
+// stands for none.
+std::filesystem::path playerRootOf(const std::filesystem::path &path);
+
 }  // namespace player

@@ -1,6 +1,6 @@
 #pragma once
 
-// The files in the folder where a player keeps its music, whatever its database says of them.
+// The files in the folders where a player keeps its music, whatever its database says of them.
 
 #include <filesystem>
 #include <functional>
@@ -17,5 +17,9 @@ struct MusicFileSink {
 // it has none, or one that lies outside the player. Symbolic links are not followed. Throws std::bad_alloc
 // without memory.
 void eachMusicFile(const std::filesystem::path &root, const MusicFileSink &sink);
+
+// The same of all folders in which players keep sounds: that of their own files, but for what they say aloud,
+// and that of recordings.
+void eachFileOfPlayer(const std::filesystem::path &root, const MusicFileSink &sink);
 
 }  // namespace player

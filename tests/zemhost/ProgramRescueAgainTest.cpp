@@ -138,7 +138,7 @@ TEST_F(RescueAgain, ListKeepsTheEntriesWhoseCopiesAreThere) {
   run(player);
   const std::string list = contentOf(destination_ / "All.m3u8");
   EXPECT_THAT(list, HasSubstr("\nA/Unknown Album/One.mp3\n"));
-  fs::rename(player / "iPod_Control/Music", player / "iPod_Control/Gone");
+  fs::rename(player / "iPod_Control/Music", folder_.path() / "gone");
   const Outcome outcome = run(player);
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.out, HasSubstr("\n2 problems:\n"));

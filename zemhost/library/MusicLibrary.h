@@ -23,6 +23,7 @@ class MusicLibrary {
   explicit MusicLibrary(OpenDatabase database);
 
   const Host &host() const { return host_; }
+  const std::shared_ptr<const LibrarySource> &source() const { return source_; }
   const player::DatabaseLocation &location() const { return source_->location(); }
   LibraryForm form() const { return source_->form(); }
   std::string volumeName() const { return source_->volumeName(); }

@@ -16,7 +16,8 @@ std::string numbered(const char *what, int32_t number, const std::string &name) 
 }  // namespace
 
 std::string songLabel(int32_t index, const Song &song) {
-  const std::string label = numbered("song", index, song.title);
+  const std::string label =
+      song.isUnnamed ? "unnamed file " + inQuotes(song.title) : numbered("song", index, song.title);
   return song.artist.empty() ? label : label + " by " + song.artist;
 }
 

@@ -28,6 +28,7 @@ struct Song {
   player::SongFacts facts;
   std::optional<player::PlayCount>
       sinceSync;                   // of this, what the player counted since the last synchronisation
+  bool isUnnamed = false;          // a file that no song of the library names; known by its tags alone
   const Covers *covers = nullptr;  // of its library, which must outlive it
 
   // Whether it has a cover; no value where that is not known. The list of covers is read when it is first

@@ -30,8 +30,8 @@ namespace zemhost {
 
 namespace {
 
-// Whether a file of the player can be read from its disk, at once or after a moment: a player whose cable was
-// touched comes back by itself.
+// Whether a file of the player, or a folder, can be read from its disk, at once or after a moment: a player
+// whose cable was touched comes back by itself.
 enum class Answer { AtOnce, AfterAMoment, None };
 Answer answerOf(const std::filesystem::path &file) {
   constexpr int kTries = 3;
@@ -43,7 +43,8 @@ Answer answerOf(const std::filesystem::path &file) {
     // What the system keeps in memory would be read from a player that is gone, too.
     [[maybe_unused]] const int advised = posix_fadvise(open.number(), 0, 0, POSIX_FADV_DONTNEED);
     char byte = 0;
-    if (pread(open.number(), &byte, 1, 0) >= 0) return tries == 0 ? Answer::AtOnce : Answer::AfterAMoment;
+    if (pread(open.number(), &byte, 1, 0) >= 0 || errno == EISDIR)
+      return tries == 0 ? Answer::AtOnce : Answer::AfterAMoment;
   }
   return Answer::None;
 }
@@ -83,9 +84,11 @@ class Rescue {
       setInterruptionAdvice(kContinue);
     }
     planSongs();
-    result_.problems = plan_.problems();
+    result_.problems = request_.problems;
+    result_.problems.insert(result_.problems.end(), plan_.problems().begin(), plan_.problems().end());
     result_.shortFiles = plan_.shortFiles();
-    result_.remarks = plan_.remarks();
+    result_.remarks = request_.remarks;
+    result_.remarks.insert(result_.remarks.end(), plan_.remarks().begin(), plan_.remarks().end());
     if (request_.dryRun) {
       showPlan();
       writeCovers();

@@ -20,6 +20,9 @@ struct RescueRequest {
   bool covers = false;             // write covers beside the music
   bool verify = false;             // read every copy back
   bool skipDamaged = false;        // leave out songs of which a part cannot be read
+  std::vector<std::string> problems{};  // what is wrong before it begins
+  std::vector<std::string> remarks{};   // likewise
+  size_t unnamed = 0;  // songs of the library that are files which no song of the database names
 };
 
 struct RescueResult {

@@ -12,6 +12,12 @@
 
 namespace zemhost {
 
+namespace {
+
+constexpr const char *kUnnamedFolder = "Unnamed";
+
+}  // namespace
+
 RescuePlan::RescuePlan(const MusicLibrary &library, const NamePattern &pattern,
                        const DestinationFolder &destination, const CopyReport &report)
     : library_(library),
@@ -56,9 +62,8 @@ void RescuePlan::addSong(int32_t index) {
 
 void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
   const std::string extension = file.source.path.extension().string();
-  const Row values = songNames_.values(index);
-  const std::string wanted =
-      folderFor(pattern_.names(values)) + pattern_.fileName(values, "", safeExtension(extension));
+  const Naming naming = namingOf(index, song);
+  const std::string wanted = folderFor(namesOf(naming)) + fileName(naming, "", safeExtension(extension));
   const auto [known, isNew] =
       shared_.try_emplace({file.source.path.string(), foldedText(wanted)}, files_.size());
   if (!isNew) {
@@ -66,7 +71,7 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
     return;
   }
   try {
-    takeFreeName(values, file);
+    takeFreeName(naming, file);
   } catch (const CopyFailure &) {
     shared_.erase(known);
     throw;
@@ -87,30 +92,28 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
 void RescuePlan::evade(size_t place) {
   PlannedFile &file = files_[place];
   if (isFree(file.target, file)) return;
-  takeFreeName(songNames_.values(file.song), file);
+  takeFreeName(namingOf(file.song, library_.song(file.song)), file);
 }
 
 void RescuePlan::markDamaged(size_t place, const carbon::Descriptor &copy) {
   PlannedFile &file = files_[place];
-  file.target = freeName(songNames_.values(file.song), file, " (damaged)", [&](const std::string &target) {
+  file.target = freeName(namingOf(file.song, library_.song(file.song)), file, " (damaged)", [&](const std::string &target) {
     const Occupant occupant = occupantOf(destination_, target, copy);
     file.there = occupant == Occupant::Same;
     return occupant != Occupant::Other;
   });
 }
 
-void RescuePlan::takeFreeName(const Row &values, PlannedFile &file) {
-  file.target = freeName(values, file, "", [&](const std::string &target) { return isFree(target, file); });
+void RescuePlan::takeFreeName(const Naming &naming, PlannedFile &file) {
+  file.target = freeName(naming, file, "", [&](const std::string &target) { return isFree(target, file); });
 }
 
-std::string RescuePlan::freeName(const Row &values, const PlannedFile &file, const std::string &mark,
+std::string RescuePlan::freeName(const Naming &naming, const PlannedFile &file, const std::string &mark,
                                  const std::function<bool(const std::string &)> &isFree) {
-  const std::string folder = folderFor(pattern_.names(values));
+  const std::string folder = folderFor(namesOf(naming));
   const std::string extension(safeExtension(file.source.path.extension().string()));
   return names_.take(
-      [&](std::string_view suffix) {
-        return folder + pattern_.fileName(values, mark + std::string(suffix), extension);
-      },
+      [&](std::string_view suffix) { return folder + fileName(naming, mark + std::string(suffix), extension); },
       isFree);
 }
 
@@ -137,6 +140,27 @@ bool RescuePlan::isCopy(const std::string &target, const PlannedFile &file) cons
   const carbon::Descriptor from = library_.open(source);
   if (!from) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
   return sameContent(destination_.open(target), from);
+}
+
+RescuePlan::Naming RescuePlan::namingOf(int32_t index, const Song &song) const {
+  Naming naming{songNames_.values(index), song.isUnnamed, {}};
+  if (song.isUnnamed && song.title.empty()) naming.ownName = library_.file(song.path).path.stem().string();
+  return naming;
+}
+
+// A file that no song names goes to a folder of such, and keeps its own name where it has no tags.
+std::vector<std::string> RescuePlan::namesOf(const Naming &naming) const {
+  if (!naming.isUnnamed) return pattern_.names(naming.values);
+  std::vector<std::string> names =
+      naming.ownName.empty() ? pattern_.names(naming.values) : std::vector<std::string>(1);
+  names.insert(names.begin(), kUnnamedFolder);
+  return names;
+}
+
+std::string RescuePlan::fileName(const Naming &naming, std::string_view suffix,
+                                 std::string_view extension) const {
+  if (naming.ownName.empty()) return pattern_.fileName(naming.values, suffix, extension);
+  return safeName(naming.ownName, "Unknown Title", suffix, extension);
 }
 
 // With a slash at the end; empty for the destination itself.

@@ -69,11 +69,21 @@ class RescuePlan {
   uint64_t bytesLeft() const { return bytesLeft_; }
 
  private:
+  // What a song's file is called by.
+  struct Naming {
+    Row values;              // for the pattern
+    bool isUnnamed = false;  // by any song
+    std::string ownName;     // of a file without tags that no song names
+  };
+
   std::string folderFor(const std::vector<std::string> &names);
+  Naming namingOf(int32_t index, const Song &song) const;
+  std::vector<std::string> namesOf(const Naming &naming) const;
+  std::string fileName(const Naming &naming, std::string_view suffix, std::string_view extension) const;
   void place(int32_t index, const Song &song, PlannedFile file);
-  std::string freeName(const Row &values, const PlannedFile &file, const std::string &mark,
+  std::string freeName(const Naming &naming, const PlannedFile &file, const std::string &mark,
                        const std::function<bool(const std::string &)> &isFree);
-  void takeFreeName(const Row &values, PlannedFile &file);
+  void takeFreeName(const Naming &naming, PlannedFile &file);
   bool isFree(const std::string &target, PlannedFile &file);
   bool isCopy(const std::string &target, const PlannedFile &file) const;
 

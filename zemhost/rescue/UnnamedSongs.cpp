@@ -1,0 +1,151 @@
+#include "zemhost/rescue/UnnamedSongs.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "host/runtime/MacPaths.h"
+#include "player/Folder.h"
+#include "player/MusicFiles.h"
+#include "player/PlayerFolders.h"
+#include "zemhost/rescue/FileTags.h"
+#include "zemhost/rescue/SafeName.h"
+
+namespace zemhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int32_t kAlbumArtist = 22;
+
+// Of a path below the player's root.
+bool isInMusicFolder(const fs::path &below) {
+  return std::any_of(below.begin(), below.end(),
+                     [](const fs::path &part) { return player::isNamed(part, player::kMusicFolder); });
+}
+
+// The files that songs name, as the system calls them.
+std::set<fs::path> filesNamedBy(const LibrarySource &library, SongFiles &files) {
+  std::set<fs::path> named;
+  const int32_t songs = library.songCount();
+  for (int32_t index = 0; index < songs; ++index) {
+    if (const SongFile file = files.find(library.song(index).path); file.isThere()) named.insert(file.path);
+  }
+  return named;
+}
+
+}  // namespace
+
+UnnamedSongs::UnnamedSongs(std::shared_ptr<const LibrarySource> library, player::DatabaseLocation location)
+    : library_(std::move(library)),
+      location_(std::move(location)),
+      named_(library_ ? library_->songCount() : 0) {
+  SongFiles files(location_, false);
+  std::set<fs::path> paths = filesOfPlayer();
+  if (library_) {
+    for (const fs::path &file : filesNamedBy(*library_, files)) paths.erase(file);
+  }
+  std::error_code error;
+  const fs::path root = fs::canonical(location_.volumeRoot, error);
+  for (const fs::path &path : paths) {
+    // Beside a file, other systems keep what they know of it under such a name.
+    if (path.filename().string().starts_with('.')) continue;
+    const std::string extension = path.extension().string();
+    const fs::path below = path.lexically_relative(root);
+    if (safeExtension(extension) == extension) {
+      unnamed_.push_back(unnamedOf(below.string(), files));
+    } else if (isInMusicFolder(below)) {
+      remarks_.push_back(path.string() +
+                         ": no song names it, and its extension is of neither music nor video, so it "
+                         "is left out");
+    }
+  }
+}
+
+std::set<fs::path> UnnamedSongs::filesOfPlayer() {
+  std::set<fs::path> paths;
+  player::MusicFileSink sink;
+  sink.onFile = [&](const fs::path &file) { paths.insert(file); };
+  sink.onFailure = [&](const fs::path &path, int error) {
+    problems_.push_back(path.string() + " cannot be read: " + std::generic_category().message(error));
+  };
+  player::eachFileOfPlayer(location_.volumeRoot, sink);
+  return paths;
+}
+
+UnnamedSongs::Unnamed UnnamedSongs::unnamedOf(const std::string &below, SongFiles &files) {
+  Unnamed unnamed;
+  unnamed.song.isUnnamed = true;
+  unnamed.song.path = std::string(":").append(diskPath(below));
+  const SongFile file = files.find(unnamed.song.path);
+  if (!file.isThere()) return unnamed;
+  if (const carbon::Descriptor open = files.open(file))
+    unnamed.albumArtist = readTags(open, unnamed.song).albumArtist;
+  return unnamed;
+}
+
+std::string UnnamedSongs::volumeName() const {
+  return library_ ? library_->volumeName() : zemhost::volumeName(location_.volumeRoot);
+}
+
+Song UnnamedSongs::song(int32_t index) const {
+  return isNamed(index) ? library_->song(index) : unnamed(index).song;
+}
+
+std::optional<std::string> UnnamedSongs::numberedText(int32_t index, int32_t number) const {
+  if (isNamed(index)) return library_->numberedText(index, number);
+  const std::string &artist = unnamed(index).albumArtist;
+  return number == kAlbumArtist && !artist.empty() ? std::optional(artist) : std::nullopt;
+}
+
+int32_t UnnamedSongs::numberedTextCount(int32_t index) const {
+  return isNamed(index) ? library_->numberedTextCount(index) : 0;
+}
+
+std::vector<player::SongText> UnnamedSongs::textsInFile(int32_t index) const {
+  return isNamed(index) ? library_->textsInFile(index) : std::vector<player::SongText>();
+}
+
+std::vector<std::string> UnnamedSongs::lossyTexts(int32_t index) const {
+  return isNamed(index) ? library_->lossyTexts(index) : std::vector<std::string>();
+}
+
+std::string UnnamedSongs::storedText(SongTextField field, int32_t index) const {
+  if (isNamed(index)) return library_->storedText(field, index);
+  const Song &song = unnamed(index).song;
+  switch (field) {
+    case SongTextField::Title:
+      return song.title;
+    case SongTextField::Artist:
+      return song.artist;
+    case SongTextField::Album:
+      return song.album;
+    case SongTextField::Genre:
+      return song.genre;
+    case SongTextField::Composer:
+      break;
+  }
+  return song.composer;
+}
+
+bool UnnamedSongs::isSame(SongTextField by, int32_t one, int32_t other) const {
+  return isNamed(one) && isNamed(other) ? library_->isSame(by, one, other)
+                                        : storedText(by, one) == storedText(by, other);
+}
+
+std::string UnnamedSongs::answeredPath(int32_t index) const {
+  return isNamed(index) ? library_->answeredPath(index) : unnamed(index).song.path;
+}
+
+std::vector<player::Chapter> UnnamedSongs::chapters(int32_t index) const {
+  return isNamed(index) ? library_->chapters(index) : std::vector<player::Chapter>();
+}
+
+player::SongFacts UnnamedSongs::storedFacts(int32_t index) const {
+  return isNamed(index) ? library_->storedFacts(index) : unnamed(index).song.facts;
+}
+
+}  // namespace zemhost

@@ -7,12 +7,12 @@ _zemhost_options() {
     check) echo '-h --help --json' ;;
     compare) echo '-h --help --by --json --encoding' ;;
     duplicates) echo '-h --help --length --loose --same-album --json --encoding' ;;
-    export) echo '-h --help --format --excel -o --output --playlist --since-sync --fields --paths --encoding' ;;
+    export) echo '-h --help --format --excel -o --output --playlist --all-playlists --since-sync --fields --paths --encoding' ;;
     info | playlists) echo '-h --help --encoding' ;;
     plays) echo '-h --help --by --top --encoding' ;;
     songs) echo '-h --help --columns --encoding' ;;
     playlist) echo '-h --help --columns --evaluate --day --encoding' ;;
-    rescue) echo '-h --help --pattern --playlist --covers --verify --skip-damaged --dry-run' ;;
+    rescue) echo '-h --help --pattern --playlist --playlists --covers --verify --skip-damaged --dry-run' ;;
     *) echo '-h --help' ;;
   esac
 }
@@ -23,10 +23,11 @@ _zemhost_values() {
   case $1:$2 in
     plays:--by) echo 'song artist album' ;;
     compare:--by) echo 'song artist album genre composer' ;;
-    export:--format) echo 'csv tsv json ndjson m3u8 sqlite listenbrainz' ;;
+    export:--format) echo 'csv tsv json ndjson m3u8 xspf sqlite listenbrainz' ;;
     export:--paths) echo 'host relative device' ;;
-    export:-o | export:--output) echo FILE ;;
+    export:-o | export:--output | export:--all-playlists) echo FILE ;;
     export:--playlist | export:--fields | *:--columns | *:--length | *:--top | *:--day | *:--encoding) echo TEXT ;;
+    rescue:--playlists) echo 'none m3u8 xspf' ;;
     rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac

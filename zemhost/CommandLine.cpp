@@ -104,6 +104,10 @@ void addRescue(CLI::App &program, Action &action) {
                    "be given again")
       ->allow_extra_args(false)
       ->check(notEmpty());
+  command
+      ->add_option("--playlists", arguments.lists,
+                   "How to write the playlists beside the music: none, m3u8 or xspf [m3u8]")
+      ->check(CLI::IsMember({"none", "m3u8", "xspf"}));
   command->add_flag("--covers", arguments.covers,
                     "Write the cover of each album beside its songs, as cover.png");
   command->add_flag("--verify", arguments.verify,

@@ -62,7 +62,8 @@ struct ExportArguments {
   std::string playlist;             // empty: the whole library
   bool sinceSync = false;           // only the songs played or skipped since the last synchronisation
   std::vector<std::string> fields;  // of a song; "all"; none: those that are usual in the format
-  std::string paths = "host";       // of an m3u8 list: host, relative or device
+  std::string paths = "host";       // of a list: host, relative or device
+  std::string listFolder;           // for every playlist as a file of its own; empty: one output
   std::string encoding = "UTF-8";
 
   bool writesStandardOutput() const { return namesStandardOutput(output); }
@@ -74,6 +75,7 @@ struct RescueArguments {
   std::string destination;
   std::string pattern{kUsualPattern};
   std::vector<std::string> playlists;  // none: the whole library
+  std::string lists = "m3u8";          // beside the music: none, m3u8 or xspf
   bool dryRun = false;
   bool covers = false;       // beside the music
   bool verify = false;       // read every copy back

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -8,13 +10,17 @@
 #include "host/Error.h"
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
+#include "zemhost/commands/FilesSummary.h"
 #include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/export/ExportWriter.h"
-#include "zemhost/export/M3uExport.h"
+#include "zemhost/export/ListEntries.h"
+#include "zemhost/library/ListedSongs.h"
 #include "zemhost/library/PlaylistChoice.h"
+#include "zemhost/output/ListFormat.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
+#include "zemhost/rescue/ListExport.h"
 
 namespace zemhost {
 
@@ -37,10 +43,15 @@ class Selection {
   // Hands on the index of each song: all in the order of the library, or the playlist's in its order.
   template <typename Sink>
   void eachSong(const Sink &sink) const {
-    const int32_t count = playlist_ < 0 ? library_.songCount() : library_.entryCount(playlist_);
+    std::vector<int32_t> songs;
+    if (playlist_ >= 0) {
+      songs = listedSongs(library_, playlist_);
+    } else {
+      songs.resize(static_cast<size_t>(library_.songCount()));
+      std::iota(songs.begin(), songs.end(), 0);
+    }
     uint64_t missing = 0;
-    for (int32_t i = 0; i < count; ++i) {
-      const int32_t song = playlist_ < 0 ? i : library_.entry(playlist_, i).song;
+    for (const int32_t song : songs) {
       if (song < 0) {
         ++missing;
       } else if (!sinceSync_ || isCounted(song)) {
@@ -65,11 +76,6 @@ class Selection {
   bool sinceSync_;
 };
 
-M3uPaths pathsNamed(const std::string &name) {
-  if (name == "device") return M3uPaths::Device;
-  return name == "relative" ? M3uPaths::Relative : M3uPaths::Host;
-}
-
 // Whether a file is there that holds something.
 bool holdsSomething(const std::filesystem::path &file) {
   std::error_code error;
@@ -78,24 +84,42 @@ bool holdsSomething(const std::filesystem::path &file) {
 }
 
 // An empty list takes no other's place. Returns the exit status.
-int writeM3u(const MusicLibrary &library, const Selection &selection, const ExportArguments &arguments) {
+int writeList(const MusicLibrary &library, const Selection &selection, const ListFormat &format,
+              const ExportArguments &arguments) {
   EncodedOutput out(arguments.encoding, library.host(), arguments.output);
   std::filesystem::path folder = std::filesystem::current_path();
   if (!arguments.writesStandardOutput()) folder /= std::filesystem::path(arguments.output).parent_path();
-  const M3uPaths paths = pathsNamed(arguments.paths);
-  M3uExport list(library, out, paths, folder);
-  selection.eachSong([&](int32_t song) { list.addSong(song); });
-  const bool keepsOld =
-      list.written() == 0 && !arguments.writesStandardOutput() && holdsSomething(arguments.output);
+  const ListEntries entries(library, listPathsNamed(arguments.paths), folder);
+  const bool isAll = selection.playlist() < 0;
+  out.write(format.heading(isAll ? "" : out.fit(library.playlistName(selection.playlist())), ""));
+  uint64_t written = 0;
+  uint64_t leftOut = 0;
+  selection.eachSong([&](int32_t song) {
+    std::optional<ListedSong> entry = entries.of(song);
+    if (!entry) {
+      ++leftOut;
+      return;
+    }
+    ++written;
+    for (std::string *text : {&entry->artist, &entry->title, &entry->path, &entry->album})
+      *text = out.fit(*text);
+    out.write(format.entry(*entry));
+  });
+  out.write(format.end());
+  const bool keepsOld = written == 0 && !arguments.writesStandardOutput() && holdsSomething(arguments.output);
   if (!keepsOld) out.finish();
-  if (list.leftOut() != 0) {
-    printError(library.location().name + ": " + countText(list.leftOut(), "song", "songs") + " left out: " +
-               (paths == M3uPaths::Device
-                    ? "no path from the player's root is known"
-                    : "the path names no place on this machine; --paths device lists what is known"));
+  if (leftOut != 0) {
+    printError(library.location().name + ": " + countText(leftOut, "song", "songs") +
+               " left out: " + entries.whyLeftOut());
   }
   if (keepsOld) printError(arguments.output + ": kept as it was: the new list would be empty");
-  return keepsOld || list.leftOut() != 0 ? kIncomplete : kSuccess;
+  return keepsOld || leftOut != 0 ? kIncomplete : kSuccess;
+}
+
+int writeAllLists(const MusicLibrary &library, const ListFormat &format, const ExportArguments &arguments) {
+  return writeFilesSummary(
+      exportLists(library, format, listPathsNamed(arguments.paths), arguments.listFolder),
+      {"playlist", "playlists", "", ""});
 }
 
 std::unique_ptr<ExportWriter> makeWriter(const MusicLibrary &library, const ExportArguments &arguments,
@@ -163,10 +187,12 @@ void writeTables(const MusicLibrary &library, const Selection &selection, const 
 
 int exportLibrary(const ExportArguments &arguments) {
   const MusicLibrary library = openAndWarn(arguments.path);
+  const ListFormat *const list = listFormatNamed(arguments.format);
+  if (!arguments.listFolder.empty()) return writeAllLists(library, *list, arguments);
   const Selection selection(library, arguments);
   int status = kSuccess;
-  if (arguments.format == "m3u8") {
-    status = writeM3u(library, selection, arguments);
+  if (list != nullptr) {
+    status = writeList(library, selection, *list, arguments);
   } else {
     writeTables(library, selection, arguments);
   }

@@ -15,8 +15,8 @@
 #include "player/Folder.h"
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
+#include "zemhost/commands/FilesSummary.h"
 #include "zemhost/commands/OpenAndWarn.h"
-#include "zemhost/commands/PictureSummary.h"
 #include "zemhost/commands/SongTable.h"
 #include "zemhost/library/PlaylistChoice.h"
 #include "zemhost/output/DisplayText.h"
@@ -101,9 +101,14 @@ MusicLibrary openToRescue(const RescueArguments &arguments, RescueRequest &reque
 }  // namespace
 
 int rescueMusic(const RescueArguments &arguments) {
-  RescueRequest request{
-      arguments.destination, NamePattern(arguments.pattern), {}, arguments.dryRun, arguments.covers,
-      arguments.verify,      arguments.skipDamaged};
+  RescueRequest request{arguments.destination,
+                        NamePattern(arguments.pattern),
+                        {},
+                        arguments.dryRun,
+                        arguments.covers,
+                        arguments.verify,
+                        arguments.skipDamaged,
+                        listFormatNamed(arguments.lists)};
   const MusicLibrary library = openToRescue(arguments, request);
   for (const std::string &wanted : arguments.playlists) {
     const int32_t list = choosePlaylist(library, wanted);

@@ -7,8 +7,8 @@
 namespace zemhost {
 
 const std::vector<std::string> &exportFormats() {
-  static const std::vector<std::string> kFormats = {"csv",  "tsv",    "json",        "ndjson",
-                                                    "m3u8", "sqlite", "listenbrainz"};
+  static const std::vector<std::string> kFormats = {"csv",  "tsv",  "json",   "ndjson",
+                                                    "m3u8", "xspf", "sqlite", "listenbrainz"};
   return kFormats;
 }
 
@@ -17,9 +17,10 @@ std::string formatOfEnding(const std::filesystem::path &file) {
     std::string_view text;
     std::string_view format;
   };
-  static constexpr Ending kEndings[] = {{".csv", "csv"},       {".tsv", "tsv"},        {".json", "json"},
-                                        {".ndjson", "ndjson"}, {".jsonl", "ndjson"},   {".m3u8", "m3u8"},
-                                        {".sqlite", "sqlite"}, {".sqlite3", "sqlite"}, {".db", "sqlite"}};
+  static constexpr Ending kEndings[] = {{".csv", "csv"},       {".tsv", "tsv"},       {".json", "json"},
+                                        {".ndjson", "ndjson"}, {".jsonl", "ndjson"},  {".m3u8", "m3u8"},
+                                        {".xspf", "xspf"},     {".sqlite", "sqlite"}, {".sqlite3", "sqlite"},
+                                        {".db", "sqlite"}};
   const std::string ending = foldedText(file.extension().string());
   for (const Ending &known : kEndings) {
     if (known.text == ending) return std::string(known.format);

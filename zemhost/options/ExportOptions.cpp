@@ -3,6 +3,7 @@
 #include "host/runtime/Names.h"
 #include "zemhost/export/ExportFormat.h"
 #include "zemhost/options/Parts.h"
+#include "zemhost/output/ListFormat.h"
 
 namespace zemhost {
 
@@ -19,12 +20,22 @@ void settleFormat(const CLI::App &command, ExportArguments &arguments) {
                                              " stands for no format");
 }
 
+void checkAllLists(const CLI::App &command, bool list) {
+  if (command.count("--all-playlists") == 0) return;
+  if (!list) throw CLI::ValidationError("--all-playlists", "only m3u8 and xspf are for lists");
+  for (const char *const other : {"--output", "--playlist", "--since-sync", "--encoding"}) {
+    if (command.count(other) != 0)
+      throw CLI::ValidationError("--all-playlists", std::string(other) + " is for one output");
+  }
+}
+
 void checkExport(const CLI::App &command, ExportArguments &arguments) {
   settleFormat(command, arguments);
   const std::string &format = arguments.format;
-  const bool list = format == "m3u8";
+  const bool list = listFormatNamed(format) != nullptr;
   if (list && !arguments.fields.empty())
-    throw CLI::ValidationError("--fields", "an m3u8 list has no fields to choose");
+    throw CLI::ValidationError("--fields", "a list has no fields to choose");
+  checkAllLists(command, list);
   const bool listens = format == "listenbrainz";
   if (listens && !arguments.fields.empty())
     throw CLI::ValidationError("--fields", "a listen has no fields to choose");
@@ -33,10 +44,10 @@ void checkExport(const CLI::App &command, ExportArguments &arguments) {
                                "listenbrainz is for plays since the last synchronisation: add --since-sync");
   }
   if (!list && command.count("--paths") != 0)
-    throw CLI::ValidationError("--paths", "only m3u8 has paths to choose");
+    throw CLI::ValidationError("--paths", "only m3u8 and xspf have paths to choose");
   if (arguments.excel && format != "csv")
     throw CLI::ValidationError("--excel", "only csv has a form for spreadsheets");
-  const bool hasEncodings = list || format == "csv" || format == "tsv";
+  const bool hasEncodings = format == "m3u8" || format == "csv" || format == "tsv";
   if (!isUtf8Name(arguments.encoding) && (!hasEncodings || arguments.excel))
     throw CLI::ValidationError("--encoding",
                                (arguments.excel ? "csv with --excel" : format) + " is always UTF-8");
@@ -66,6 +77,10 @@ void addExport(CLI::App &program, Action &action) {
       ->add_option("--playlist", arguments.playlist,
                    "Only the songs of this playlist: its number, its name, or the beginning of its name")
       ->check(notEmpty());
+  command
+      ->add_option("--all-playlists", arguments.listFolder,
+                   "Write every playlist into this folder, in the format m3u8 or xspf")
+      ->check(notEmpty());
   command->add_flag("--since-sync", arguments.sinceSync,
                     "Only the songs that were played or skipped since the last synchronisation");
   command
@@ -76,9 +91,10 @@ void addExport(CLI::App &program, Action &action) {
       ->delimiter(',')
       ->allow_extra_args(false);
   command
-      ->add_option("--paths", arguments.paths,
-                   "Paths in m3u8: host (files on this machine), relative (from the list's folder) or device "
-                   "(as on the player) [host]")
+      ->add_option(
+          "--paths", arguments.paths,
+          "Paths in m3u8 and xspf: host (files on this machine), relative (from the list's folder) or "
+          "device (as on the player) [host]")
       ->check(CLI::IsMember({"host", "relative", "device"}));
   addEncoding(*command.app, arguments.encoding);
 }

@@ -29,7 +29,7 @@ std::string lastPart(std::string_view path) { return std::string(path.substr(pat
 
 std::string m3uHeading() { return "#EXTM3U\n"; }
 
-std::string m3uEntry(const M3uSong &song) {
+std::string m3uEntry(const ListedSong &song) {
   const std::string title = song.title.empty() ? lastPart(song.path) : song.title;
   const std::string seconds =
       song.duration == 0 ? "-1" : std::to_string((static_cast<uint64_t>(song.duration) + 500) / 1000);

@@ -10,7 +10,7 @@
 #include "host/Error.h"
 #include "host/runtime/Names.h"
 #include "zemhost/output/DisplayText.h"
-#include "zemhost/rescue/PictureWriter.h"
+#include "zemhost/rescue/NewFileWriter.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
@@ -56,7 +56,7 @@ class CoverExport {
   CoverExport(const MusicLibrary &library, const std::filesystem::path &path)
       : covers_(library.covers()), writer_(path, library.location().volumeRoot) {}
 
-  PictureResult run(const MusicLibrary &library) {
+  FilesResult run(const MusicLibrary &library) {
     writer_.begin();
     for (const auto &[name, namesakes] : albumsOf(library)) writeNamesakes(namesakes);
     return writer_.finish();
@@ -105,12 +105,12 @@ class CoverExport {
   }
 
   const Covers &covers_;
-  PictureWriter writer_;
+  NewFileWriter writer_;
 };
 
 }  // namespace
 
-PictureResult writeCovers(const MusicLibrary &library, const std::filesystem::path &destination) {
+FilesResult writeCovers(const MusicLibrary &library, const std::filesystem::path &destination) {
   CoverExport covers(library, destination);
   if (!library.covers().areKnown()) {
     throw HostError(library.location().name +

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "zemhost/library/MusicLibrary.h"
-#include "zemhost/rescue/PictureResult.h"
+#include "zemhost/rescue/FilesResult.h"
 
 namespace zemhost {
 
@@ -14,6 +14,6 @@ namespace zemhost {
 // own title. Files that are there are left alone: one with the same content counts as the cover, any other
 // makes it get a number. Shows each new file's name on standard output. Throws HostError when there are no
 // covers, nothing can be written there, or nothing more can be; the same call continues from there.
-PictureResult writeCovers(const MusicLibrary &library, const std::filesystem::path &destination);
+FilesResult writeCovers(const MusicLibrary &library, const std::filesystem::path &destination);
 
 }  // namespace zemhost

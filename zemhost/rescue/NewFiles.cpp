@@ -40,9 +40,9 @@ Occupant occupantOf(const DestinationFolder &destination, const std::string &nam
 }
 
 carbon::Descriptor fileOf(std::string_view bytes) {
-  carbon::Descriptor file(memfd_create("picture", MFD_CLOEXEC));
-  if (!file) throw HostError("a picture in memory", errno);
-  writeAll(file.number(), bytes, "a picture in memory");
+  carbon::Descriptor file(memfd_create("content", MFD_CLOEXEC));
+  if (!file) throw HostError("a file in memory", errno);
+  writeAll(file.number(), bytes, "a file in memory");
   return file;
 }
 

@@ -13,7 +13,7 @@
 #include "player/Folder.h"
 #include "zemhost/library/PictureList.h"
 #include "zemhost/output/DisplayText.h"
-#include "zemhost/rescue/PictureWriter.h"
+#include "zemhost/rescue/NewFileWriter.h"
 #include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
@@ -59,7 +59,7 @@ class PhotoExport {
       throw HostError(location.name + ": no photos here: the player has no Photos/Photo Database");
   }
 
-  PictureResult run() {
+  FilesResult run() {
     writer_.begin();
     if (!list_.warning().empty()) writer_.addProblem("the list", list_.warning());
     const std::vector<player::PhotoAlbum> &albums = list_.images().albums;
@@ -125,14 +125,14 @@ class PhotoExport {
 
   SongFiles files_;
   PictureList list_;
-  PictureWriter writer_;
+  NewFileWriter writer_;
   TargetNames folders_;
   std::set<size_t> written_;  // into a folder of an album
 };
 
 }  // namespace
 
-PictureResult writePhotos(const fs::path &player, const fs::path &destination) {
+FilesResult writePhotos(const fs::path &player, const fs::path &destination) {
   return PhotoExport(locationOf(player), destination).run();
 }
 

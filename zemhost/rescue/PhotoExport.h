@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "zemhost/rescue/PictureResult.h"
+#include "zemhost/rescue/FilesResult.h"
 
 namespace zemhost {
 
@@ -13,6 +13,6 @@ namespace zemhost {
 // itself. The photo itself is copied as it is where the player has it; else its largest smaller picture is
 // written. A list that is damaged adds a problem. Names, files that are there, output and failures are as
 // with writeCovers().
-PictureResult writePhotos(const std::filesystem::path &player, const std::filesystem::path &destination);
+FilesResult writePhotos(const std::filesystem::path &player, const std::filesystem::path &destination);
 
 }  // namespace zemhost

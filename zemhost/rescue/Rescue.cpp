@@ -12,6 +12,7 @@
 
 #include "host/Error.h"
 #include "zemhost/files/Signals.h"
+#include "zemhost/library/ListedSongs.h"
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
@@ -20,6 +21,7 @@
 #include "zemhost/rescue/CopyReport.h"
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/FileCopy.h"
+#include "zemhost/rescue/ListExport.h"
 #include "zemhost/rescue/Progress.h"
 #include "zemhost/rescue/RescuePlan.h"
 #include "zemhost/rescue/RescueReport.h"
@@ -110,10 +112,8 @@ class Rescue {
       for (int32_t index = 0; index < songs; ++index) plan_.addSong(index);
     }
     for (const int32_t list : request_.playlists) {
-      const int32_t entries = library_.entryCount(list);
-      for (int32_t position = 0; position < entries; ++position) {
-        const PlaylistEntry entry = library_.entry(list, position);
-        if (entry.song >= 0) plan_.addSong(entry.song);
+      for (const int32_t song : listedSongs(library_, list)) {
+        if (song >= 0) plan_.addSong(song);
       }
     }
     stopIfPlayerIsGone("it does not answer");
@@ -130,7 +130,7 @@ class Rescue {
       std::cout << safeText(file.source.path.string()) << " -> "
                 << safeText((request_.destination / file.target).string()) << '\n';
     }
-    result_.playlists = chosenLists().size();
+    result_.playlists = request_.lists == nullptr ? 0 : chosenLists().size();
   }
 
   void warnOfSpace() const {
@@ -317,13 +317,16 @@ class Rescue {
     return answer == Answer::AfterAMoment;
   }
 
+  void writeLists() {
+    if (request_.lists == nullptr) return;
+    RescuedLists(
+        library_, *request_.lists, plan_, destination_, [this](int32_t song) { return copyOf(song); },
+        result_)
+        .write(chosenLists());
+  }
+
   std::vector<int32_t> chosenLists() const {
-    if (!request_.playlists.empty()) return request_.playlists;
-    std::vector<int32_t> lists;
-    for (int32_t list = 0; list < library_.playlistCount(); ++list) {
-      if (library_.playlistFacts(list).kind != player::PlaylistKind::Library) lists.push_back(list);
-    }
-    return lists;
+    return request_.playlists.empty() ? allLists(library_) : request_.playlists;
   }
 
   const MusicLibrary &library_;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/output/ListFormat.h"
 #include "zemhost/rescue/NamePattern.h"
 
 namespace zemhost {
@@ -20,6 +21,7 @@ struct RescueRequest {
   bool covers = false;             // write covers beside the music
   bool verify = false;             // read every copy back
   bool skipDamaged = false;        // leave out songs of which a part cannot be read
+  const ListFormat *lists = nullptr;    // of the playlists beside the music; none: these are not written
   std::vector<std::string> problems{};  // what is wrong before it begins
   std::vector<std::string> remarks{};   // likewise
   size_t unnamed = 0;  // songs of the library that are files which no song of the database names

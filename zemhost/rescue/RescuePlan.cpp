@@ -97,11 +97,12 @@ void RescuePlan::evade(size_t place) {
 
 void RescuePlan::markDamaged(size_t place, const carbon::Descriptor &copy) {
   PlannedFile &file = files_[place];
-  file.target = freeName(namingOf(file.song, library_.song(file.song)), file, " (damaged)", [&](const std::string &target) {
-    const Occupant occupant = occupantOf(destination_, target, copy);
-    file.there = occupant == Occupant::Same;
-    return occupant != Occupant::Other;
-  });
+  file.target = freeName(namingOf(file.song, library_.song(file.song)), file, " (damaged)",
+                         [&](const std::string &target) {
+                           const Occupant occupant = occupantOf(destination_, target, copy);
+                           file.there = occupant == Occupant::Same;
+                           return occupant != Occupant::Other;
+                         });
 }
 
 void RescuePlan::takeFreeName(const Naming &naming, PlannedFile &file) {
@@ -113,7 +114,9 @@ std::string RescuePlan::freeName(const Naming &naming, const PlannedFile &file, 
   const std::string folder = folderFor(namesOf(naming));
   const std::string extension(safeExtension(file.source.path.extension().string()));
   return names_.take(
-      [&](std::string_view suffix) { return folder + fileName(naming, mark + std::string(suffix), extension); },
+      [&](std::string_view suffix) {
+        return folder + fileName(naming, mark + std::string(suffix), extension);
+      },
       isFree);
 }
 
@@ -173,10 +176,10 @@ std::string RescuePlan::folderFor(const std::vector<std::string> &names) {
   return folder;
 }
 
-std::string RescuePlan::playlistFile(const std::string &name, int32_t number,
+std::string RescuePlan::playlistFile(const std::string &name, int32_t number, std::string_view extension,
                                      const std::function<bool(const std::string &)> &isFree) {
   const std::string fallback = "Playlist " + std::to_string(number);
-  return names_.take([&](std::string_view suffix) { return safeName(name, fallback, suffix, ".m3u8"); },
+  return names_.take([&](std::string_view suffix) { return safeName(name, fallback, suffix, extension); },
                      isFree);
 }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -46,7 +47,7 @@ class RescuePlan {
   void markDamaged(size_t file, const carbon::Descriptor &copy);
 
   // A name for a playlist's file, not taken by a song or another playlist, that `isFree` takes.
-  std::string playlistFile(const std::string &name, int32_t number,
+  std::string playlistFile(const std::string &name, int32_t number, std::string_view extension,
                            const std::function<bool(const std::string &)> &isFree);
 
   const std::vector<PlannedFile> &files() const { return files_; }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The playlists beside the copied music, as M3U8 lists.
+// The playlists beside the copied music.
 
 #include <cstdint>
 #include <functional>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/output/ListFormat.h"
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/Rescue.h"
 #include "zemhost/rescue/RescuePlan.h"
@@ -18,8 +19,9 @@ class RescuedLists {
  public:
   // `copyOf` gives a song's copy below the destination, or an empty name. What is written, and what could not
   // be, goes into `result`.
-  RescuedLists(const MusicLibrary &library, RescuePlan &plan, const DestinationFolder &destination,
-               std::function<std::string(int32_t)> copyOf, RescueResult &result);
+  RescuedLists(const MusicLibrary &library, const ListFormat &format, RescuePlan &plan,
+               const DestinationFolder &destination, std::function<std::string(int32_t)> copyOf,
+               RescueResult &result);
 
   // Writes a list for each playlist. A list of an earlier run is written anew as long as it loses none of its
   // entries; else it stays, and the new one gets a number and a remark. Other files are never replaced.
@@ -33,6 +35,7 @@ class RescuedLists {
   void writeOne(int32_t playlist, const std::string &name, std::string file);
 
   const MusicLibrary &library_;
+  const ListFormat &format_;
   RescuePlan &plan_;
   const DestinationFolder &destination_;
   std::function<std::string(int32_t)> copyOf_;

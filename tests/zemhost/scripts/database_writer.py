@@ -26,7 +26,7 @@ def _with_words(chunk, order, words):
 def library(songs, playlists=None, big=False, eight_bit=False):
     """The bytes of a library of these songs, dictionaries of texts and, in a little-endian one, of NUMBERS. With `eight_bit`
     the texts of a big-endian one are in Mac Roman. A little-endian one may have playlists: names, each with the places
-    of its songs."""
+    of its songs, and words of its header where it has some."""
     order = ">" if big else "<"
     tags = [b"hdfm", b"hdsm", b"htlm", b"htim", b"hohm"] if big else [b"mhbd", b"mhsd", b"mhlt", b"mhit", b"mhod"]
 
@@ -47,11 +47,11 @@ def library(songs, playlists=None, big=False, eight_bit=False):
     sets = _chunk(tags[1], order, 0x60, _chunk(tags[2], order, 0x5C, b"", length=len(songs)) + b"".join(tracks), 1)
     if playlists is not None:
         lists = b""
-        for name, places in [("Library", range(len(songs))), *playlists]:
+        for name, places, *more in [("Library", range(len(songs))), *playlists]:
             entries = [_with_words(_chunk(b"mhip", order, 0x4C, b""), order, {0x18: FIRST_ID + place})
                        for place in places]
             body = text_object(1, name) + b"".join(entries)
-            lists += _with_words(_chunk(b"mhyp", order, 0x6C, body, 1), order, {0x10: len(entries)})
+            lists += _with_words(_chunk(b"mhyp", order, 0x6C, body, 1), order, {0x10: len(entries), **(more[0] if more else {})})
         count = len(playlists) + 1
         sets += _chunk(b"mhsd", order, 0x60, _chunk(b"mhlp", order, 0x5C, b"", length=count) + lists, 2)
     return _chunk(tags[0], order, 0x68, sets)

@@ -1,4 +1,4 @@
-#include "zemhost/rescue/PictureWriter.h"
+#include "zemhost/rescue/NewFileWriter.h"
 
 #include <iostream>
 #include <utility>
@@ -10,16 +10,16 @@
 
 namespace zemhost {
 
-PictureWriter::PictureWriter(const std::filesystem::path &destination,
+NewFileWriter::NewFileWriter(const std::filesystem::path &destination,
                              const std::filesystem::path &playerRoot)
     : destination_(destination, playerRoot), files_(destination_) {}
 
-void PictureWriter::begin() {
+void NewFileWriter::begin() {
   destination_.make();
   setInterruptionAdvice(kContinue);
 }
 
-void PictureWriter::write(const std::string &label, const std::function<carbon::Descriptor()> &open,
+void NewFileWriter::write(const std::string &label, const std::function<carbon::Descriptor()> &open,
                           const TargetNames::Named &named) {
   try {
     const NewFiles::Added added = files_.add(open(), named);
@@ -34,11 +34,11 @@ void PictureWriter::write(const std::string &label, const std::function<carbon::
   }
 }
 
-void PictureWriter::addProblem(const std::string &label, const std::string &what) {
+void NewFileWriter::addProblem(const std::string &label, const std::string &what) {
   result_.problems.push_back(label + ": " + what);
 }
 
-PictureResult PictureWriter::finish() {
+FilesResult NewFileWriter::finish() {
   result_.evaded = files_.evaded();
   return std::move(result_);
 }

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "zemhost/rescue/PictureResult.h"
+#include "zemhost/rescue/FilesResult.h"
 
 namespace zemhost {
 
@@ -11,15 +11,15 @@ namespace zemhost {
 // lines.
 void writeList(const std::string &heading, const std::vector<std::string> &lines);
 
-// What the pictures of a command are called.
-struct PictureWords {
+// What the files of a command are called.
+struct FilesWords {
   std::string one;
   std::string several;
   std::string oneWithout;  // after a number: "album has no cover"; not needed where all have one
   std::string severalWithout;
 };
 
-// Writes what came of writing pictures to standard output; returns the exit status.
-int writePictureSummary(const PictureResult &result, const PictureWords &words);
+// Writes what came of writing files to standard output; returns the exit status.
+int writeFilesSummary(const FilesResult &result, const FilesWords &words);
 
 }  // namespace zemhost

@@ -1,4 +1,4 @@
-#include "zemhost/commands/PictureSummary.h"
+#include "zemhost/commands/FilesSummary.h"
 
 #include <iostream>
 
@@ -15,7 +15,7 @@ void writeList(const std::string &heading, const std::vector<std::string> &lines
   for (const std::string &line : lines) writeParagraph(std::cout, "- " + safeText(line), 2);
 }
 
-int writePictureSummary(const PictureResult &result, const PictureWords &words) {
+int writeFilesSummary(const FilesResult &result, const FilesWords &words) {
   std::cout << countText(result.written, words.one, words.several) << " written\n";
   if (result.alreadyThere > 0) {
     std::cout << countText(result.alreadyThere, words.one + " is", words.several + " are")

@@ -6,8 +6,8 @@
 
 namespace zemhost {
 
-// What came of writing pictures.
-struct PictureResult {
+// What came of writing pictures or lists.
+struct FilesResult {
   uint64_t written = 0;
   uint64_t alreadyThere = 0;
   uint64_t without = 0;               // albums and songs without one

@@ -12,7 +12,7 @@ _zemhost_options() {
     plays) echo '-h --help --by --top --encoding' ;;
     songs) echo '-h --help --columns --encoding' ;;
     playlist) echo '-h --help --columns --evaluate --day --encoding' ;;
-    rescue) echo '-h --help --pattern --playlist --playlists --covers --verify --skip-damaged --dry-run' ;;
+    rescue) echo '-h --help --pattern --playlist --playlists --tags --covers --verify --skip-damaged --dry-run' ;;
     *) echo '-h --help' ;;
   esac
 }
@@ -28,6 +28,7 @@ _zemhost_values() {
     export:-o | export:--output | export:--all-playlists) echo FILE ;;
     export:--playlist | export:--fields | *:--columns | *:--length | *:--top | *:--day | *:--encoding) echo TEXT ;;
     rescue:--playlists) echo 'none m3u8 xspf' ;;
+    rescue:--tags) echo 'missing replace' ;;
     rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac

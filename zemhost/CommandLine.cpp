@@ -108,6 +108,11 @@ void addRescue(CLI::App &program, Action &action) {
       ->add_option("--playlists", arguments.lists,
                    "How to write the playlists beside the music: none, m3u8 or xspf [m3u8]")
       ->check(CLI::IsMember({"none", "m3u8", "xspf"}));
+  command
+      ->add_flag("--tags{missing}", arguments.tags,
+                 "Write what the library says of a song into the tags of its copy where these lack it; "
+                 "--tags=replace: in any case")
+      ->check(CLI::IsMember({"missing", "replace"}));
   command->add_flag("--covers", arguments.covers,
                     "Write the cover of each album beside its songs, as cover.png");
   command->add_flag("--verify", arguments.verify,

@@ -76,6 +76,7 @@ struct RescueArguments {
   std::string pattern{kUsualPattern};
   std::vector<std::string> playlists;  // none: the whole library
   std::string lists = "m3u8";          // beside the music: none, m3u8 or xspf
+  std::string tags;                    // written into the copies: missing or replace; empty: none
   bool dryRun = false;
   bool covers = false;       // beside the music
   bool verify = false;       // read every copy back

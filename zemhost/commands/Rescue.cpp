@@ -38,6 +38,9 @@ void writeSummary(const RescueResult &result, bool dryRun) {
     std::cout << countText(result.playlists, "playlist", "playlists")
               << (dryRun ? " to write\n" : " written\n");
   }
+  if (result.tagged > 0) {
+    std::cout << "tags were written into " << countText(result.tagged, "copy", "copies") << '\n';
+  }
   if (result.covers > 0) {
     std::cout << countText(result.covers, "cover", "covers") << (dryRun ? " to write\n" : " written\n");
   }
@@ -108,7 +111,10 @@ int rescueMusic(const RescueArguments &arguments) {
                         arguments.covers,
                         arguments.verify,
                         arguments.skipDamaged,
+                        {},
                         listFormatNamed(arguments.lists)};
+  if (!arguments.tags.empty())
+    request.tags = arguments.tags == "replace" ? TagMode::Replace : TagMode::Missing;
   const MusicLibrary library = openToRescue(arguments, request);
   for (const std::string &wanted : arguments.playlists) {
     const int32_t list = choosePlaylist(library, wanted);

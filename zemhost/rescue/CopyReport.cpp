@@ -54,6 +54,8 @@ std::optional<CopyRecord> recordIn(std::string_view line) {
   record.file = file->get<std::string>();
   record.song = lineOf(*song);
   record.size = size->get<uint64_t>();
+  const auto tagged = json.find("tagged_size");
+  if (tagged != json.end() && tagged->is_number_unsigned()) record.taggedSize = tagged->get<uint64_t>();
   record.modified.tv_sec = (*modified)[0].get<time_t>();
   record.modified.tv_nsec = (*modified)[1].get<long>();
   if (const auto sum = json.find("sha256"); sum != json.end() && sum->is_string())
@@ -65,8 +67,8 @@ std::optional<CopyRecord> recordIn(std::string_view line) {
 
 bool isSame(const CopyRecord &one, const CopyRecord &other) {
   return one.song == other.song && one.sha256 == other.sha256 && one.gaps == other.gaps &&
-         one.size == other.size && one.modified.tv_sec == other.modified.tv_sec &&
-         one.modified.tv_nsec == other.modified.tv_nsec;
+         one.size == other.size && one.taggedSize == other.taggedSize &&
+         one.modified.tv_sec == other.modified.tv_sec && one.modified.tv_nsec == other.modified.tv_nsec;
 }
 
 }  // namespace
@@ -153,6 +155,7 @@ void CopyReport::add(const CopyRecord &record) {
                {"modified", {record.modified.tv_sec, record.modified.tv_nsec}},
                {"sha256", record.sha256}};
   for (const Gap &gap : record.gaps) json["unread"].push_back({gap.offset, gap.size});
+  if (record.taggedSize != 0) json["tagged_size"] = record.taggedSize;
   json["song"] = Json::parse(record.song);
   std::string line = std::exchange(endsInALine_, true) ? "" : "\n";
   line.append(lineOf(json)).append("\n");

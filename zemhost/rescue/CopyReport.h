@@ -27,12 +27,15 @@ namespace zemhost {
 std::string songIdentity(const Song &song, const SongFile &file);
 
 struct CopyRecord {
-  std::string file;  // below the destination
-  std::string song;  // its identity
-  uint64_t size = 0;
+  std::string file;         // below the destination
+  std::string song;         // its identity
+  uint64_t size = 0;        // of the song's file
   timespec modified{};      // of the song's file when it was copied, exactly
   std::string sha256{};     // of the copy; empty in reports of older programs
   std::vector<Gap> gaps{};  // of a damaged copy: what could not be read
+  uint64_t taggedSize = 0;  // of the copy, where tags were written into it; else it has the file's size
+
+  uint64_t copySize() const { return taggedSize != 0 ? taggedSize : size; }
 };
 
 class CopyReport {

@@ -45,8 +45,9 @@ bool isKeptTime(const timespec &kept, const timespec &given);
 
 // What came of copying a file's bytes.
 struct CopiedContent {
-  std::string sha256;     // of the copy: of what was read from the source, with zeros in the gaps
-  std::vector<Gap> gaps;  // what could not be read, in the order of the file; none for nearly all
+  std::string sha256;       // of the copy: of what was read from the source, with zeros in the gaps
+  std::vector<Gap> gaps;    // what could not be read, in the order of the file; none for nearly all
+  uint64_t taggedSize = 0;  // of the copy, where tags were written into it since
 };
 
 // Copies the bytes of `source` to `copy`, which is empty, brings them to the disk, and gives it the source's

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <iostream>
 #include <optional>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -183,26 +184,54 @@ class Rescue {
   }
 
   void writeLists() {
+    if (request_.lists == nullptr) return;
     try {
       RescuedLists(
-          library_, plan_, destination_, [this](int32_t song) { return copyOf(song); }, result_)
+          library_, *request_.lists, plan_, destination_, [this](int32_t song) { return copyOf(song); },
+          result_)
           .write(chosenLists());
     } catch (const HostError &failure) {
       result_.problems.push_back(std::string(failure.what()) + "; playlists are missing");
     }
   }
 
+  // False where the copy cannot be used any more.
+  bool tagCopy(const PlannedFile &file, DestinationFolder::NewCopy &copy) {
+    const std::string extension = file.source.path.extension().string();
+    const TagOutcome outcome =
+        writeTags(copy.file.content, extension, songTags(library_, file.song), *request_.tags);
+    if (outcome == TagOutcome::Broken) return false;
+    if (outcome == TagOutcome::Refused) addTagRemark(file, "no tags can be written into it");
+    if (outcome != TagOutcome::Written) return true;
+    const timespec times[] = {{0, UTIME_OMIT}, file.source.modified};
+    // As where it is copied: a file system that keeps no times is no reason to do without the copy.
+    [[maybe_unused]] const int kept = futimens(copy.file.content.number(), times);
+    struct stat status {};
+    const int number = copy.file.content.number();
+    if (fstat(number, &status) != 0 || (fsync(number) != 0 && errno != EINVAL)) failTarget(errno);
+    copy.content.taggedSize = static_cast<uint64_t>(status.st_size);
+    copy.content.sha256 = sha256OnDisk(copy.file.content);
+    ++result_.tagged;
+    return true;
+  }
+
+  void addTagRemark(const PlannedFile &file, const std::string &what) {
+    result_.remarks.push_back(labelOf(file) + ": " + what + "; it is copied as it is");
+  }
+
   // False when a copy is there already.
   bool copySong(size_t place, Progress &progress) {
     const PlannedFile &file = plan_.files()[place];
     if (file.there) return false;
-    const carbon::Descriptor source = library_.open(file.source);
-    if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
-    DestinationFolder::NewCopy copy =
-        destination_.copy(source, [&](uint64_t bytes) { progress.addBytes(bytes); });
-    copies_[place].content = copy.content;
+    DestinationFolder::NewCopy copy = copyOfSource(file, progress);
     if (request_.verify) expectReadsBack(copy);
-    if (!copy.content.gaps.empty()) nameAsDamaged(place, copy);
+    if (!copy.content.gaps.empty()) {
+      nameAsDamaged(place, copy);
+    } else if (request_.tags && !tagCopy(file, copy)) {
+      addTagRemark(file, "its own tags are damaged, so none can be written");
+      copy = copyOfSource(file, progress);
+    }
+    copies_[place].content = copy.content;
     while (!file.there) {
       try {
         destination_.name(copy, file.target);
@@ -213,6 +242,12 @@ class Rescue {
       }
     }
     return false;
+  }
+
+  DestinationFolder::NewCopy copyOfSource(const PlannedFile &file, Progress &progress) const {
+    const carbon::Descriptor source = library_.open(file.source);
+    if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
+    return destination_.copy(source, [&](uint64_t bytes) { progress.addBytes(bytes); });
   }
 
   void expectReadsBack(const DestinationFolder::NewCopy &copy) {
@@ -240,7 +275,7 @@ class Rescue {
     CopiedContent &content = copies_[place].content;
     const CopyRecord *const record = report_.ofFile(file.target);
     const bool isKnown = record != nullptr && record->song == file.identity && !record->sha256.empty();
-    if (isKnown) content = {record->sha256, record->gaps};
+    if (isKnown) content = {record->sha256, record->gaps, record->taggedSize};
     if (isKnown && !request_.verify) return;
     const std::string sum = sha256OnDisk(destination_.open(file.target));
     if (request_.verify && sum != (isKnown ? content.sha256 : sumOfSource(file)))
@@ -264,7 +299,7 @@ class Rescue {
     if (reportFailed_) return;
     try {
       report_.add({file.target, file.identity, file.source.size, file.source.modified, copy.content.sha256,
-                   copy.content.gaps});
+                   copy.content.gaps, copy.content.taggedSize});
     } catch (const HostError &failure) {
       // The copies are as good without it; the next run compares their contents.
       reportFailed_ = true;
@@ -315,14 +350,6 @@ class Rescue {
     const Answer answer = answerOf(database);
     if (answer == Answer::None) stop("the player is gone: " + database.parent_path().string() + ": " + why);
     return answer == Answer::AfterAMoment;
-  }
-
-  void writeLists() {
-    if (request_.lists == nullptr) return;
-    RescuedLists(
-        library_, *request_.lists, plan_, destination_, [this](int32_t song) { return copyOf(song); },
-        result_)
-        .write(chosenLists());
   }
 
   std::vector<int32_t> chosenLists() const {

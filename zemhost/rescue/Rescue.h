@@ -4,12 +4,14 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
 #include "zemhost/output/ListFormat.h"
 #include "zemhost/rescue/NamePattern.h"
+#include "zemhost/rescue/SongTags.h"
 
 namespace zemhost {
 
@@ -21,6 +23,7 @@ struct RescueRequest {
   bool covers = false;             // write covers beside the music
   bool verify = false;             // read every copy back
   bool skipDamaged = false;        // leave out songs of which a part cannot be read
+  std::optional<TagMode> tags{};   // write what the library says into the copies
   const ListFormat *lists = nullptr;    // of the playlists beside the music; none: these are not written
   std::vector<std::string> problems{};  // what is wrong before it begins
   std::vector<std::string> remarks{};   // likewise
@@ -33,6 +36,7 @@ struct RescueResult {
   uint64_t alreadyThere = 0;
   uint64_t playlists = 0;               // written
   uint64_t covers = 0;                  // likewise
+  uint64_t tagged = 0;                  // copies that got tags
   uint64_t evaded = 0;                  // songs with a number, since another file has their name
   uint64_t verified = 0;                // copies that were read back and are as they should be
   std::vector<std::string> shortFiles;  // songs whose file is empty or shorter than the database states

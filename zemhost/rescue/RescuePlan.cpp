@@ -134,12 +134,13 @@ bool RescuePlan::isCopy(const std::string &target, const PlannedFile &file) cons
   const auto status = destination_.statusOf(target);
   if (!status || !S_ISREG(status->st_mode)) return false;
   const SongFile &source = file.source;
-  if (static_cast<uint64_t>(status->st_size) != source.size) return false;
+  const auto size = static_cast<uint64_t>(status->st_size);
   const CopyRecord *const record = report_.ofFile(target);
-  if (record != nullptr && record->song == file.identity && record->size == source.size &&
-      record->modified.tv_sec == source.modified.tv_sec &&
+  if (record != nullptr && size == record->copySize() && record->song == file.identity &&
+      record->size == source.size && record->modified.tv_sec == source.modified.tv_sec &&
       record->modified.tv_nsec == source.modified.tv_nsec && isKeptTime(status->st_mtim, source.modified))
     return true;
+  if (size != source.size) return false;
   const carbon::Descriptor from = library_.open(source);
   if (!from) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
   return sameContent(destination_.open(target), from);
@@ -195,7 +196,7 @@ std::string RescuePlan::earlierCopy(int32_t index) const {
   try {
     const auto status = destination_.statusOf(record->file);
     const bool there =
-        status && S_ISREG(status->st_mode) && static_cast<uint64_t>(status->st_size) == record->size;
+        status && S_ISREG(status->st_mode) && static_cast<uint64_t>(status->st_size) == record->copySize();
     return there ? record->file : std::string();
   } catch (const CopyFailure &) {
     return {};

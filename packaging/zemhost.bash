@@ -28,7 +28,6 @@ _zemhost_values() {
     export:-o | export:--output | export:--all-playlists) echo FILE ;;
     export:--playlist | export:--fields | *:--columns | *:--length | *:--top | *:--day | *:--encoding) echo TEXT ;;
     rescue:--playlists) echo 'none m3u8 xspf' ;;
-    rescue:--tags) echo 'missing replace' ;;
     rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
@@ -22,8 +23,9 @@
 #include "tests/support/Folders.h"
 #include "tests/support/TemporaryFolder.h"
 #include "zemhost/export/ExportWriter.h"
-#include "zemhost/export/M3uExport.h"
+#include "zemhost/export/ListEntries.h"
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/output/ListFormat.h"
 
 namespace {
 
@@ -268,12 +270,17 @@ class Player {
     ReadsCsv(ContentOf(file), expected);
     expected.WriteTo(*makeSqliteWriter(file, expected.Columns()));
     ReadsSqlite(file, expected);
-    for (const M3uPaths paths : {M3uPaths::Host, M3uPaths::Relative, M3uPaths::Device}) {
-      EncodedOutput out("UTF-8", library.host(), file);
-      M3uExport list(library, out, paths, folder_.path());
-      for (int32_t song = 0; song < library.songCount(); ++song) list.addSong(song);
-      out.finish();
-      ReadsM3u(ContentOf(file), library, list.leftOut());
+    const ListFormat &format = *listFormatNamed("m3u8");
+    for (const ListPaths paths : {ListPaths::Host, ListPaths::Relative, ListPaths::Device}) {
+      const ListEntries entries(library, paths, folder_.path());
+      std::string list = format.heading("", "");
+      uint64_t leftOut = 0;
+      for (int32_t song = 0; song < library.songCount(); ++song) {
+        const std::optional<ListedSong> entry = entries.of(song);
+        if (entry) list += format.entry(*entry);
+        leftOut += entry ? 0 : 1;
+      }
+      ReadsM3u(list + format.end(), library, leftOut);
     }
   }
 

@@ -19,7 +19,7 @@ namespace {
 using fuzz::Require;
 
 // The lines as the readers split them that honour most kinds of line ends.
-std::vector<std::u32string> Lines(const std::string &text) {
+std::vector<std::u32string> CodePointLines(const std::string &text) {
   std::vector<std::u32string> lines(1);
   for (const char32_t c : fuzz::CodePoints(text)) {
     const bool ends = (c >= '\n' && c <= '\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
@@ -45,7 +45,7 @@ FUZZ_TARGET(m3u) {
   if (parts[2].empty()) return;
   const std::string list =
       zemhost::m3uHeading() + zemhost::m3uEntry({duration, parts[0], parts[1], parts[2]});
-  const std::vector<std::u32string> lines = Lines(list);
+  const std::vector<std::u32string> lines = CodePointLines(list);
   Require(lines.size() == 4 && lines[3].empty() && list.ends_with('\n'), "not two lines and a heading");
   Require(lines[0] == U"#EXTM3U", "no heading");
   const std::string heading(lines[1].begin(),

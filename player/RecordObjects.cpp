@@ -7,9 +7,7 @@ namespace player {
 
 namespace {
 
-constexpr size_t kHeaderOfObject = 0x18;
 constexpr size_t kTextHeader = 0x28;  // of a text, as far as the text
-constexpr uint32_t kUtf16 = 1;
 constexpr uint64_t kLongestObject = 1U << 20;
 
 std::string bytesFrom(FileWindow &file, const StoredObject &object, size_t start) {
@@ -31,7 +29,7 @@ std::vector<StoredObject> objectsOf(FileWindow &file, bool bigEndian, uint64_t r
     const uint64_t length = wordAt(head, 8, bigEndian);
     if (length < kHeaderOfObject || at + length > end) break;
     const bool isText = length >= kTextHeader && head.size() == kTextHeader &&
-                        wordAt(head, 0x14, bigEndian) == 0 && wordAt(head, 0x18, bigEndian) == kUtf16;
+                        wordAt(head, 0x14, bigEndian) == 0 && wordAt(head, 0x18, bigEndian) == kUtf16Text;
     objects.push_back({wordAt(head, 12, bigEndian), at, length, isText});
     at += length;
   }

@@ -11,6 +11,9 @@
 
 namespace player {
 
+constexpr uint32_t kHeaderOfObject = 0x18;  // the bytes before its body
+constexpr uint32_t kUtf16Text = 1;          // at 0x18 of a text
+
 struct StoredObject {
   uint32_t type = 0;
   uint64_t at = 0;      // where it begins in the file

@@ -9,6 +9,7 @@
 #include "player/Chunk.h"
 #include "player/FileBytes.h"
 #include "player/FileWord.h"
+#include "player/RecordObjects.h"
 
 namespace player {
 
@@ -18,10 +19,9 @@ constexpr uint32_t kLongestHeader = 0x400;  // no file seen has one of more
 constexpr uint32_t kShortestSong = 0x9c;
 constexpr uint32_t kShortestList = 0x18;
 constexpr uint32_t kShortestEntry = 0x1c;
-constexpr uint32_t kHeaderOfObject = 0x18;
 constexpr uint32_t kHeaderOfText = 0x28;
 constexpr uint64_t kLongestRecord = 16U << 20;  // a song or an entry, with its objects
-constexpr uint32_t kUtf16 = 1, kUtf8 = 2;
+constexpr uint32_t kUtf8Text = 2;
 constexpr uint32_t kDesktopLocation = 1;  // a type whose objects are marked as texts and are none
 constexpr size_t kBlock = 512;
 
@@ -151,11 +151,11 @@ class Scanner {
     if (word(at + 0x14) != 0) return object;  // one that readers pass over
     const uint32_t encoding = object.length < kHeaderOfText ? 0 : word(at + 0x18);
     const bool isPlace = found_.bigEndian && word(at + 12) == kDesktopLocation;
-    if (encoding == kUtf16 && !isPlace) {
+    if (encoding == kUtf16Text && !isPlace) {
       const uint32_t size = word(at + 0x1c);
       if (size > object.length - kHeaderOfText) return std::nullopt;
       object.isText = object.isUtf16 = true;
-    } else if (found_.bigEndian || encoding == kUtf8) {
+    } else if (found_.bigEndian || encoding == kUtf8Text) {
       object.isText = true;  // of 8 bits, or a file's place
     } else {
       object.isGood = !isTextType(word(at + 12));

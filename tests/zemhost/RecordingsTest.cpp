@@ -27,7 +27,7 @@ MusicLibrary libraryOf(const support::TemporaryFolder &folder, const std::vector
   const std::string bytes =
       samples::WriteLibrary(samples::OrdinaryLibrary(std::move(tracks), {}), samples::Variant::LittleEndian);
   const Host host = Host::load({support::PluginFile(), 5.9, {}});
-  return MusicLibrary(openDatabase(host, folder.write("library.itunesdb", bytes)));
+  return MusicLibrary(loadDatabase(host, folder.write("library.itunesdb", bytes)));
 }
 
 TEST(Recordings, LengthsOfOneAllLieWithinTheLimitHoweverManyThereAre) {

@@ -8,7 +8,7 @@
 #include "host/Error.h"
 #include "zemhost/ExitStatus.h"
 #include "zemhost/commands/Commands.h"
-#include "zemhost/commands/PictureSummary.h"
+#include "zemhost/commands/FilesSummary.h"
 #include "zemhost/output/Units.h"
 #include "zemhost/rescue/Checksums.h"
 

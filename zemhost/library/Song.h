@@ -12,6 +12,8 @@
 
 namespace zemhost {
 
+constexpr int32_t kAlbumArtistText = 22;  // the number of a text that every source has
+
 struct Song {
   std::optional<int32_t> id;  // by which entries refer to it; none in a library without such numbers
   std::string title, artist, album, genre, composer, fileType;  // UTF-8; empty when the song has none

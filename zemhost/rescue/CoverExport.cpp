@@ -30,9 +30,8 @@ struct Album {
 using Namesakes = std::map<std::string, Album>;
 
 std::string albumArtist(const MusicLibrary &library, int32_t index, const Song &song) {
-  constexpr uint32_t kAlbumArtist = 22;
   for (const player::SongText &text : library.textsInFile(index)) {
-    if (text.type == kAlbumArtist && !text.text.empty()) return text.text;
+    if (text.type == kAlbumArtistText && !text.text.empty()) return text.text;
   }
   return song.facts.compilation.value_or(false) ? "Various Artists" : song.artist;
 }

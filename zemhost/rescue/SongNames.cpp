@@ -6,13 +6,11 @@ namespace zemhost {
 
 namespace {
 
-constexpr int32_t kAlbumArtist = 22;
-
 AlbumSong albumSong(const MusicLibrary &library, int32_t index) {
   const Song song = library.song(index);
   AlbumSong part;
   part.album = song.album;
-  part.albumArtist = library.numberedText(index, kAlbumArtist).value_or("");
+  part.albumArtist = library.numberedText(index, kAlbumArtistText).value_or("");
   part.artist = song.artist;
   part.disc = song.facts.disc.value_or(0);
   part.discs = song.facts.discs.value_or(0);

@@ -16,7 +16,6 @@ namespace zemhost {
 namespace {
 
 constexpr int32_t kComment = 8;
-constexpr int32_t kAlbumArtist = 22;
 constexpr unsigned kSeconds = 60;
 
 std::string dateAdded(const Song &song) {
@@ -56,7 +55,7 @@ SongTags songTags(const MusicLibrary &library, int32_t index) {
   SongTags tags;
   tags.title = song.title;
   tags.artist = song.artist;
-  tags.albumArtist = library.numberedText(index, kAlbumArtist).value_or("");
+  tags.albumArtist = library.numberedText(index, kAlbumArtistText).value_or("");
   tags.album = song.album;
   tags.genre = song.genre;
   tags.composer = song.composer;

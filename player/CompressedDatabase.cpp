@@ -92,6 +92,7 @@ class Inflater {
       status = inflate(&stream, Z_NO_FLUSH);
       // What was inflated before a failure is good too.
       writeOut({out.data(), out.size() - stream.avail_out});
+      if (status == Z_MEM_ERROR) throw std::bad_alloc();
       if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) failInflating(stream, at);
       checkSize();
     }
@@ -104,10 +105,11 @@ class Inflater {
   }
 
   void checkSize() const {
-    if (written_ > kMostBytes) fail("the compressed database inflates to 2 GB or more, too much to be read");
+    if (written_ > kMostBytes)
+      throw InflatesTooFar(name_ + ": the compressed database inflates to 2 GB or more, too much to be read");
     if (written_ > kAlwaysAllowed && written_ / kMostRatio > fileSize_) {
-      fail("the compressed database inflates to more than " + std::to_string(kMostRatio) +
-           " times its size, as no database does");
+      throw InflatesTooFar(name_ + ": the compressed database inflates to more than " +
+                           std::to_string(kMostRatio) + " times its size, as no database does");
     }
   }
 

@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "player/CompressedDatabase.h"
 #include "player/Error.h"
 #include "player/FileBytes.h"
 #include "player/FileProbe.h"
@@ -50,6 +51,8 @@ Source readSource(const player::DatabaseLocation &location, bool compressed) {
     PrivateCopy copy(location);
     try {
       inflateInto(copy, location);
+    } catch (const player::InflatesTooFar &) {
+      throw;  // no database, damaged or not
     } catch (const player::PlayerError &) {
       // What was inflated until the stream broke off is there.
     }

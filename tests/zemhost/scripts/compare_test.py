@@ -226,7 +226,7 @@ Two                      2     1
                                     {**one, "length": 250000}])
         done = run("duplicates", path, "--same-album")
         self.assertEqual((done.status, done.text), (0, """\
-Group  #  Title  Artist  Album  Time  Size  Same                                         Added  File
+Group  #  Title  Artist  Album  Time  Size  Same                                        Added  File
     1  0  Home   A       X      3:20        title, artist, album; length within 0.35 s
     1  2  Home   A       X      3:20
 

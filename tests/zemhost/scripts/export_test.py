@@ -105,7 +105,7 @@ class Exports(unittest.TestCase):
         done = run("export", alone, "-o", out)
         self.assertEqual((done.status, read(out)), (3, b"#EXTM3U\n"))
         self.assertIn(": 1 song left out: ", done.message)
-        self.assertEqual(self.export("--playlist", "Empty for Now", "--format", "m3u8"), b"#EXTM3U\n")
+        self.assertEqual(self.export("--playlist", "Empty for Now", "--format", "m3u8"), b"#EXTM3U\n#PLAYLIST:Empty for Now\n")
 
     def test_empty_name_of_a_playlist_is_refused_everywhere(self):
         for arguments in (["export", PLAYER, "--format", "csv", "--playlist", ""], ["playlist", PLAYER, ""],
@@ -152,7 +152,7 @@ class Exports(unittest.TestCase):
         with open(os.path.join(PLAYER, "iPod_Control", "iTunes", "iTunesDB"), "rb") as sample:
             bytes_ = bytearray(sample.read())
         first = bytes_.index(b"mhit")
-        bytes_[first + 0x44:first + 0x48] = (-255).to_bytes(4, "little", signed=True)
+        bytes_[first + 0x40:first + 0x44] = (-255).to_bytes(4, "little", signed=True)
         with open(self.path("quiet.itunesdb"), "wb") as file:
             file.write(bytes_)
         shown = self.export("--format", "csv", "--excel", "--fields", "volume_percent", source=file.name).decode("utf-8-sig")

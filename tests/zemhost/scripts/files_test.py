@@ -53,12 +53,12 @@ class Files(unittest.TestCase):
 
     def test_wrong_options_are_named(self):
         self.refused(2, "--format: it is required where --output names no file")
-        self.refused(2, "xml not in {csv,tsv,json,ndjson,m3u8,sqlite,listenbrainz}", "--format", "xml")
+        self.refused(2, "xml not in {csv,tsv,json,ndjson,m3u8,xspf,sqlite,listenbrainz}", "--format", "xml")
         self.refused(1, 'no field is named "titel"; there are: song_index, track_id, title, ', "--format", "csv",
                      "--fields", "title,titel", "-o", self.out)
         self.refused(1, 'the field "title" is asked for twice', "--format", "csv", "--fields", "title,year,title")
-        self.refused(2, "--fields: an m3u8 list has no fields to choose", "--format", "m3u8", "--fields", "title")
-        self.refused(2, "--paths: only m3u8 has paths to choose", "--format", "csv", "--paths", "host")
+        self.refused(2, "--fields: a list has no fields to choose", "--format", "m3u8", "--fields", "title")
+        self.refused(2, "--paths: only m3u8 and xspf have paths to choose", "--format", "csv", "--paths", "host")
         self.refused(2, "--paths", "--format", "m3u8", "--paths", "here")
         for form in ("json", "ndjson", "sqlite"):
             self.refused(2, f"--encoding: {form} is always UTF-8", "--format", form, "--encoding", "UTF-16", "-o",

@@ -70,8 +70,9 @@ class Layout(unittest.TestCase):
         os.makedirs(music)
         records = []
         for place, song in enumerate(songs):
-            open(os.path.join(music, f"{place:05}.mp3"), "wb").close()
-            records.append({**song, "path": f":iPod_Control:Music:F00:{place:05}.mp3",
+            with open(os.path.join(music, f"{place:05}.mp3"), "wb") as file:
+                file.write(b"music")
+            records.append({**song, "size": 5, "path": f":iPod_Control:Music:F00:{place:05}.mp3",
                             "marks": COMPILATION if song["compilation"] else 0})
         with open(os.path.join(player, "iPod_Control", "iTunes", "iTunesDB"), "wb") as out:
             out.write(library(records))

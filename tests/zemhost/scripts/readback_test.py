@@ -339,7 +339,7 @@ class ReadBack(unittest.TestCase):
         database.close()
 
     def m3u(self, text):
-        lines = text.split("\n")
+        lines = [line for line in text.split("\n") if not line.startswith("#PLAYLIST:")]
         self.assertEqual((lines[0], lines.pop()), ("#EXTM3U", ""))
         self.assertEqual(len(lines) % 2, 1)
         return list(zip(lines[1::2], lines[2::2]))
@@ -369,7 +369,7 @@ class ReadBack(unittest.TestCase):
             self.assertEqual([file for _, file in host], expected)
             lists = os.path.join(self.folder.name, "a", "b")
             os.makedirs(lists, exist_ok=True)
-            file = os.path.join(lists, "list.m3u8")
+            file = os.path.join(lists, f"{number}.m3u8")
             self.export(PLAYER, "--format", "m3u8", "--playlist", str(number), "--paths", "relative", "-o", file)
             with open(file, encoding="utf-8", newline="") as text:
                 relative = self.m3u(text.read())

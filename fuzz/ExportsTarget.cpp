@@ -20,6 +20,7 @@
 #include "fuzz/Texts.h"
 #include "host/Error.h"
 #include "host/Host.h"
+#include "samples/DatabaseWriter.h"
 #include "tests/support/Folders.h"
 #include "tests/support/TemporaryFolder.h"
 #include "zemhost/export/ExportWriter.h"
@@ -41,6 +42,11 @@ std::string ContentOf(const fs::path &path) {
 std::string PlainText(const Json &value) {
   if (value.is_null()) return {};
   return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+// Whether a cell holds a value; lists and objects are JSON there, in which characters may be escaped.
+bool IsValue(const std::string &cell, const Json &value) {
+  return value.is_structured() ? Json::parse(cell, nullptr, false) == value : cell == PlainText(value);
 }
 
 // The records of RFC 4180: fields with commas between, each record with its CRLF; a field in quotes holds
@@ -159,9 +165,9 @@ void ReadsCsv(const std::string &text, const Expected &expected) {
   for (size_t i = 0; i < records.size(); ++i) {
     Require(records[i].size() == expected.Columns().size(), "CSV: another number of fields");
     for (size_t k = 0; k < records[i].size(); ++k) {
-      const std::string value =
-          i == 0 ? std::string(expected.Columns()[k].name) : PlainText(expected.Rows()[i - 1][k]);
-      Require(records[i][k] == value, "CSV: another value");
+      const bool isThis = i == 0 ? records[i][k] == expected.Columns()[k].name
+                                 : IsValue(records[i][k], expected.Rows()[i - 1][k]);
+      Require(isThis, "CSV: another value");
     }
   }
 }
@@ -182,8 +188,8 @@ void EachRow(sqlite3 *database, const char *sql,
   Require(sqlite3_finalize(statement) == SQLITE_OK, sqlite3_errmsg(database));
 }
 
-std::string SqlText(const Json &value) {
-  return value.is_boolean() ? std::string(value.get<bool>() ? "1" : "0") : PlainText(value);
+bool IsSqlValue(const std::string &cell, const Json &value) {
+  return value.is_boolean() ? cell == (value.get<bool>() ? "1" : "0") : IsValue(cell, value);
 }
 
 void ReadsSqlite(const fs::path &file, const Expected &expected) {
@@ -198,7 +204,7 @@ void ReadsSqlite(const fs::path &file, const Expected &expected) {
   size_t values = 0;
   EachRow(handle, "SELECT * FROM songs ORDER BY rowid",
           [&](size_t row, size_t column, const std::string &value) {
-            Require(row < expected.Rows().size() && value == SqlText(expected.Rows()[row][column]),
+            Require(row < expected.Rows().size() && IsSqlValue(value, expected.Rows()[row][column]),
                     "SQLite: another value");
             ++values;
           });
@@ -210,7 +216,7 @@ void ReadsSqlite(const fs::path &file, const Expected &expected) {
   EachRow(handle, "SELECT * FROM entries ORDER BY playlist_number, position",
           [&](size_t row, size_t column, const std::string &value) {
             if (column == 0) return;
-            Require(row < entries.size() && value == SqlText(entries[row][column - 1]),
+            Require(row < entries.size() && IsSqlValue(value, entries[row][column - 1]),
                     "SQLite: another entry");
             ++entryValues;
           });
@@ -241,6 +247,13 @@ class Player {
   Player() {
     folder_.makeDirectory("player/iPod_Control/iTunes");
     folder_.makeDirectory("player/iPod_Control/Music/F00");
+    // Without a plug-in that works here, every input would be refused, and nothing tried.
+    samples::Track track{.id = 1};
+    folder_.write(
+        "player/iPod_Control/iTunes/iTunesDB",
+        samples::WriteLibrary(samples::OrdinaryLibrary({track}, {}), samples::Variant::LittleEndian));
+    const MusicLibrary library(loadDatabase(host_, folder_.path() / "player"));
+    Require(library.songCount() == 1, "the plug-in does not read a sound database");
   }
 
   void Try(uint8_t options, const std::string &bytes) {

@@ -178,9 +178,9 @@ def attack(program, name, build, folder, seconds):
             faults += [f"{name}: {line}: {fault}" for fault in found]
     if left := os.listdir(place.work / "tmp"):
         faults.append(f"{name}: temporary files stay: {left}")
-    if unexpected := set(os.listdir(place.work)) - {"tmp", "exports", "music"}:
+    if unexpected := set(os.listdir(place.work)) - {"tmp", "exports", "lists", "music"}:
         faults.append(f"{name}: beside the destination: {sorted(unexpected)}")
-    for folder in ("exports", "music"):
+    for folder in ("exports", "lists", "music"):
         faults += [f"{name}: {fault}" for fault in faults_of_files(place.work / folder)]
     watch.close()
     remove(place.base)

@@ -50,6 +50,25 @@ class Unnamed : public RescueFixture {
   fs::path root_ = folder_.path() / "My iPod";
 };
 
+// Boxes in each other, too many for the stack of what reads tags.
+std::string deepMp4() {
+  constexpr size_t kBoxes = 200'000;
+  std::string file = numberOf(16, 8) + "ftypM4A " + std::string(4, '\0');
+  for (size_t left = kBoxes; left > 0; --left) file += numberOf(8 * left, 8) + "moov";
+  return file;
+}
+
+TEST_F(Unnamed, FileWhoseTagsBreakTheirReaderKeepsItsOwnName) {
+  makePlayer({{u"One", u"A"}});
+  const std::string deep = deepMp4();
+  write("iPod_Control/Music/F01/DEEP.m4a", deep);
+  write("iPod_Control/Music/F01/GOOD.mp3", tagged_);
+  EXPECT_EQ(run(root_).status, 0);
+  const Files copies = filesBelow(destination_);
+  EXPECT_EQ(copies.at("Unnamed/DEEP.m4a"), deep);
+  EXPECT_TRUE(copies.contains("Unnamed/Band/First/03 Lost.mp3"));
+}
+
 TEST_F(Unnamed, FilesThatNoSongNamesGetTheNamesInTheirTags) {
   makePlayer({{u"One", u"A"}});
   write("iPod_Control/Music/F01/ABCD.mp3", tagged_);

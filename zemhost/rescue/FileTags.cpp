@@ -1,7 +1,9 @@
 #include "zemhost/rescue/FileTags.h"
 
 #include <algorithm>
-#include <initializer_list>
+#include <cerrno>
+#include <fcntl.h>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <taglib/audioproperties.h>
 #include <taglib/fileref.h>
@@ -10,11 +12,19 @@
 #include <taglib/tpropertymap.h>
 #include <unistd.h>
 
+#include "host/Error.h"
+#include "player/FileBytes.h"
+#include "zemhost/rescue/Apart.h"
+
 namespace zemhost {
 
 namespace {
 
-void set(std::string &field, const TagLib::String &text) {
+using Answer = nlohmann::json;
+
+constexpr size_t kLongestAnswer = 1U << 20;
+
+void set(Answer &field, const TagLib::String &text) {
   const TagLib::String plain = text.stripWhiteSpace();
   if (!plain.isEmpty()) field = plain.to8Bit(true);
 }
@@ -24,33 +34,81 @@ TagLib::String first(const TagLib::PropertyMap &properties, const char *name) {
   return values.isEmpty() ? TagLib::String() : values.front();
 }
 
-// "2" and "2/3" are 2.
-std::optional<uint32_t> numberIn(const TagLib::String &text) {
-  const int number = text.toInt();
-  return number > 0 ? std::optional(static_cast<uint32_t>(number)) : std::nullopt;
+// What the library for tags finds, as JSON: it is found in another process than it is needed in.
+Answer foundIn(int file) {
+  Answer found = Answer::object();
+  // The library closes what it is given. It knows the kind of file by its content then.
+  TagLib::FileStream stream(dup(file), true);
+  const TagLib::FileRef reference(&stream);
+  if (reference.isNull() || reference.tag() == nullptr) return found;
+  const TagLib::Tag &tag = *reference.tag();
+  set(found["title"], tag.title());
+  set(found["artist"], tag.artist());
+  set(found["album"], tag.album());
+  set(found["genre"], tag.genre());
+  found["track"] = tag.track();
+  found["year"] = tag.year();
+  const TagLib::PropertyMap properties = reference.file()->properties();
+  set(found["composer"], first(properties, "COMPOSER"));
+  set(found["album_artist"], first(properties, "ALBUMARTIST"));
+  found["disc"] = std::max(first(properties, "DISCNUMBER").toInt(), 0);  // "2" and "2/3" are 2
+  if (const TagLib::AudioProperties *const audio = reference.audioProperties())
+    found["duration"] = std::max(audio->lengthInMilliseconds(), 0);
+  return found;
+}
+
+// As foundIn(), from a process of its own; null when nothing came of it.
+Answer foundApart(int file) {
+  int ends[2] = {};
+  if (pipe2(ends, O_CLOEXEC) != 0) throw HostError("tags: no pipe can be made", errno);
+  carbon::Descriptor from(ends[0]);
+  carbon::Descriptor to(ends[1]);
+  std::string answer;
+  const int status = runApart(
+      [&] {
+        player::writeAll(to.number(), foundIn(file).dump(-1, ' ', false, Answer::error_handler_t::replace));
+        return 0;
+      },
+      [&] {
+        to = carbon::Descriptor();
+        std::string piece(4096, '\0');
+        while (answer.size() < kLongestAnswer) {
+          const ssize_t got = read(from.number(), piece.data(), piece.size());
+          if (got < 0 && errno == EINTR) continue;
+          if (got <= 0) break;
+          answer.append(piece, 0, static_cast<size_t>(got));
+        }
+        from = carbon::Descriptor();
+      });
+  return status == 0 ? Answer::parse(answer, nullptr, false) : Answer();
+}
+
+void take(const Answer &found, const char *name, std::string &text) {
+  const auto field = found.find(name);
+  if (field != found.end() && field->is_string()) text = field->get<std::string>();
+}
+
+uint32_t numberIn(const Answer &found, const char *name) {
+  const auto field = found.find(name);
+  return field != found.end() && field->is_number_unsigned() ? field->get<uint32_t>() : 0;
 }
 
 }  // namespace
 
 FileTags readTags(const carbon::Descriptor &file, Song &song) {
   FileTags more;
-  // The library closes what it is given. It knows the kind of file by its content then.
-  TagLib::FileStream stream(dup(file.number()), true);
-  const TagLib::FileRef reference(&stream);
-  if (reference.isNull() || reference.tag() == nullptr) return more;
-  const TagLib::Tag &tag = *reference.tag();
-  set(song.title, tag.title());
-  set(song.artist, tag.artist());
-  set(song.album, tag.album());
-  set(song.genre, tag.genre());
-  song.track = tag.track();
-  song.year = tag.year();
-  const TagLib::PropertyMap properties = reference.file()->properties();
-  set(song.composer, first(properties, "COMPOSER"));
-  set(more.albumArtist, first(properties, "ALBUMARTIST"));
-  song.facts.disc = numberIn(first(properties, "DISCNUMBER"));
-  if (const TagLib::AudioProperties *const audio = reference.audioProperties())
-    song.duration = static_cast<uint32_t>(std::max(audio->lengthInMilliseconds(), 0));
+  const Answer found = foundApart(file.number());
+  if (!found.is_object()) return more;
+  take(found, "title", song.title);
+  take(found, "artist", song.artist);
+  take(found, "album", song.album);
+  take(found, "genre", song.genre);
+  take(found, "composer", song.composer);
+  take(found, "album_artist", more.albumArtist);
+  song.track = numberIn(found, "track");
+  song.year = numberIn(found, "year");
+  song.duration = numberIn(found, "duration");
+  if (const uint32_t disc = numberIn(found, "disc"); disc != 0) song.facts.disc = disc;
   return more;
 }
 

@@ -9,7 +9,8 @@ namespace zemhost {
 
 // Fills title, artist, album, genre, composer, track, year and duration, and the album's artist and the disc,
 // from the tags of an open file. What it does not say stays as it is, and so does all of a file that is of no
-// known kind. The numbers of damaged tags may be any.
+// known kind, or one that the library for tags fails on, which works in a process of its own. The numbers of
+// damaged tags may be any.
 struct FileTags {
   std::string albumArtist;
 };

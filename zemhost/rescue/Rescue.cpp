@@ -37,9 +37,9 @@ namespace {
 // whose cable was touched comes back by itself.
 enum class Answer { AtOnce, AfterAMoment, None };
 Answer answerOf(const std::filesystem::path &file) {
-  constexpr int kTries = 3;
+  constexpr int kAttempts = 3;
   constexpr std::chrono::milliseconds kPause(1000);
-  for (int tries = 0; tries < kTries; ++tries) {
+  for (int tries = 0; tries < kAttempts; ++tries) {
     if (tries > 0) std::this_thread::sleep_for(kPause);
     const carbon::Descriptor open(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
     if (!open) continue;
@@ -310,8 +310,8 @@ class Rescue {
   // What the run leaves beside the music. `stopped` says why it had to stop, if it had to.
   void writeReport(const std::string &stopped) {
     // Another run may make a file of the name just now; it is read the next time.
-    constexpr int kTries = 3;
-    for (int tries = 1; !tryToReport(stopped, tries == kTries) && tries < kTries; ++tries) {
+    constexpr int kAttempts = 3;
+    for (int tries = 1; !tryToReport(stopped, tries == kAttempts) && tries < kAttempts; ++tries) {
     }
   }
 

@@ -1,14 +1,8 @@
 #include "zemhost/rescue/SongTags.h"
 
-#include <cerrno>
-#include <csignal>
-#include <exception>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "host/Error.h"
 #include "zemhost/output/Units.h"
+#include "zemhost/rescue/Apart.h"
 #include "zemhost/rescue/TagWriter.h"
 
 namespace zemhost {
@@ -16,7 +10,6 @@ namespace zemhost {
 namespace {
 
 constexpr int32_t kComment = 8;
-constexpr unsigned kSeconds = 60;
 
 std::string dateAdded(const Song &song) {
   std::string date = song.facts.added ? dateText(*song.facts.added) : std::string();
@@ -30,21 +23,6 @@ std::string coverOf(const MusicLibrary &library, const Song &song) {
     return image ? library.covers().largest({*image}).bytes : std::string();
   } catch (const HostError &) {
     return {};
-  }
-}
-
-// What the process of its own does, and its exit status.
-[[noreturn]] void runApart(int file, std::string_view extension, const SongTags &tags, TagMode mode) {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGALRM, SIGXCPU}) signal(number, SIG_DFL);
-  const rlimit noCore{0, 0};
-  const rlimit time{kSeconds, kSeconds};
-  setrlimit(RLIMIT_CORE, &noCore);
-  setrlimit(RLIMIT_CPU, &time);
-  alarm(kSeconds);
-  try {
-    _exit(static_cast<int>(writeTagsHere(file, extension, tags, mode)));
-  } catch (const std::exception &) {
-    _exit(static_cast<int>(TagOutcome::Broken));
   }
 }
 
@@ -75,16 +53,9 @@ SongTags songTags(const MusicLibrary &library, int32_t index) {
 
 TagOutcome writeTags(const carbon::Descriptor &copy, std::string_view extension, const SongTags &tags,
                      TagMode mode) {
-  const pid_t child = fork();
-  if (child < 0) throw HostError("tags: no process can be made", errno);
-  if (child == 0) runApart(copy.number(), extension, tags, mode);
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return TagOutcome::Broken;
-  }
-  if (!WIFEXITED(status)) return TagOutcome::Broken;
-  const int outcome = WEXITSTATUS(status);
-  const bool isKnown = outcome <= static_cast<int>(TagOutcome::Broken);
+  const int outcome =
+      runApart([&] { return static_cast<int>(writeTagsHere(copy.number(), extension, tags, mode)); });
+  const bool isKnown = outcome >= 0 && outcome <= static_cast<int>(TagOutcome::Broken);
   return isKnown ? static_cast<TagOutcome>(outcome) : TagOutcome::Broken;
 }
 

@@ -29,6 +29,7 @@ class MountedPlayersTest : public testing::Test {
 
   static std::vector<std::string> rootsOf(const std::vector<MountedPlayer> &players) {
     std::vector<std::string> roots;
+    roots.reserve(players.size());
     for (const MountedPlayer &player : players) roots.push_back(player.root.string());
     return roots;
   }

@@ -56,7 +56,7 @@ std::string pathOf(int file) {
 
 std::string pathFrom(int folder, const char *name) {
   if (name == nullptr) return {};
-  const std::string text = name;
+  std::string text = name;
   if (text.starts_with('/')) return text;
   if (folder == AT_FDCWD) return text;
   return text == "." ? pathOf(folder) : pathOf(folder) + "/" + text;
@@ -150,9 +150,13 @@ ZEM_OPEN_AS(brokenOpen64, "open64")
 ZEM_OPEN_AT_AS(brokenOpenAt, "openat")
 ZEM_OPEN_AT_AS(brokenOpenAt64, "openat64")
 
-ssize_t pread(int file, void *bytes, size_t size, off_t offset) {
-  return readFrom(file, bytes, size, offset);
-}
+#define ZEM_READ_AS(function, name)                                                 \
+  ssize_t function(int file, void *bytes, size_t size, off_t offset) __asm__(name); \
+  ssize_t function(int file, void *bytes, size_t size, off_t offset) {              \
+    return readFrom(file, bytes, size, offset);                                     \
+  }
+ZEM_READ_AS(brokenRead, "pread")
+ZEM_READ_AS(brokenRead64, "pread64")
 
 // The way to openat2, which the C library does not have.
 long syscall(long number, ...) noexcept {
@@ -163,8 +167,10 @@ long syscall(long number, ...) noexcept {
   va_end(arguments);
   if (number == SYS_openat2) {
     uint64_t flags = 0;  // the first of its struct
+    // The arguments of a system call are words. NOLINTNEXTLINE(performance-no-int-to-ptr)
     __builtin_memcpy(&flags, reinterpret_cast<const void *>(words[2]), sizeof flags);
-    const std::string path = pathFrom(static_cast<int>(words[0]), reinterpret_cast<const char *>(words[1]));
+    const auto *const name = reinterpret_cast<const char *>(words[1]);  // NOLINT(performance-no-int-to-ptr)
+    const std::string path = pathFrom(static_cast<int>(words[0]), name);
     if (const int error = errorOfOpening(path, static_cast<int>(flags)); error != 0) return failed(error);
   }
   static const auto real = reinterpret_cast<long (*)(long, ...)>(dlsym(RTLD_NEXT, "syscall"));

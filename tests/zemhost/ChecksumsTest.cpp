@@ -35,8 +35,9 @@ TEST(ChecksumsTest, TextThatIsNoListOfSumsIsNone) {
   EXPECT_TRUE(Checksums::read(kSum + " *bytes"));
   for (const std::string &text :
        {std::string("notes\n"), kSum + "\n", kSum + "  \n", kSum + " file\n", kSum.substr(1) + "  file\n",
-        std::string(64, 'A') + "  file\n", "\\" + kSum + "  wrong\\escape\n", "\\" + kSum + "  cut\\\n",
-        kSum + "  good\n\n" + kSum + "  good\n"})
+        std::string(64, 'A') + "  file\n", std::string("\\").append(kSum).append("  wrong\\escape\n"),
+        std::string("\\").append(kSum).append("  cut\\\n"),
+        std::string(kSum).append("  good\n\n").append(kSum).append("  good\n")})
     EXPECT_FALSE(Checksums::read(text)) << text;
 }
 

@@ -162,7 +162,7 @@ TEST_F(DamagedPlayer, CountsOfThePlayerAreLeftOutWhenSongsAreLost) {
     samples::ChunkWriter out(samples::Variant::LittleEndian);
     out.Begin("mhdp", 0x60, 29);
     out.PutWord(8, 0x10);
-    out.AppendBytes(std::string(29 * 0x10, '\0'));
+    out.AppendBytes(std::string(size_t{29} * 0x10, '\0'));
     return out.TakeBytes();
   }());
   EXPECT_EQ(runZemhost({"songs", player_}).err, "");

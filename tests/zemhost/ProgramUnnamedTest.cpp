@@ -31,7 +31,7 @@ std::string numberOf(size_t number, unsigned bits) {
 std::string taggedMp3(const std::vector<std::pair<std::string, std::string>> &texts) {
   std::string frames;
   for (const auto &[name, text] : texts)
-    frames += name + numberOf(text.size() + 1, 8) + std::string(3, '\0') + text;
+    frames.append(name).append(numberOf(text.size() + 1, 8)).append(3, '\0').append(text);
   std::string silence = "\xFF\xFB\x90";
   silence.resize(417);
   std::string file = "ID3\x03" + std::string(2, '\0') + numberOf(frames.size(), 7) + frames;

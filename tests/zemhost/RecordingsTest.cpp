@@ -33,6 +33,7 @@ MusicLibrary libraryOf(const support::TemporaryFolder &folder, const std::vector
 TEST(Recordings, LengthsOfOneAllLieWithinTheLimitHoweverManyThereAre) {
   const support::TemporaryFolder folder;
   std::vector<uint32_t> lengths;
+  lengths.reserve(2000);
   std::mt19937 random(5);
   for (int i = 0; i < 2000; ++i) lengths.push_back(100'000 + static_cast<uint32_t>(random() % 200'000));
   const Recordings found = repeatedRecordings(libraryOf(folder, lengths), {});

@@ -12,6 +12,7 @@ namespace {
 std::vector<int32_t> storedSongs(const MusicLibrary &library, int32_t playlist) {
   std::vector<int32_t> songs;
   const int32_t entries = library.entryCount(playlist);
+  songs.reserve(static_cast<size_t>(entries));
   for (int32_t position = 0; position < entries; ++position)
     songs.push_back(library.entry(playlist, position).song);
   return songs;

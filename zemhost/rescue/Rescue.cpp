@@ -56,9 +56,10 @@ Answer answerOf(const std::filesystem::path &file) {
 std::string gapsText(const std::vector<Gap> &gaps) {
   constexpr size_t kShown = 5;
   std::string text;
-  for (size_t i = 0; i < std::min(gaps.size(), kShown); ++i)
-    text += (i == 0 ? "" : ", ") + countText(gaps[i].size, "byte", "bytes") + " at " +
-            std::to_string(gaps[i].offset);
+  for (size_t i = 0; i < std::min(gaps.size(), kShown); ++i) {
+    text.append(i == 0 ? "" : ", ").append(countText(gaps[i].size, "byte", "bytes"));
+    text.append(" at ").append(std::to_string(gaps[i].offset));
+  }
   if (gaps.size() > kShown) {
     uint64_t rest = 0;
     for (size_t i = kShown; i < gaps.size(); ++i) rest += gaps[i].size;

@@ -48,9 +48,10 @@ void checkExport(const CLI::App &command, ExportArguments &arguments) {
   if (arguments.excel && format != "csv")
     throw CLI::ValidationError("--excel", "only csv has a form for spreadsheets");
   const bool hasEncodings = format == "m3u8" || format == "csv" || format == "tsv";
-  if (!isUtf8Name(arguments.encoding) && (!hasEncodings || arguments.excel))
+  if (!isUtf8Name(arguments.encoding) && (!hasEncodings || arguments.excel)) {
     throw CLI::ValidationError("--encoding",
                                (arguments.excel ? "csv with --excel" : format) + " is always UTF-8");
+  }
   if (format == "sqlite" && arguments.writesStandardOutput())
     throw CLI::ValidationError("--output", "sqlite needs a file to write");
 }

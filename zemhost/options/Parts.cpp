@@ -27,7 +27,7 @@ void settlePlaces(const CLI::App &command, const std::vector<std::string *> &pla
 }
 
 CLI::Validator notEmpty() {
-  return CLI::Validator([](const std::string &text) { return text.empty() ? "the name is empty" : ""; }, "");
+  return {[](const std::string &text) { return text.empty() ? "the name is empty" : ""; }, ""};
 }
 
 CLI::Option *addPath(CLI::App &command, std::string &path) {

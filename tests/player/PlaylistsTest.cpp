@@ -172,6 +172,29 @@ TEST(PlaylistsTest, GroupsOfAnotherListAreNotTaken) {
   EXPECT_THAT(lists->podcastGroups(1), IsEmpty());
 }
 
+// The entries of a list follow its objects; an object may state a length that reaches over the next list's
+// header.
+TEST(PlaylistsTest, EntriesOfTheNextListAreNotThoseOfAListThatReachesOverIt) {
+  Playlist one = withWords({});
+  one.entries = {{.ref = 1}};
+  Playlist other = withWords({});
+  other.entries = {{.ref = 2}, {.ref = 3}};
+  std::string bytes = fileOf({one, other});
+  support::TemporaryFolder folder;
+  const carbon::Descriptor whole(open(folder.write("whole", bytes).c_str(), O_RDONLY | O_CLOEXEC));
+  FileAccount account = walkChunks(whole.number());
+  ASSERT_EQ(account.playlistsAt.size(), 2U);
+  const size_t object = bytes.find("mhod", account.playlistsAt[0]);
+  const size_t entry = bytes.find("mhip", account.playlistsAt[1]);
+  const auto length = static_cast<uint32_t>(entry - object);
+  for (size_t i = 0; i < 4; ++i) bytes[object + 8 + i] = static_cast<char>(length >> 8 * i);
+  const carbon::Descriptor reaching(open(folder.write("reaching", bytes).c_str(), O_RDONLY | O_CLOEXEC));
+  EXPECT_THAT(PlaylistReader(reaching.number(), account).songIds(0), IsEmpty());
+  EXPECT_THAT(PlaylistReader(reaching.number(), account).songIds(1), ElementsAre(2, 3));
+  account.playlistsAt.pop_back();
+  EXPECT_THAT(PlaylistReader(reaching.number(), account).songIds(0), ElementsAre(2, 3));  // no list follows
+}
+
 TEST(PlaylistsTest, FileCutAnywhereGivesWhatIsThere) {
   const std::string whole = withPodcasts({heading(50, u"News"), {.ref = 2, .words = {{0x20, 50}}}});
   for (size_t size = 0; size < whole.size(); size += 7) {

@@ -78,5 +78,31 @@ TEST_F(SongReaderTest, PathsAreTheSameInAnyOrderAndOfAnyLength) {
   }
 }
 
+void putWord(std::string &bytes, uint64_t at, uint32_t value) {
+  for (size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> 8 * i);
+}
+
+// A song and its last object may state lengths that reach over the header of the next song, to that one's
+// objects.
+TEST_F(SongReaderTest, ObjectsOfTheNextSongAreNotThoseOfASongThatReachesOverIt) {
+  std::string bytes = samples::WriteLibrary(
+      samples::OrdinaryLibrary(
+          {trackOf({samples::TextObject(1, u"One")}),
+           trackOf({samples::TextObject(1, u"Two"), samples::TextObject(3, u"Its album")})},
+          {}),
+      Variant::LittleEndian);
+  const carbon::Descriptor whole(open(folder_.write("whole", bytes).c_str(), O_RDONLY | O_CLOEXEC));
+  const std::vector<uint64_t> songs = walkChunks(whole.number()).tracksAt;
+  ASSERT_EQ(songs.size(), 2U);
+  const size_t object = bytes.find("mhod", songs[0]);
+  const size_t nextObject = bytes.find("mhod", songs[1]);
+  putWord(bytes, songs[0] + 8, static_cast<uint32_t>(bytes.size() - songs[0]));
+  putWord(bytes, songs[0] + 12, 3);
+  putWord(bytes, object + 8, static_cast<uint32_t>(nextObject - object));
+  const carbon::Descriptor reaching(open(folder_.write("reaching", bytes).c_str(), O_RDONLY | O_CLOEXEC));
+  EXPECT_TRUE(SongReader(reaching.number(), false, songs).texts(0).empty());
+  ASSERT_EQ(SongReader(reaching.number(), false, {songs[0]}).texts(0).size(), 3U);  // no song follows
+}
+
 }  // namespace
 }  // namespace player

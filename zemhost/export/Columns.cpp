@@ -39,16 +39,16 @@ constexpr int32_t kEnclosureUrl = 15;
 constexpr int32_t kFeedUrl = 16;
 constexpr int32_t kSubtitle = 18;
 constexpr int32_t kShow = 19;
-constexpr int32_t kAlbumArtist = 22;
 constexpr int32_t kSortArtist = 23;
 constexpr int32_t kSortTitle = 27;
 constexpr int32_t kSortAlbum = 28;
 constexpr int32_t kSortAlbumArtist = 29;
 constexpr int32_t kSortComposer = 30;
 constexpr int32_t kSortShow = 31;
-constexpr int32_t kNumbersWithAColumn[] = {
-    kComment,     kCategory,   kGrouping,  kDescription, kEnclosureUrl,    kFeedUrl,      kSubtitle, kShow,
-    kAlbumArtist, kSortArtist, kSortTitle, kSortAlbum,   kSortAlbumArtist, kSortComposer, kSortShow};
+constexpr int32_t kNumbersWithAColumn[] = {kComment,         kCategory,     kGrouping,  kDescription,
+                                           kEnclosureUrl,    kFeedUrl,      kSubtitle,  kShow,
+                                           kAlbumArtistText, kSortArtist,   kSortTitle, kSortAlbum,
+                                           kSortAlbumArtist, kSortComposer, kSortShow};
 constexpr int32_t kChapterText = 17;
 // Players number their texts from 1 up to about 50, and a few from 100 and 200.
 constexpr int32_t kLastNumber = 300;
@@ -221,7 +221,7 @@ const std::vector<SongColumns::State::Known> &SongColumns::State::all() {
       {{"grouping", Text}, [](S &s) { return s.numberedText(kGrouping); }},
       {{"description", Text}, [](S &s) { return s.numberedText(kDescription); }},
       {{"subtitle", Text}, [](S &s) { return s.numberedText(kSubtitle); }},
-      {{"album_artist", Text}, [](S &s) { return s.numberedText(kAlbumArtist); }},
+      {{"album_artist", Text}, [](S &s) { return s.numberedText(kAlbumArtistText); }},
       {{"category", Text}, [](S &s) { return s.numberedText(kCategory); }},
       {{"show", Text}, [](S &s) { return s.numberedText(kShow); }},
       {{"sort_title", Text}, [](S &s) { return s.sortText(kSortTitle); }},

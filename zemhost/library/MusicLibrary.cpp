@@ -7,20 +7,7 @@
 namespace zemhost {
 
 std::string LibrarySource::text(SongTextField field, int32_t index) const {
-  const Song song = this->song(index);
-  switch (field) {
-    case SongTextField::Title:
-      return song.title;
-    case SongTextField::Artist:
-      return song.artist;
-    case SongTextField::Album:
-      return song.album;
-    case SongTextField::Genre:
-      return song.genre;
-    case SongTextField::Composer:
-      break;
-  }
-  return song.composer;
+  return textOf(song(index), field);
 }
 
 namespace {

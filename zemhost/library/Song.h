@@ -41,6 +41,25 @@ struct Song {
 // The texts by which songs are told apart.
 enum class SongTextField { Title, Artist, Album, Genre, Composer };
 
+// The text of a song's record, whichever source's it is: UTF-8, empty when the song has none. The record owns
+// it.
+template <typename Record>
+const std::string &textOf(const Record &song, SongTextField field) {
+  switch (field) {
+    case SongTextField::Title:
+      return song.title;
+    case SongTextField::Artist:
+      return song.artist;
+    case SongTextField::Album:
+      return song.album;
+    case SongTextField::Genre:
+      return song.genre;
+    case SongTextField::Composer:
+      break;
+  }
+  return song.composer;
+}
+
 // What a list adds up to.
 struct Totals {
   uint64_t songs = 0;

@@ -101,20 +101,7 @@ std::vector<player::SongText> SqliteSource::textsInFile(int32_t index) const { r
 std::vector<std::string> SqliteSource::lossyTexts(int32_t index) const { return record(index).lossyTexts; }
 
 std::string SqliteSource::storedText(SongTextField field, int32_t index) const {
-  const player::SqliteSong &song = record(index);
-  switch (field) {
-    case SongTextField::Title:
-      return song.title;
-    case SongTextField::Artist:
-      return song.artist;
-    case SongTextField::Album:
-      return song.album;
-    case SongTextField::Genre:
-      return song.genre;
-    case SongTextField::Composer:
-      break;
-  }
-  return song.composer;
+  return textOf(record(index), field);
 }
 
 bool SqliteSource::isSame(SongTextField by, int32_t one, int32_t other) const {

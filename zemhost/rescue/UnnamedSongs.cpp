@@ -19,8 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int32_t kAlbumArtist = 22;
-
 // Of a path below the player's root.
 bool isInMusicFolder(const fs::path &below) {
   return std::any_of(below.begin(), below.end(),
@@ -98,7 +96,7 @@ Song UnnamedSongs::song(int32_t index) const {
 std::optional<std::string> UnnamedSongs::numberedText(int32_t index, int32_t number) const {
   if (isNamed(index)) return library_->numberedText(index, number);
   const std::string &artist = unnamed(index).albumArtist;
-  return number == kAlbumArtist && !artist.empty() ? std::optional(artist) : std::nullopt;
+  return number == kAlbumArtistText && !artist.empty() ? std::optional(artist) : std::nullopt;
 }
 
 int32_t UnnamedSongs::numberedTextCount(int32_t index) const {
@@ -115,20 +113,7 @@ std::vector<std::string> UnnamedSongs::lossyTexts(int32_t index) const {
 
 std::string UnnamedSongs::storedText(SongTextField field, int32_t index) const {
   if (isNamed(index)) return library_->storedText(field, index);
-  const Song &song = unnamed(index).song;
-  switch (field) {
-    case SongTextField::Title:
-      return song.title;
-    case SongTextField::Artist:
-      return song.artist;
-    case SongTextField::Album:
-      return song.album;
-    case SongTextField::Genre:
-      return song.genre;
-    case SongTextField::Composer:
-      break;
-  }
-  return song.composer;
+  return textOf(unnamed(index).song, field);
 }
 
 bool UnnamedSongs::isSame(SongTextField by, int32_t one, int32_t other) const {

@@ -39,18 +39,32 @@ function(zem_tests_need)
   add_dependencies(tests_${folder} ${ARGN})
 endfunction()
 
-# zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program whose cases CTest learns from the program itself.
-# CTest's names begin with the folder's, so that `./test db` runs one folder. The program's own sources are not
-# optimised: compiling them takes longer than running them, with clang++ and the sanitizers three times as long.
+# zem_not_optimised(TARGET): for what runs in tests alone. Compiling its own sources takes longer than running them, with
+# clang++ and the sanitizers three times as long.
+function(zem_not_optimised target)
+  target_compile_options(${target} PRIVATE -O0)
+  set_target_properties(${target} PROPERTIES ZEM_UNOPTIMISED ON)
+endfunction()
+
+# zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program. CTest's names begin with the folder's, so that `./test db`
+# runs one folder. With ZEM_ONCE each case is a test, which can be run by its name; elsewhere a program runs in four parts,
+# since to start a process for each case takes longer than the case.
 function(zem_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
-  target_compile_options(${name} PRIVATE -O0)
-  set_target_properties(${name} PROPERTIES ZEM_UNOPTIMISED ON)
+  zem_not_optimised(${name})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
   zem_tests_need(${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
-  gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+  if(ZEM_ONCE)
+    gtest_discover_tests(${name} TEST_PREFIX ${folder}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+    return()
+  endif()
+  foreach(part RANGE 3)
+    add_test(NAME ${folder}.${name}.${part} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(${folder}.${name}.${part} PROPERTIES
+      TIMEOUT 600 ENVIRONMENT "GTEST_TOTAL_SHARDS=4;GTEST_SHARD_INDEX=${part}")
+  endforeach()
 endfunction()
 
 # Once for all folders of tests: GTest::gmock_main and its like.

@@ -23,9 +23,9 @@ class CheckIncludes(unittest.TestCase):
                     file.write(text)
             with open(group, "w", encoding="utf-8") as file:
                 file.writelines(f'#include "{build}/{name}"\n' for name in sources)
-            subprocess.run(["c++", "-std=c++20", "-fsyntax-only", group], check=True)  # the group compiles
+            subprocess.run(["clang++", "-std=c++20", "-fsyntax-only", group], check=True)  # the group compiles
             with open(os.path.join(build, "compile_commands.json"), "w", encoding="utf-8") as file:
-                json.dump([{"directory": build, "file": group, "command": f"c++ -std=c++20 -o group.o -c {group}"}], file)
+                json.dump([{"directory": build, "file": group, "command": f"clang++ -std=c++20 -o group.o -c {group}"}], file)
             done = subprocess.run([TOOL, build], stdout=subprocess.PIPE, check=False)
         return done.returncode, done.stdout.decode()
 
@@ -37,6 +37,13 @@ class CheckIncludes(unittest.TestCase):
         self.assertEqual(status, 1)
         self.assertIn("second.cpp:1:", out)
         self.assertTrue(out.endswith("2 sources compiled alone, 1 failed\n"), out)
+
+    def test_a_test_without_its_include_is_named_though_the_headers_of_googletest_are_read_before(self):
+        test = "#include <gtest/gtest.h>\nTEST(Second, Is%s) { EXPECT_EQ(static_cast<std::string>(%s), \"\"); }\n"
+        self.assertEqual(self.check(test % ("Empty", "\"\"")), (0, "2 sources compiled alone, 0 failed\n"))
+        status, out = self.check(test % ("First", "first()"))
+        self.assertEqual(status, 1)
+        self.assertIn("second.cpp:2:", out)
 
 
 if __name__ == "__main__":

@@ -24,9 +24,12 @@ void say(std::string_view text) noexcept {
 
 std::terminate_handler usual = nullptr;
 
+// Where a function that must not throw finds no memory, the library ends the program without handing the
+// exception on: std::filesystem's iterators do so. Nothing else here ends it without one.
 [[noreturn]] void endAtOnce() {
   try {
-    if (std::current_exception() != nullptr) throw;
+    if (std::current_exception() == nullptr) throw std::bad_alloc();
+    throw;
   } catch (const std::bad_alloc &) {
     removeTemporaryPaths();
     sayOutOfMemory();

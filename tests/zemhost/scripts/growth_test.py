@@ -11,7 +11,7 @@ import unittest
 from database_writer import library
 from program import WRITE_GENERATED, ZEMHOST, run
 
-FEW = 250
+FEW = 100
 
 
 class Growth(unittest.TestCase):

@@ -96,6 +96,7 @@ class Memory(unittest.TestCase):
         with open(out, "rb") as file, open(err, encoding="utf-8") as message:
             # The class names the copy of a compressed database that lies on no player, which has another name each time.
             text = re.sub(rb"zemhost-\w{6}", b"zemhost-COPY", file.read())
+            text = re.sub(rb"\nFree .*", b"", text)  # what others write to the disk meanwhile
             return process.returncode, text, message.read(), usage.ru_maxrss * 1024
 
     def test_compressed_databases_cost_twice_their_inflated_size_and_64_megabytes_at_most(self):
@@ -133,11 +134,12 @@ class Memory(unittest.TestCase):
             self.assertEqual(got[1].replace(b"packed", b"library").count(b"\n"), expected[1].count(b"\n"), command)
 
     def smallest_start(self):
-        """The smallest address space, in steps of 256 kB, in which the program starts at all."""
+        """An address space, in steps of 64 kB, in which the program starts at all: a step more than the smallest, since the
+        layout of a process differs by some pages from run to run, and the libraries end it where their own beginning fails."""
         limit = 4 * MEGABYTE
         while self.run_limited(["--version"], limit)[0] != 0:
-            limit += MEGABYTE // 4
-        return limit
+            limit += MEGABYTE // 16
+        return limit + MEGABYTE // 16
 
     def test_every_command_says_that_it_ran_out_of_memory(self):
         small = library([{"title": f"Song {i}", "artist": f"Artist {i % 9}", "album": "Album" * 20,
@@ -162,7 +164,7 @@ class Memory(unittest.TestCase):
                     else:
                         self.assertEqual((status, out, err), whole[:3], (path, command, limit))
                         well += 1
-                    limit += MEGABYTE // 6
+                    limit += MEGABYTE // 3
                 self.assertGreater(failures, 0, (path, command))
         self.assertGreater(named, 100)
 

@@ -134,7 +134,6 @@ CopiedContent copyContent(const carbon::Descriptor &source, const carbon::Descri
   const timespec times[] = {before.st_atim, before.st_mtim};
   // A file system that keeps no times is no reason to do without the copy.
   [[maybe_unused]] const int kept = futimens(copy.number(), times);
-  if (fsync(copy.number()) != 0 && errno != EINVAL) failTarget(errno);
   content.sha256 = reader.gaps().empty() ? sum.take() : sha256OnDisk(copy);
   return content;
 }

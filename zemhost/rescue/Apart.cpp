@@ -2,18 +2,21 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "host/Error.h"
+#include "zemhost/library/MemoryLimit.h"
 
 namespace zemhost {
 
 namespace {
 
 constexpr unsigned kSeconds = 60;
+constexpr uint64_t kMemory = uint64_t{128} << 20;
 constexpr int kThrew = 255;
 
 [[noreturn]] void workAndExit(const std::function<int()> &work) {
@@ -23,6 +26,7 @@ constexpr int kThrew = 255;
   setrlimit(RLIMIT_CORE, &noCore);
   setrlimit(RLIMIT_CPU, &time);
   alarm(kSeconds);
+  limitMemoryTo(kMemory);
   try {
     _exit(work());
   } catch (const std::exception &) {

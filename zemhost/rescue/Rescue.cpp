@@ -23,6 +23,7 @@
 #include "zemhost/rescue/PendingCopies.h"
 #include "zemhost/rescue/PlayerAnswer.h"
 #include "zemhost/rescue/Progress.h"
+#include "zemhost/rescue/ReadAhead.h"
 #include "zemhost/rescue/RescuePlan.h"
 #include "zemhost/rescue/RescueReport.h"
 #include "zemhost/rescue/RescuedCovers.h"
@@ -115,7 +116,9 @@ class Rescue {
                                 ": an interrupted run may have left it; it can go if no other is at work");
     }
     copies_.resize(plan_.files().size());
+    ReadAhead ahead(library_, plan_.files());
     for (size_t place = 0; place < copies_.size(); ++place) {
+      ahead.turnOf(place);
       if (tryToCopy(place, false)) tryToCopy(place, true);
     }
     try {

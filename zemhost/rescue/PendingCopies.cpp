@@ -17,7 +17,7 @@ bool PendingCopies::isFull() const {
 }
 
 void PendingCopies::add(Pending pending) {
-  destination_.close(pending.copy);
+  DestinationFolder::close(pending.copy);
   if (gathered_.empty()) begun_ = Clock::now();
   bytes_ += pending.bytes;
   gathered_.push_back(std::move(pending));

@@ -4,7 +4,7 @@
 _zemhost_options() {
   case $1 in
     '') echo '-h --help --version' ;;
-    check) echo '-h --help --json' ;;
+    check) echo '-h --help --read --json' ;;
     compare) echo '-h --help --by --json --encoding' ;;
     duplicates) echo '-h --help --length --loose --same-album --json --encoding' ;;
     export) echo '-h --help --format --excel -o --output --playlist --all-playlists --since-sync --fields --paths --encoding' ;;

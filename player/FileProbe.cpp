@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/carbon/Descriptor.h"
+#include "player/DiskImage.h"
 #include "player/FileBytes.h"
 #include "player/FileWord.h"
 #include "player/ForeignFile.h"
@@ -63,6 +64,8 @@ FileProbe probeOpenFile(int file, uint64_t size, const std::filesystem::path &na
   const bool bigEndian = tag == "hdfm";
   if (!littleEndian && !bigEndian) {
     const std::string foreign = foreignFileText(header, name);
+    const std::string image = foreign.empty() ? diskImageText(file, name.string()) : std::string();
+    if (!image.empty()) return unusable(image);
     if (foreign.empty()) return damaged("not an iTunesDB database");
     return unusable("it is " + foreign + "; name the player, or its iTunesDB");
   }
@@ -99,8 +102,12 @@ FileProbe probeFile(const std::filesystem::path &file) {
   struct stat status {};
   if (fstat(descriptor.number(), &status) != 0) return failed(errno);
   if (S_ISDIR(status.st_mode)) return failed(EISDIR);
-  if (!S_ISREG(status.st_mode)) return unusable("not a regular file");
   try {
+    if (!S_ISREG(status.st_mode)) {
+      const std::string disk =
+          S_ISBLK(status.st_mode) ? diskImageText(descriptor.number(), file.string()) : std::string();
+      return unusable(disk.empty() ? "not a regular file" : disk);
+    }
     return probeOpenFile(descriptor.number(), static_cast<uint64_t>(status.st_size), file);
   } catch (const std::system_error &error) {
     return failed(error.code().value());

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <system_error>
 #include <utility>
 
@@ -99,6 +100,17 @@ std::string contentOf(const fs::path &file) {
   return content.str();
 }
 
+// Whether the system has a driver, loaded or to be loaded; true where it does not say.
+bool hasDriver(const std::string &fileSystem, const MountSources &sources) {
+  const std::string loaded = contentOf(sources.fileSystems);
+  if (loaded.empty() || loaded.find("\t" + fileSystem + "\n") != std::string::npos) return true;
+  struct utsname system {};
+  if (uname(&system) != 0) return true;
+  const fs::path folder = sources.modules / static_cast<const char *>(system.release);
+  const std::string modules = contentOf(folder / "modules.dep") + contentOf(folder / "modules.builtin");
+  return modules.empty() || modules.find("/" + fileSystem + ".ko") != std::string::npos;
+}
+
 }  // namespace
 
 std::vector<MountedPlayer> mountedPlayers(const MountSources &sources) {
@@ -145,7 +157,8 @@ std::vector<UnmountedPlayer> unmountedPlayers(const MountSources &sources) {
     const std::string fileSystem = property(facts, "ID_FS_TYPE");
     const std::string device = std::string("/dev/").append(entry.filename().string());
     const bool saysSo = property(facts, "ID_MODEL").find("iPod") != std::string::npos;
-    if (saysSo && !fileSystem.empty() && !mounted.contains(device)) players.push_back({device, fileSystem});
+    if (saysSo && !fileSystem.empty() && !mounted.contains(device))
+      players.push_back({device, fileSystem, hasDriver(fileSystem, sources)});
   }
   return players;
 }

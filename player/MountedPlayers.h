@@ -19,7 +19,9 @@ struct MountSources {
   // Where desktops mount disks, for systems that say it in no such file, and for copies of players.
   std::vector<Folder> folders = {{"/media", 2}, {"/run/media", 2}, {"/mnt", 1}, {"/Volumes", 1}};
   std::filesystem::path blockDevices = "/sys/class/block";
-  std::filesystem::path udev = "/run/udev/data";  // what is known of each device
+  std::filesystem::path udev = "/run/udev/data";            // what is known of each device
+  std::filesystem::path fileSystems = "/proc/filesystems";  // whose drivers are loaded
+  std::filesystem::path modules = "/lib/modules";           // folders of drivers, by the system's release
 };
 
 struct MountedPlayer {
@@ -31,6 +33,7 @@ struct MountedPlayer {
 struct UnmountedPlayer {
   std::filesystem::path device;
   std::string fileSystem;
+  bool hasDriver = true;  // whether this system can mount it, as far as is known
 };
 
 // The folders with a player's control folder among the mounts of disks and in the folders of desktops, each

@@ -78,6 +78,8 @@ void addCheck(CLI::App &program, Action &action) {
       addCommand(program, action, "check",
                  "Account for every byte of a database, every entry and every song's file", checkDatabase);
   addPath(*command.app, command.arguments->path);
+  command->add_flag("--read", command.arguments->read,
+                    "Read every music file to its end, and report what cannot be read by its offset");
   command->add_flag("--json", command.arguments->json, "Report as one JSON object");
   command->footer(
       "Ends with 0 when all is accounted for, with 3 when something is wrong, and with 1 when the "
@@ -112,6 +114,7 @@ void addRescue(CLI::App &program, Action &action) {
       ->add_flag("--tags{missing}", arguments.tags,
                  "Write what the library says of a song into the tags of its copy where these lack it; "
                  "--tags=replace: in any case")
+      ->option_text("[=missing|replace]")
       ->check(CLI::IsMember({"missing", "replace"}));
   command->add_flag("--covers", arguments.covers,
                     "Write the cover of each album beside its songs, as cover.png");

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/utsname.h>
 #include <vector>
 
 #include "player/MountedPlayers.h"
@@ -23,8 +24,9 @@ class MountedPlayersTest : public testing::Test {
   }
 
   MountSources sources(const std::string &mounts, std::vector<MountSources::Folder> folders = {}) const {
-    return {folder_.write("mounts", mounts), std::move(folders), folder_.path() / "block",
-            folder_.path() / "udev"};
+    return {folder_.write("mounts", mounts), std::move(folders),
+            folder_.path() / "block",        folder_.path() / "udev",
+            folder_.path() / "filesystems",  folder_.path() / "modules"};
   }
 
   static std::vector<std::string> rootsOf(const std::vector<MountedPlayer> &players) {
@@ -113,6 +115,24 @@ TEST_F(MountedPlayersTest, PlayerThatIsConnectedAndNotMountedIsNamed) {
   EXPECT_EQ(found[0].device, "/dev/sdb2");
   EXPECT_EQ(found[0].fileSystem, "hfsplus");
   EXPECT_THAT(unmountedPlayers(sources("/dev/sdb2 /x hfsplus ro 0 0\n")), IsEmpty());
+}
+
+TEST_F(MountedPlayersTest, DriverIsMissingWhereItIsNeitherLoadedNorAmongTheModules) {
+  addDevice("sdb2", "8:18", "E:ID_MODEL=iPod\nE:ID_FS_TYPE=hfsplus\n");
+  const auto hasDriver = [&] { return unmountedPlayers(sources("")).at(0).hasDriver; };
+  EXPECT_TRUE(hasDriver());  // nothing is known
+  struct utsname system {};
+  ASSERT_EQ(uname(&system), 0);
+  const std::string modules = std::string("modules/") + static_cast<const char *>(system.release);
+  folder_.write("filesystems", "nodev\tproc\n\text4\n");
+  EXPECT_TRUE(hasDriver());  // of modules nothing is known
+  folder_.write(modules + "/modules.dep", "kernel/fs/hfs/hfs.ko: \n");
+  EXPECT_FALSE(hasDriver());
+  folder_.write(modules + "/modules.dep", "kernel/fs/hfsplus/hfsplus.ko.xz: \n");
+  EXPECT_TRUE(hasDriver());
+  folder_.write(modules + "/modules.dep", "kernel/fs/hfs/hfs.ko: \n");
+  folder_.write("filesystems", "nodev\tproc\n\thfsplus\n");
+  EXPECT_TRUE(hasDriver());
 }
 
 TEST_F(MountedPlayersTest, NothingIsFoundWhereTheSystemSaysNothing) {

@@ -49,6 +49,10 @@ int linkat(int oldFolder, const char *oldName, int newFolder, const char *newNam
   return static_cast<int>(syscall(SYS_linkat, oldFolder, oldName, newFolder, newName, flags));
 }
 
+int syncfs(int file) noexcept {
+  return isBroken(" syncfs ") ? fail(EIO) : static_cast<int>(syscall(SYS_syncfs, file));
+}
+
 // What was written is lost, as where a server finds no room for it at last.
 int close(int file) {
   const bool lost = isBroken(" close ") && isPartial(file);

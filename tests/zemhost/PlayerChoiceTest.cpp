@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/utsname.h>
 
 #include "host/Error.h"
 #include "tests/support/TemporaryFolder.h"
@@ -24,7 +25,9 @@ class PlayerChoiceTest : public testing::Test {
   }
 
   player::MountSources sources(const std::string &mounts) {
-    return {folder_.write("mounts", mounts), {}, folder_.path() / "block", folder_.path() / "udev"};
+    return {folder_.write("mounts", mounts), {},
+            folder_.path() / "block",        folder_.path() / "udev",
+            folder_.path() / "filesystems",  folder_.path() / "modules"};
   }
 
   std::string refusal(const std::string &mounts) {
@@ -69,6 +72,20 @@ TEST_F(PlayerChoiceTest, PlayerThatIsNotMountedIsNamedWithHowToMountIt) {
                         "/dev/sdb2 does it, read-only if it has a journal"));
   folder_.write("udev/b8:18", "E:ID_MODEL=iPod\nE:ID_FS_TYPE=vfat\n");
   EXPECT_THAT(refusal(""), testing::EndsWith("udisksctl mount -b /dev/sdb2"));
+}
+
+TEST_F(PlayerChoiceTest, PlayerWhoseFileSystemHasNoDriverIsNamedWithWhatIsMissing) {
+  folder_.write("block/sdb2/dev", "8:18\n");
+  folder_.write("udev/b8:18", "E:ID_MODEL=iPod\nE:ID_FS_TYPE=hfsplus\n");
+  folder_.write("filesystems", "\text4\n");
+  struct utsname system {};
+  ASSERT_EQ(uname(&system), 0);
+  folder_.write("modules/" + std::string(static_cast<const char *>(system.release)) + "/modules.dep",
+                "x.ko:\n");
+  EXPECT_EQ(
+      refusal(""),
+      "no player is mounted; mount one, or give its PATH; /dev/sdb2 (hfsplus) is a player that is not "
+      "mounted: this system has no driver for its file system; install the extra modules of its kernel");
 }
 
 }  // namespace

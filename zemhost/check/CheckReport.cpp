@@ -35,7 +35,8 @@ std::string filesText(const LibraryAccount &library) {
   if (!library.filesLeftOut.empty()) return "not looked at: " + library.filesLeftOut;
   return std::to_string(library.filesThere) + " of " +
          countText(library.filesThere + library.filesMissing, "song has its file", "songs have theirs") +
-         ", " + countText(library.filesUnnamed, "file is", "files are") + " named by no song";
+         ", " + countText(library.filesUnnamed, "file is", "files are") + " named by no song" +
+         (library.filesRead ? "; all were read to their ends" : "; --read reads them to their ends");
 }
 
 std::string shuffleText(const ShuffleAccount &shuffle) {
@@ -191,6 +192,7 @@ void writeJson(const CheckReport &report, std::ostream &out) {
     json["files"]["missing"] = library.filesMissing;
     json["files"]["unnamed"] = library.filesUnnamed;
     json["files"]["longer"] = library.filesLong;
+    json["files"]["read"] = library.filesRead;
   } else {
     json["files"]["reason"] = library.filesLeftOut;
   }

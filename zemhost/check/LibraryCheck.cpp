@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <set>
+#include <sys/stat.h>
 #include <system_error>
 #include <vector>
 
 #include "player/FileBytes.h"
 #include "player/MusicFiles.h"
 #include "zemhost/check/SongComparison.h"
+#include "zemhost/library/PatientReader.h"
 #include "zemhost/library/Phrases.h"
 
 namespace zemhost {
@@ -20,7 +23,8 @@ namespace {
 
 class Check {
  public:
-  Check(const MusicLibrary &library, player::Findings &findings) : library_(library), findings_(findings) {}
+  Check(const MusicLibrary &library, bool readFiles, player::Findings &findings)
+      : library_(library), readFiles_(readFiles), findings_(findings) {}
 
   LibraryAccount run() {
     const fs::path &root = library_.location().volumeRoot;
@@ -29,6 +33,7 @@ class Check {
     } else if (library_.form() == LibraryForm::Desktop) {
       account_.filesLeftOut = "a desktop library names files of another machine";
     }
+    account_.filesRead = readFiles_ && account_.filesLeftOut.empty();
     checkSongs();
     checkPlaylists();
     if (account_.filesLeftOut.empty()) checkMusicFolder(root);
@@ -71,10 +76,14 @@ class Check {
     const SongFile file = library_.file(song.path);
     if (file.isThere()) {
       ++account_.filesThere;
-      named_.insert(file.path.string());
+      const bool isNew = named_.insert(file.path.string()).second;
       compareSize(index, song, file);
-      if (const int error = errorOfReading(file); error != 0)
+      const carbon::Descriptor open = library_.open(file);
+      if (const int error = errorOfReading(open); error != 0) {
         add(player::FindingKind::Unreadable, unreadableText(index, song, file, error));
+      } else if (readFiles_ && isNew) {
+        readWhole(open, file.size, songLabel(index, song) + ": " + file.path.string());
+      }
       return;
     }
     ++account_.filesMissing;
@@ -95,8 +104,7 @@ class Check {
   }
 
   // 0 when the first byte can be read.
-  int errorOfReading(const SongFile &file) const {
-    const carbon::Descriptor open = library_.open(file);
+  static int errorOfReading(const carbon::Descriptor &open) {
     if (!open) return errno;
     try {
       player::readAt(open.number(), 0, 1);
@@ -104,6 +112,13 @@ class Check {
       return error.code().value();
     }
     return 0;
+  }
+
+  void readWhole(const carbon::Descriptor &open, uint64_t size, const std::string &label) {
+    PatientReader reader(open, size);
+    for (uint64_t at = 0; at < size && !reader.block(at).empty(); at += PatientReader::kBlock) {
+    }
+    if (!reader.gaps().empty()) add(player::FindingKind::Unreadable, label + ": " + gapsText(reader.gaps()));
   }
 
   void checkPlaylists() {
@@ -146,6 +161,7 @@ class Check {
       if (named_.contains(file.string())) return;
       ++account_.filesUnnamed;
       if (unnamed.size() < player::Findings::kKept) unnamed.push_back(file.string());
+      if (readFiles_) readUnnamed(file);
     };
     sink.onFailure = [&](const fs::path &path, int error) {
       add(player::FindingKind::Unreadable,
@@ -157,7 +173,19 @@ class Check {
       add(player::FindingKind::UnnamedFile, "no song names the file " + file);
   }
 
+  void readUnnamed(const fs::path &file) {
+    const carbon::Descriptor open(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (open && fstat(open.number(), &status) == 0) {
+      readWhole(open, static_cast<uint64_t>(status.st_size), file.string());
+    } else {
+      add(player::FindingKind::Unreadable,
+          file.string() + " cannot be read: " + std::generic_category().message(errno));
+    }
+  }
+
   const MusicLibrary &library_;
+  bool readFiles_;
   player::Findings &findings_;
   LibraryAccount account_;
   std::set<std::string> named_;  // files that songs name, as the system calls them
@@ -165,8 +193,8 @@ class Check {
 
 }  // namespace
 
-LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings) {
-  return Check(library, findings).run();
+LibraryAccount checkLibrary(const MusicLibrary &library, bool readFiles, player::Findings &findings) {
+  return Check(library, readFiles, findings).run();
 }
 
 }  // namespace zemhost

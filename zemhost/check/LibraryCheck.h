@@ -15,6 +15,7 @@ struct LibraryAccount {
   uint64_t lossyTexts = 0;
   uint64_t entriesWithoutSong = 0;
   std::string filesLeftOut;  // why no files were looked at; empty when they were
+  bool filesRead = false;    // to their ends
   uint64_t filesThere = 0;   // of the songs
   uint64_t filesMissing = 0;
   uint64_t filesUnnamed = 0;         // in the music folder
@@ -23,8 +24,8 @@ struct LibraryAccount {
 };
 
 // Looks at every song, its texts and its file, at every playlist entry, and at every file of the music
-// folder; of a song's file the first bytes are read. The files are left out for a library that is on no
-// player. Adds what is wrong to `findings`, and so what cannot be read.
-LibraryAccount checkLibrary(const MusicLibrary &library, player::Findings &findings);
+// folder. Of a song's file the first byte is read, and with `readFiles` every file to its end. The files are
+// left out for a library that is on no player. Adds what is wrong to `findings`, and so what cannot be read.
+LibraryAccount checkLibrary(const MusicLibrary &library, bool readFiles, player::Findings &findings);
 
 }  // namespace zemhost

@@ -47,7 +47,7 @@ void addSalvage(const SalvageReport &salvage, player::Findings &findings) {
   findings.add(player::FindingKind::DamagedFile, "the file is damaged: " + salvage.text());
 }
 
-CheckReport checkLoaded(OpenDatabase database) {
+CheckReport checkLoaded(OpenDatabase database, bool readFiles) {
   CheckReport report{database.location, {}, database.compressed, database.account, {}, {}, {}, {}, {}, {}};
   report.salvage = database.salvage;
   if (report.salvage) report.file = report.salvage->original;
@@ -66,7 +66,7 @@ CheckReport checkLoaded(OpenDatabase database) {
   report.form = library.form();
   report.reconciliation = reconcile(report.file, *library.object());
   if (!report.salvage) addDifferences(report.reconciliation, library, report.file, report.findings);
-  report.library = checkLibrary(library, report.findings);
+  report.library = checkLibrary(library, readFiles, report.findings);
   report.shuffle = checkShuffle(library, report.findings);
   checkCovers(library, report.findings);
   return report;
@@ -80,7 +80,7 @@ uint64_t rowsOf(const player::SqliteLibrary &library, std::string_view table) {
   return found == tables.end() ? 0 : found->rows;
 }
 
-CheckReport checkSqlite(const player::DatabaseLocation &location) {
+CheckReport checkSqlite(const player::DatabaseLocation &location, bool readFiles) {
   const auto files = readSqliteLibrary(location);
   const MusicLibrary library(Host::load(), std::make_shared<const SqliteSource>(location, files));
   CheckReport report{location, LibraryForm::Sqlite, false, {}, files->tables(), {}, {}, {},
@@ -93,7 +93,7 @@ CheckReport checkSqlite(const player::DatabaseLocation &location) {
       {"songs", 0, rowsOf(*files, "item"), files->songs().size()},
       {"playlists", 0, rowsOf(*files, "container") - files->categories(), files->lists().size()},
       {"entries", 0, rowsOf(*files, "item_to_container"), entries}};
-  report.library = checkLibrary(library, report.findings);
+  report.library = checkLibrary(library, readFiles, report.findings);
   checkCovers(library, report.findings);
   return report;
 }
@@ -110,8 +110,9 @@ void checkDevice(const std::filesystem::path &root, player::Findings &findings) 
 int checkDatabase(const CheckArguments &arguments) {
   setMemorySubject(safeText(arguments.path));
   const player::DatabaseLocation location = player::locateDatabase(arguments.path);
-  CheckReport report =
-      location.isSqlite() ? checkSqlite(location) : checkLoaded(loadOrSalvage(Host::load(), arguments.path));
+  CheckReport report = location.isSqlite()
+                           ? checkSqlite(location, arguments.read)
+                           : checkLoaded(loadOrSalvage(Host::load(), arguments.path), arguments.read);
   checkDevice(location.volumeRoot, report.findings);
   if (arguments.json) {
     writeJson(report, std::cout);

@@ -50,6 +50,7 @@ int listPlaylist(const PlaylistArguments &arguments);
 
 struct CheckArguments {
   std::string path;
+  bool read = false;  // every music file to its end
   bool json = false;
 };
 int checkDatabase(const CheckArguments &arguments);

@@ -18,6 +18,7 @@
 #include "zemhost/commands/FilesSummary.h"
 #include "zemhost/commands/OpenAndWarn.h"
 #include "zemhost/commands/SongTable.h"
+#include "zemhost/library/OpenLibrary.h"
 #include "zemhost/library/PlaylistChoice.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
@@ -88,7 +89,13 @@ MusicLibrary openToRescue(const RescueArguments &arguments, RescueRequest &reque
   const bool isAll = arguments.playlists.empty();
   std::optional<MusicLibrary> library;
   try {
-    library = openAndWarn(arguments.path);
+    const OpenedLibrary opened = openLibrary(Host::load(), arguments.path);
+    for (const std::string &warning : opened.warnings) printError(warning);
+    library = opened.library;
+    if (opened.salvage && opened.salvage->isShort()) {
+      request.problems.push_back(library->location().name +
+                                 ": the file is damaged: " + opened.salvage->text());
+    }
   } catch (const HostError &error) {
     if (!isAll) throw;
     return withoutDatabase(arguments.path, error.what(), request);

@@ -55,6 +55,7 @@ PendingFile::PendingFile(fs::path target) : target_(std::move(target)) {
 
 void PendingFile::commit() {
   if (fsync(descriptor()) != 0) throw HostError(target_.string(), errno);
+  const carbon::Descriptor locked(dup(descriptor()));  // until it has its name
   if (close(file_.content.release()) != 0) throw HostError(target_.string(), errno);
   const carbon::Descriptor folder(open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (replaces_) {

@@ -1,7 +1,6 @@
 #include "zemhost/files/Signals.h"
 
 #include <atomic>
-#include <csignal>
 #include <cstring>
 #include <unistd.h>
 

@@ -2,6 +2,8 @@
 
 // How the program ends when a signal asks it to.
 
+#include <csignal>
+
 namespace zemhost {
 
 // From here on Ctrl-C, SIGTERM and SIGHUP remove what every TemporaryPath owns, write one line to standard
@@ -14,5 +16,21 @@ void handleSignals();
 // whether a line without an end stands on the terminal, which must be ended first.
 void setInterruptionAdvice(const char *text);
 void setLineOpen(bool open);
+
+// While one lives, no signal reaches the thread that made it.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsHeld(const SignalsHeld &) = delete;
+  SignalsHeld &operator=(const SignalsHeld &) = delete;
+  ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
 
 }  // namespace zemhost

@@ -5,13 +5,15 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "platform/carbon/Descriptor.h"
 
 namespace zemhost {
 
-// Owns one file or empty directory of the file system: removes it when it goes out of scope, and also when a
-// signal that handleSignals() knows ends the program. At most a handful can live at a time.
+// Owns one file of the file system, or one directory with the files in it: removes it when it goes out of
+// scope, and also when a signal that handleSignals() knows ends the program. At most a handful can live at a
+// time.
 class TemporaryPath {
  public:
   // Owns nothing.
@@ -30,9 +32,7 @@ class TemporaryPath {
   void remove() noexcept;
   // Lets it live, after it was given its final name.
   void keep() noexcept;
-  // Gives it its final name in an open folder, and lets it live. What has the name is never replaced, not
-  // even where another program takes it at the same moment. Throws std::system_error; EEXIST for a name that
-  // is taken.
+  // Gives it its final name in an open folder as giveName() does, and lets it live.
   void nameAs(int folder, const std::string &name);
 
  private:
@@ -42,14 +42,30 @@ class TemporaryPath {
   size_t slot_ = kNone;
 };
 
+// Gives a file of an open folder its final name in another. What has the name is never replaced, not even
+// where another program takes it at the same moment. Throws std::system_error; EEXIST for a name that is
+// taken.
+void giveName(int from, const std::string &file, int folder, const std::string &name);
+
 // A new empty file that nobody else writes, with a name of its own in a folder.
 struct TemporaryFile {
   TemporaryPath path;
   carbon::Descriptor content;  // for reading and writing
 };
 
-// Throws std::system_error when it cannot be made, HostError as TemporaryPath does.
+// Throws std::system_error when it cannot be made, HostError as TemporaryPath does. Where the file system
+// knows locks it is locked as long as it is open: see Leftovers.h.
 TemporaryFile makeTemporaryFile(const std::filesystem::path &folder);
+
+// The same of a directory, for files that are to be given their names; open for reading.
+TemporaryFile makeTemporaryFolder(const std::filesystem::path &folder);
+
+// Whether a name is of the form that these two give.
+bool isTemporaryName(std::string_view name);
+
+// Removes a file of an open folder, or a directory with the files in it; false when it stays. May be called
+// from a signal handler.
+bool removeTemporary(int folder, const char *name) noexcept;
 
 // A new directory for this program alone (mode 0700) under the variable TMPDIR, else under /tmp. Throws
 // HostError, naming the place, when it cannot be made.

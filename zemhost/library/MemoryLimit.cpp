@@ -40,11 +40,15 @@ uint64_t memoryNow() {
 
 bool limitMemoryFor(uint64_t inflatedSize) {
   liftMemoryLimit();
+  return limitMemoryTo(kTimesInflated * inflatedSize + kBesides);
+}
+
+bool limitMemoryTo(uint64_t more) {
   const uint64_t now = kCanBeLimited ? memoryNow() : 0;
   rlimit limit{};
   if (now == 0 || getrlimit(RLIMIT_DATA, &limit) != 0) return false;
   const rlimit before = limit;
-  const uint64_t most = now + kTimesInflated * inflatedSize + kBesides;
+  const uint64_t most = now + more;
   if (most >= limit.rlim_cur) return false;
   limit.rlim_cur = most;
   if (setrlimit(RLIMIT_DATA, &limit) != 0) return false;

@@ -23,6 +23,8 @@ struct SalvageReport {
   std::string refusal;           // why the class does not load the file itself; empty when it does
   player::FileAccount original;  // of the damaged content
 
+  // Whether songs were lost, or may have been.
+  bool isShort() const { return announced != songs; }
   // "1998 of 2006 songs and 12 playlists were found by salvage".
   std::string text() const;
 };

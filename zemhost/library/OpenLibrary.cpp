@@ -21,7 +21,8 @@ OpenedLibrary openLibrary(const Host &host, const std::filesystem::path &path) {
   if (!location.isSqlite()) {
     OpenDatabase database = loadOrSalvage(host, path);
     std::vector<std::string> warnings = warningsOf(database, path);
-    return {MusicLibrary(std::move(database)), std::move(warnings)};
+    auto salvage = database.salvage;
+    return {MusicLibrary(std::move(database)), std::move(warnings), std::move(salvage)};
   }
   setMemorySubject(safeText(location.name));
   const auto library = readSqliteLibrary(location);

@@ -9,12 +9,14 @@
 
 #include "player/SqliteLibrary.h"
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/library/OpenDatabase.h"
 
 namespace zemhost {
 
 struct OpenedLibrary {
   MusicLibrary library;
-  std::vector<std::string> warnings;  // a line each; none unless there is something to say
+  std::vector<std::string> warnings;               // a line each; none unless there is something to say
+  std::shared_ptr<const SalvageReport> salvage{};  // of a damaged database; nullptr otherwise
 };
 
 // Finds the database that the path stands for and opens it: through the class, or, where it is a newest

@@ -13,7 +13,12 @@ std::string noneText(const player::MountSources &sources) {
   for (const player::UnmountedPlayer &player : player::unmountedPlayers(sources)) {
     const std::string device = player.device.string();
     text.append("; ").append(device).append(" (").append(player.fileSystem);
-    text.append(") is a player that is not mounted: udisksctl mount -b ").append(device);
+    text.append(") is a player that is not mounted: ");
+    if (!player.hasDriver) {
+      text += "this system has no driver for its file system; install the extra modules of its kernel";
+      continue;
+    }
+    text.append("udisksctl mount -b ").append(device);
     if (player.fileSystem == "hfsplus")
       text += " does it, read-only if it has a journal, which is enough for zemhost";
   }

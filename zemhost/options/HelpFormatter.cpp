@@ -46,7 +46,14 @@ std::string HelpFormatter::make_option_usage(const CLI::Option *option) const {
 }
 
 std::string HelpFormatter::make_option(const CLI::Option *option, bool isPositional) const {
-  return entry(make_option_name(option, isPositional) + make_option_opts(option), make_option_desc(option));
+  std::string name = make_option_name(option, isPositional);
+  std::string rest = make_option_opts(option);
+  // The parser writes what a flag stands for without a value into its name: "--tags{missing}".
+  if (const size_t brace = name.find('{'); brace != std::string::npos) {
+    name.erase(brace);
+    rest.erase(0, rest.find_first_not_of(' '));
+  }
+  return entry(name + rest, make_option_desc(option));
 }
 
 }  // namespace zemhost

@@ -2,27 +2,32 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "host/Error.h"
+#include "zemhost/library/MemoryLimit.h"
 
 namespace zemhost {
 
 namespace {
 
-constexpr unsigned kSeconds = 60;
+constexpr unsigned kSeconds = 60;  // a disk that fails takes long
+constexpr rlim_t kProcessorSeconds = 5;
+constexpr uint64_t kMemory = uint64_t{128} << 20;
 constexpr int kThrew = 255;
 
 [[noreturn]] void workAndExit(const std::function<int()> &work) {
   for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGALRM, SIGXCPU}) signal(number, SIG_DFL);
   const rlimit noCore{0, 0};
-  const rlimit time{kSeconds, kSeconds};
+  const rlimit time{kProcessorSeconds, kProcessorSeconds};
   setrlimit(RLIMIT_CORE, &noCore);
   setrlimit(RLIMIT_CPU, &time);
   alarm(kSeconds);
+  limitMemoryTo(kMemory);
   try {
     _exit(work());
   } catch (const std::exception &) {

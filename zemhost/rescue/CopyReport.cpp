@@ -156,9 +156,10 @@ void CopyReport::add(const CopyRecord &record) {
                {"sha256", record.sha256}};
   for (const Gap &gap : record.gaps) json["unread"].push_back({gap.offset, gap.size});
   if (record.taggedSize != 0) json["tagged_size"] = record.taggedSize;
-  json["song"] = Json::parse(record.song);
   std::string line = std::exchange(endsInALine_, true) ? "" : "\n";
-  line.append(lineOf(json)).append("\n");
+  line.append(lineOf(json));
+  line.pop_back();  // the song is JSON already
+  line.append(",\"song\":").append(record.song).append("}\n");
   writeAll(file_.number(), line, (destination_.path() / name_).string());
   remember(record);
 }

@@ -10,6 +10,7 @@
 
 #include "host/Error.h"
 #include "zemhost/files/Beneath.h"
+#include "zemhost/files/Leftovers.h"
 
 namespace zemhost {
 
@@ -49,7 +50,8 @@ std::string lastOf(const std::string &name) { return name.substr(name.rfind('/')
 
 }  // namespace
 
-DestinationFolder::DestinationFolder(fs::path path, const fs::path &playerRoot) : path_(std::move(path)) {
+DestinationFolder::DestinationFolder(fs::path path, const fs::path &playerRoot)
+    : path_(std::move(path)), parts_(std::make_unique<PartFolder>(path_)) {
   if (!playerRoot.empty()) {
     playerRoot_ = carbon::Descriptor(::open(playerRoot.c_str(), kLookUpOnly));
     struct stat above {};
@@ -75,6 +77,7 @@ void DestinationFolder::make() {
   // Where a file system knows no locks, there is none.
   if (flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
     throw HostError(path_.string() + ": another rescue is writing here");
+  leftovers_ = removeLeftovers(folder_.number());
 }
 
 std::optional<uint64_t> DestinationFolder::bytesFree() const {
@@ -86,15 +89,20 @@ std::optional<uint64_t> DestinationFolder::bytesFree() const {
 // Decided by what the folders are, whatever names and links led there.
 bool DestinationFolder::liesOnPlayer(int folder) const {
   if (!playerRoot_) return false;
-  carbon::Descriptor here(openat(folder, ".", kLookUpOnly));
-  if (!here) return false;
-  struct stat status = statusOfOpen(here.number());
+  if (folder < 0) return false;
+  struct stat status = statusOfOpen(folder);
+  const std::pair<dev_t, ino_t> identity(status.st_dev, status.st_ino);
+  if (elsewhere_.contains(identity)) return false;
   if (playerIsMounted_ && status.st_dev == player_.st_dev) return true;
+  carbon::Descriptor here;
   while (!isSame(status, player_)) {
-    carbon::Descriptor above(openat(here.number(), "..", kLookUpOnly));
+    carbon::Descriptor above(openat(here ? here.number() : folder, "..", kLookUpOnly));
     if (!above) return false;
     const struct stat next = statusOfOpen(above.number());
-    if (isSame(next, status)) return false;  // the root of the machine
+    if (isSame(next, status)) {  // the root of the machine
+      elsewhere_.insert(identity);
+      return false;
+    }
     here = std::move(above);
     status = next;
   }
@@ -142,9 +150,21 @@ carbon::Descriptor DestinationFolder::open(const std::string &name) const {
 DestinationFolder::NewCopy DestinationFolder::copy(const carbon::Descriptor &source,
                                                    const std::function<void(uint64_t)> &onBytes) const {
   try {
-    NewCopy copy{makeTemporaryFile(path_), {}};
-    copy.content = copyContent(source, copy.file.content, onBytes);
+    NewCopy copy{parts_->make(), {}};
+    copy.content = copyContent(source, copy.part.content(), onBytes);
     return copy;
+  } catch (const std::system_error &error) {
+    failTarget(error.code().value());
+  }
+}
+
+void DestinationFolder::sync() const {
+  if (const int error = parts_->sync({}); error != 0) failTarget(error);
+}
+
+void DestinationFolder::close(NewCopy &copy) {
+  try {
+    copy.part.close();
   } catch (const std::system_error &error) {
     failTarget(error.code().value());
   }
@@ -152,10 +172,8 @@ DestinationFolder::NewCopy DestinationFolder::copy(const carbon::Descriptor &sou
 
 void DestinationFolder::name(NewCopy &copy, const std::string &name) const {
   try {
-    // Some file systems report only now what they could not store.
-    if (copy.file.content && close(copy.file.content.release()) != 0) failTarget(errno);
     const carbon::Descriptor folder = folderOf(name, true);
-    copy.file.path.nameAs(folder.number(), lastOf(name));
+    copy.part.nameAs(folder.number(), lastOf(name));
   } catch (const std::system_error &error) {
     failTarget(error.code().value());
   }
@@ -164,6 +182,8 @@ void DestinationFolder::name(NewCopy &copy, const std::string &name) const {
 void DestinationFolder::add(const carbon::Descriptor &source, const std::string &name) const {
   NewCopy copy = this->copy(source, [](uint64_t) {});
   if (!copy.content.gaps.empty()) throw CopyFailure(kThisFile, EIO);
+  if (fsync(copy.part.content().number()) != 0 && errno != EINVAL) failTarget(errno);
+  close(copy);
   this->name(copy, name);
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/carbon/Descriptor.h"
-#include "zemhost/rescue/PatientReader.h"
+#include "zemhost/library/PatientReader.h"
 
 namespace zemhost {
 
@@ -50,9 +50,10 @@ struct CopiedContent {
   uint64_t taggedSize = 0;  // of the copy, where tags were written into it since
 };
 
-// Copies the bytes of `source` to `copy`, which is empty, brings them to the disk, and gives it the source's
-// times. What cannot be read at first is tried again, at last when all else has been read. `onBytes` gets the
-// number of bytes that came through, again and again. Throws CopyFailure, also when nothing can be read.
+// Copies the bytes of `source` to `copy`, which is empty, and gives it the source's times; they need not be
+// on the disk yet. What cannot be read at first is tried again, at last when all else has been read.
+// `onBytes` gets the number of bytes that came through, again and again. Throws CopyFailure, also when
+// nothing can be read.
 CopiedContent copyContent(const carbon::Descriptor &source, const carbon::Descriptor &copy,
                           const std::function<void(uint64_t)> &onBytes);
 

@@ -10,6 +10,7 @@
 #include <taglib/tag.h>
 #include <taglib/tfilestream.h>
 #include <taglib/tpropertymap.h>
+#include <taglib/wavfile.h>
 #include <unistd.h>
 
 #include "host/Error.h"
@@ -34,6 +35,13 @@ TagLib::String first(const TagLib::PropertyMap &properties, const char *name) {
   return values.isEmpty() ? TagLib::String() : values.front();
 }
 
+// Of the two kinds of tags in WAV files the library gives one alone, though it be empty.
+const TagLib::Tag &tagOf(const TagLib::FileRef &reference) {
+  const auto *const wav = dynamic_cast<const TagLib::RIFF::WAV::File *>(reference.file());
+  if (wav != nullptr && !wav->hasID3v2Tag() && wav->hasInfoTag()) return *wav->InfoTag();
+  return *reference.tag();
+}
+
 // What the library for tags finds, as JSON: it is found in another process than it is needed in.
 Answer foundIn(int file) {
   Answer found = Answer::object();
@@ -41,7 +49,7 @@ Answer foundIn(int file) {
   TagLib::FileStream stream(dup(file), true);
   const TagLib::FileRef reference(&stream);
   if (reference.isNull() || reference.tag() == nullptr) return found;
-  const TagLib::Tag &tag = *reference.tag();
+  const TagLib::Tag &tag = tagOf(reference);
   set(found["title"], tag.title());
   set(found["artist"], tag.artist());
   set(found["album"], tag.album());

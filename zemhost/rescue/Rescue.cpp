@@ -2,18 +2,15 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <fcntl.h>
 #include <iostream>
 #include <optional>
 #include <sys/stat.h>
-#include <thread>
-#include <unistd.h>
 #include <utility>
 
 #include "host/Error.h"
 #include "zemhost/files/Signals.h"
 #include "zemhost/library/ListedSongs.h"
+#include "zemhost/library/PatientReader.h"
 #include "zemhost/library/Phrases.h"
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
@@ -23,7 +20,10 @@
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/ListExport.h"
+#include "zemhost/rescue/PendingCopies.h"
+#include "zemhost/rescue/PlayerAnswer.h"
 #include "zemhost/rescue/Progress.h"
+#include "zemhost/rescue/ReadAhead.h"
 #include "zemhost/rescue/RescuePlan.h"
 #include "zemhost/rescue/RescueReport.h"
 #include "zemhost/rescue/RescuedCovers.h"
@@ -33,42 +33,6 @@ namespace zemhost {
 
 namespace {
 
-// Whether a file of the player, or a folder, can be read from its disk, at once or after a moment: a player
-// whose cable was touched comes back by itself.
-enum class Answer { AtOnce, AfterAMoment, None };
-Answer answerOf(const std::filesystem::path &file) {
-  constexpr int kAttempts = 3;
-  constexpr std::chrono::milliseconds kPause(1000);
-  for (int tries = 0; tries < kAttempts; ++tries) {
-    if (tries > 0) std::this_thread::sleep_for(kPause);
-    const carbon::Descriptor open(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!open) continue;
-    // What the system keeps in memory would be read from a player that is gone, too.
-    [[maybe_unused]] const int advised = posix_fadvise(open.number(), 0, 0, POSIX_FADV_DONTNEED);
-    char byte = 0;
-    if (pread(open.number(), &byte, 1, 0) >= 0 || errno == EISDIR)
-      return tries == 0 ? Answer::AtOnce : Answer::AfterAMoment;
-  }
-  return Answer::None;
-}
-
-// "4096 bytes at 8192 and 512 bytes at 40960 cannot be read".
-std::string gapsText(const std::vector<Gap> &gaps) {
-  constexpr size_t kShown = 5;
-  std::string text;
-  for (size_t i = 0; i < std::min(gaps.size(), kShown); ++i) {
-    text.append(i == 0 ? "" : ", ").append(countText(gaps[i].size, "byte", "bytes"));
-    text.append(" at ").append(std::to_string(gaps[i].offset));
-  }
-  if (gaps.size() > kShown) {
-    uint64_t rest = 0;
-    for (size_t i = kShown; i < gaps.size(); ++i) rest += gaps[i].size;
-    text += " and " + countText(rest, "byte", "bytes") + " at " +
-            countText(gaps.size() - kShown, "more place", "more places");
-  }
-  return text + " cannot be read";
-}
-
 class Rescue {
  public:
   Rescue(const MusicLibrary &library, const RescueRequest &request)
@@ -76,7 +40,8 @@ class Rescue {
         request_(request),
         destination_(request.destination, library.location().volumeRoot),
         report_(destination_),
-        plan_(library, request.pattern, destination_, report_) {}
+        plan_(library, request.pattern, destination_, report_),
+        pending_(destination_, [this](PendingCopies::Pending &pending) { settle(pending); }) {}
 
   RescueResult run() {
     if (library_.location().volumeRoot.empty() && library_.form() != LibraryForm::Desktop) {
@@ -145,34 +110,69 @@ class Rescue {
 
   void copySongs() {
     Progress progress(plan_.songsLeft(), plan_.bytesLeft());
-    copies_.resize(plan_.files().size());
-    for (size_t place = 0; place < copies_.size(); ++place) {
-      if (tryToCopy(place, progress, false)) tryToCopy(place, progress, true);
+    progress_ = &progress;
+    for (const std::string &name : destination_.leftovers()) {
+      result_.remarks.push_back((destination_.path() / name).string() +
+                                ": an interrupted run may have left it; it can go if no other is at work");
     }
+    copies_.resize(plan_.files().size());
+    ReadAhead ahead(library_, plan_.files());
+    for (size_t place = 0; place < copies_.size(); ++place) {
+      ahead.turnOf(place);
+      if (tryToCopy(place, false)) tryToCopy(place, true);
+    }
+    try {
+      pending_.finish();
+      destination_.sync();
+    } catch (const CopyFailure &failure) {
+      fail(failure);
+    }
+    progress_ = nullptr;
   }
 
   // Whether it is worth trying again, since the player was away for a moment.
-  bool tryToCopy(size_t place, Progress &progress, bool isLast) {
+  bool tryToCopy(size_t place, bool isLast) {
     const PlannedFile &file = plan_.files()[place];
     try {
-      const bool isNew = copySong(place, progress);
-      copies_[place].isThere = true;
-      ++(isNew ? result_.copied : result_.alreadyThere);
-      if (isNew) {
-        result_.copiedBytes += file.source.size;
-        progress.addSong(file.target);
-      } else {
-        lookAgain(place);
-      }
-      addToReport(file, copies_[place]);
+      if (!file.there) copySong(place);
+      if (file.there) arrive(place, false);
     } catch (const CopyFailure &failure) {
-      if (failure.reach() == CopyFailure::Reach::Destination)
-        stop(request_.destination.string() + ": " + failure.what());
+      if (failure.reach() == CopyFailure::Reach::Destination) fail(failure);
       const bool wasAway = std::exchange(wasAway_, false) || stopIfPlayerIsGone(failure.what());
       if (wasAway && !copies_[place].isThere && !isLast) return true;
       result_.problems.push_back(labelOf(file) + ": " + failure.what());
     }
     return false;
+  }
+
+  [[noreturn]] void fail(const CopyFailure &failure) {
+    stop(request_.destination.string() + ": " + failure.what());
+  }
+
+  // Gives a copy that is on the disk its name.
+  void settle(PendingCopies::Pending &pending) {
+    const PlannedFile &file = plan_.files()[pending.place];
+    try {
+      if (request_.verify) expectReadsBack(pending.copy);
+      arrive(pending.place, giveName(pending));
+    } catch (const CopyFailure &failure) {
+      if (failure.reach() == CopyFailure::Reach::Destination) throw;
+      result_.problems.push_back(labelOf(file) + ": " + failure.what());
+    }
+  }
+
+  // The copy of a song is there under its name, by this run or since an earlier one.
+  void arrive(size_t place, bool isNew) {
+    const PlannedFile &file = plan_.files()[place];
+    copies_[place].isThere = true;
+    ++(isNew ? result_.copied : result_.alreadyThere);
+    if (isNew) {
+      result_.copiedBytes += file.source.size;
+      progress_->addSong(file.target);
+    } else {
+      lookAgain(place);
+    }
+    addToReport(file, copies_[place]);
   }
 
   void writeCovers() {
@@ -200,18 +200,17 @@ class Rescue {
   bool tagCopy(const PlannedFile &file, DestinationFolder::NewCopy &copy) {
     const std::string extension = file.source.path.extension().string();
     const TagOutcome outcome =
-        writeTags(copy.file.content, extension, songTags(library_, file.song), *request_.tags);
+        writeTags(copy.part.content(), extension, songTags(library_, file.song), *request_.tags);
     if (outcome == TagOutcome::Broken) return false;
     if (outcome == TagOutcome::Refused) addTagRemark(file, "no tags can be written into it");
     if (outcome != TagOutcome::Written) return true;
     const timespec times[] = {{0, UTIME_OMIT}, file.source.modified};
     // As where it is copied: a file system that keeps no times is no reason to do without the copy.
-    [[maybe_unused]] const int kept = futimens(copy.file.content.number(), times);
+    [[maybe_unused]] const int kept = futimens(copy.part.content().number(), times);
     struct stat status {};
-    const int number = copy.file.content.number();
-    if (fstat(number, &status) != 0 || (fsync(number) != 0 && errno != EINVAL)) failTarget(errno);
+    if (fstat(copy.part.content().number(), &status) != 0) failTarget(errno);
     copy.content.taggedSize = static_cast<uint64_t>(status.st_size);
-    copy.content.sha256 = sha256OnDisk(copy.file.content);
+    copy.content.sha256 = sha256OnDisk(copy.part.content());
     ++result_.tagged;
     return true;
   }
@@ -220,39 +219,49 @@ class Rescue {
     result_.remarks.push_back(labelOf(file) + ": " + what + "; it is copied as it is");
   }
 
-  // False when a copy is there already.
-  bool copySong(size_t place, Progress &progress) {
+  // Makes a copy that waits for its name; none of a damaged song whose damaged copy is there.
+  void copySong(size_t place) {
     const PlannedFile &file = plan_.files()[place];
-    if (file.there) return false;
-    DestinationFolder::NewCopy copy = copyOfSource(file, progress);
-    if (request_.verify) expectReadsBack(copy);
+    DestinationFolder::NewCopy copy = copyOfSource(file);
     if (!copy.content.gaps.empty()) {
       nameAsDamaged(place, copy);
     } else if (request_.tags && !tagCopy(file, copy)) {
       addTagRemark(file, "its own tags are damaged, so none can be written");
-      copy = copyOfSource(file, progress);
+      copy = copyOfSource(file);
     }
     copies_[place].content = copy.content;
+    if (file.there) return;
+    pending_.add({place, file.source.size, std::move(copy)});
+  }
+
+  // False when a copy is there already.
+  bool giveName(PendingCopies::Pending &pending) {
+    const PlannedFile &file = plan_.files()[pending.place];
     while (!file.there) {
       try {
-        destination_.name(copy, file.target);
+        destination_.name(pending.copy, file.target);
         return true;
       } catch (const CopyFailure &failure) {
         if (failure.error() != EEXIST) throw;
-        plan_.evade(place);  // another run was there first
+        // Another run was there first.
+        if (pending.copy.content.gaps.empty()) {
+          plan_.evade(pending.place);
+        } else {
+          plan_.markDamaged(pending.place, pending.copy.part.reopen());
+        }
       }
     }
     return false;
   }
 
-  DestinationFolder::NewCopy copyOfSource(const PlannedFile &file, Progress &progress) const {
+  DestinationFolder::NewCopy copyOfSource(const PlannedFile &file) const {
     const carbon::Descriptor source = library_.open(file.source);
     if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
-    return destination_.copy(source, [&](uint64_t bytes) { progress.addBytes(bytes); });
+    return destination_.copy(source, [&](uint64_t bytes) { progress_->addBytes(bytes); });
   }
 
   void expectReadsBack(const DestinationFolder::NewCopy &copy) {
-    if (sha256OnDisk(copy.file.content) != copy.content.sha256) {
+    if (sha256OnDisk(copy.part.reopen()) != copy.content.sha256) {
       throw CopyFailure(CopyFailure::Reach::ThisFile, EIO,
                         "the copy does not read back as it was written, and is left out");
     }
@@ -266,7 +275,7 @@ class Rescue {
     if (wasAway_) throw CopyFailure(CopyFailure::Reach::ThisFile, EIO, gaps);
     if (request_.skipDamaged)
       throw CopyFailure(CopyFailure::Reach::ThisFile, EIO, gaps + "; the song is left out");
-    plan_.markDamaged(place, copy.file.content);
+    plan_.markDamaged(place, copy.part.content());
     result_.damaged.push_back(labelOf(file) + ": " + gaps + "; the copy is " + file.target);
   }
 
@@ -338,7 +347,12 @@ class Rescue {
     return arrived ? plan_.files()[static_cast<size_t>(place)].target : plan_.earlierCopy(song);
   }
 
+  // What is copied already arrives as far as it can.
   [[noreturn]] void stop(const std::string &why) {
+    try {
+      if (progress_ != nullptr) pending_.finish();
+    } catch (const CopyFailure &) {  // of the destination, which may be the reason
+    }
     if (!copies_.empty()) writeReport(why);
     const uint64_t there = result_.copied + result_.alreadyThere;
     throw HostError(why + "; " + std::to_string(there) + " of " + std::to_string(plan_.files().size()) +
@@ -364,6 +378,8 @@ class Rescue {
   RescuePlan plan_;
   RescueResult result_;
   std::vector<Copy> copies_;  // beside the planned files
+  PendingCopies pending_;
+  Progress *progress_ = nullptr;  // while songs are copied
   bool reportFailed_ = false;
   bool wasAway_ = false;  // the player, while a song was copied
 };

@@ -122,23 +122,23 @@ std::string RescuePlan::freeName(const Naming &naming, const PlannedFile &file, 
 
 // Whether the file may lie there: nothing does, or a copy of it.
 bool RescuePlan::isFree(const std::string &target, PlannedFile &file) {
-  file.there = isCopy(target, file);
-  if (file.there || !destination_.statusOf(target)) return true;
+  const auto status = destination_.statusOf(target);
+  file.there = status && isCopy(target, *status, file);
+  if (file.there || !status) return true;
   ++evaded_;
   return false;
 }
 
 // The same size and time are not enough: two songs of one name can share them. Either the report of the run
 // that copied the file says that it is this song, or the contents are the same.
-bool RescuePlan::isCopy(const std::string &target, const PlannedFile &file) const {
-  const auto status = destination_.statusOf(target);
-  if (!status || !S_ISREG(status->st_mode)) return false;
+bool RescuePlan::isCopy(const std::string &target, const struct stat &status, const PlannedFile &file) const {
+  if (!S_ISREG(status.st_mode)) return false;
   const SongFile &source = file.source;
-  const auto size = static_cast<uint64_t>(status->st_size);
+  const auto size = static_cast<uint64_t>(status.st_size);
   const CopyRecord *const record = report_.ofFile(target);
   if (record != nullptr && size == record->copySize() && record->song == file.identity &&
       record->size == source.size && record->modified.tv_sec == source.modified.tv_sec &&
-      record->modified.tv_nsec == source.modified.tv_nsec && isKeptTime(status->st_mtim, source.modified))
+      record->modified.tv_nsec == source.modified.tv_nsec && isKeptTime(status.st_mtim, source.modified))
     return true;
   if (size != source.size) return false;
   const carbon::Descriptor from = library_.open(source);

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -86,7 +87,7 @@ class RescuePlan {
                        const std::function<bool(const std::string &)> &isFree);
   void takeFreeName(const Naming &naming, PlannedFile &file);
   bool isFree(const std::string &target, PlannedFile &file);
-  bool isCopy(const std::string &target, const PlannedFile &file) const;
+  bool isCopy(const std::string &target, const struct stat &status, const PlannedFile &file) const;
 
   const MusicLibrary &library_;
   const NamePattern &pattern_;

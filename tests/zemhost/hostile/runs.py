@@ -23,7 +23,7 @@ COMMANDS = {
     "playlists": [["{player}"]],
     "playlist": [["{player}", "1"]],
     "plays": [["{player}"]],
-    "check": [["{player}"], ["{player}", "--json"]],
+    "check": [["{player}"], ["{player}", "--read", "--json"]],
     "export": [["{player}", "--format", "csv"], ["{player}", "--format", "ndjson"], ["{player}", "--format", "m3u8"],
                ["{player}", "--format", "m3u8", "--paths", "device", "-o", "{work}/exports/list.m3u8"],
                ["{player}", "--format", "xspf", "--all-playlists", "{work}/lists"],

@@ -4,11 +4,13 @@ import errno
 import hashlib
 import json
 import os
+import re
+import shutil
 import subprocess
 import tempfile
 import unittest
 
-from program import run
+from program import PLAYER, run
 from rescued_player import Player
 
 BROKEN_DISK = os.environ["BROKEN_DISK_LIBRARY"]
@@ -155,6 +157,44 @@ class DamagedPlayer(unittest.TestCase):
         self.assertIn(f"- song 1 \"Song 1\" by Artist 0: its file cannot be read: {self.source(1)}: Permission denied\n"
                       f"- {folder} cannot be read: Input/output error\n", checked.text)
         self.assertIn("3 of 3 songs have theirs", checked.text)
+
+    def test_check_reads_files_to_their_ends_when_asked_to(self):
+        folder = os.path.dirname(self.source(0))
+        unnamed = os.path.join(folder, "UNNAMED.mp3")
+        with open(unnamed, "wb") as file:
+            file.write(bytes(SIZE))
+        faults = [f"read {self.source(1)} 300000 5000 {FOREVER}", f"read {unnamed} 0 1 {FOREVER}",
+                  f"read {self.source(2)} 500000 100 1"]  # that passes
+        found = [f"- song 1 \"Song 1\" by Artist 0: {self.source(1)}: 8192 bytes at 299008 cannot be read\n",
+                 f"- {unnamed}: 4096 bytes at 0 cannot be read\n"]
+        checked = self.run_broken("check", self.player.root, "--read", faults=faults)
+        self.assertEqual((checked.status, checked.message), (3, ""))
+        text = re.sub(r"\n +", " ", checked.text)
+        self.assertIn("".join(found), text)
+        self.assertIn("; all were read to their ends\n", text)
+        unread = self.run_broken("check", self.player.root, faults=faults)
+        self.assertEqual(unread.status, 3)  # for the file that no song names
+        self.assertNotIn("cannot be read", unread.text)
+        self.assertIn("; --read reads them to their ends\n", re.sub(r"\n +", " ", unread.text))
+        report = json.loads(self.run_broken("check", self.player.root, "--read", "--json", faults=faults).text)
+        self.assertEqual((report["files"]["read"], report["finding_counts"]["unreadable"]), (True, 2))
+
+    def test_songs_that_a_damaged_database_lost_are_no_success(self):
+        self.player.root = os.path.join(self.folder, "sample")
+        shutil.copytree(PLAYER, self.player.root)
+        path = os.path.join(self.player.root, "iPod_Control", "iTunes", "iTunesDB")
+        with open(path, "r+b") as file:
+            data = file.read()
+            second = data.index(b"mhit", data.index(b"mhit") + 1)
+            file.seek(second)
+            file.write(b"XXXX")
+        ended = self.rescue()
+        self.assertEqual(ended.status, 3)
+        found = rf"{path}: the file is damaged: 28 of 29 songs and \d+ playlists were found by salvage"
+        self.assertRegex(ended.message, rf"\Azemhost: {found}; to see what is wrong run: zemhost check .*\n")
+        self.assertRegex(ended.text, rf"problems:\n- {found}\n")
+        self.assertEqual(self.report()["outcome"], "incomplete")
+        self.assertIn("1 music file that no song names belongs into Unnamed\n", ended.text)
 
     def test_rescue_names_a_song_that_cannot_be_opened(self):
         ended = self.rescue(faults=[f"open {self.source(1)} {errno.EACCES}"])

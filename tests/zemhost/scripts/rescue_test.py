@@ -1,5 +1,6 @@
 """Rescues that are interrupted: what is there is complete, and the same command goes on to the end."""
 
+import fcntl
 import os
 import re
 import shutil
@@ -17,8 +18,13 @@ CONTINUE = "run the same command again to continue"
 
 
 def partials(folder):
-    """The files that are not complete yet, or that a killed rescue left."""
+    """The files and folders of what is not complete yet, or that a killed rescue left."""
     return [name for name in os.listdir(folder) if name.startswith(".zemhost-")]
+
+
+def parts(folder):
+    """How many copies wait for their names."""
+    return sum(len(os.listdir(os.path.join(folder, name))) for name in partials(folder))
 
 
 class InterruptedRescue(unittest.TestCase):
@@ -44,22 +50,23 @@ class InterruptedRescue(unittest.TestCase):
         return run("rescue", self.player.root, self.destination)
 
     def expect_complete(self, before):
-        left = partials(self.destination)
         ended = self.rescue()
         self.assertEqual((ended.status, ended.message), (0, ""))
         total = len(self.player.contents)
         self.assertEqual(self.copied(), total)
-        self.assertEqual(partials(self.destination), left)
+        self.assertEqual(partials(self.destination), [])
         summary = ended.text.splitlines()[total - before:]
         self.assertTrue(summary[0].startswith(f"{total - before} songs copied, "), summary)
-        self.assertEqual(summary[1:], [f"{before} songs are already there", "1 playlist written"])
+        there = [f"{before} songs are already there"] if before > 0 else []
+        self.assertEqual(summary[1:], [*there, "1 playlist written"])
 
-    def start_and_stop(self, after, **options):
-        """A running rescue that stands still after it has copied some songs."""
+    def start_and_stop(self, after, done=None, **options):
+        """A running rescue that stands still after it has copied some songs; they need not have their names yet."""
+        done = done or (lambda: parts(self.destination) + len(files_below(self.destination)))
         process = start("rescue", self.player.root, self.destination, **options)
         self.addCleanup(process.kill)
         self.addCleanup(lambda: [stream.close() for stream in (process.stdout, process.stderr) if stream])
-        wait_until(lambda: os.path.isdir(self.destination) and len(files_below(self.destination)) > after)
+        wait_until(lambda: os.path.isdir(self.destination) and done() > after)
         process.send_signal(signal.SIGSTOP)
         return process
 
@@ -92,14 +99,59 @@ class InterruptedRescue(unittest.TestCase):
         self.assertRegex(refused.message.splitlines()[0],
                          r": [0-9.]+ kB are still to be copied and only [0-9.]+ kB are free; ")
 
-    def test_a_killed_one_goes_on(self):
-        self.player = Player(self.folder, 3000)
-        process = self.start_and_stop(300)
+    def kill_one(self, count):
+        """Kills a rescue when some songs have their names and others do not; returns how many have."""
+        self.player = Player(self.folder, count)
+        process = self.start_and_stop(300, lambda: len(files_below(self.destination)))
         process.kill()
         process.wait()
-        before = self.copied()
-        self.assertTrue(300 <= before < 3000, before)
+        return self.copied()
+
+    def test_a_killed_one_goes_on_and_leaves_nothing(self):
+        before = self.kill_one(3000)
+        self.assertEqual(len(partials(self.destination)), 1)
         self.expect_complete(before)
+
+    def test_what_a_killed_one_left_is_named_where_no_lock_shows_that_it_is_over(self):
+        self.kill_one(3000)
+        left = os.path.join(self.destination, *partials(self.destination))
+        environment = {**os.environ, "LD_PRELOAD": BROKEN_CALLS, "BROKEN_CALLS": " flock "}
+        ended = run("rescue", self.player.root, self.destination, env=environment)
+        self.assertEqual(ended.status, 0)
+        self.assertIn(f"1 remark:\n- {left}: an interrupted run may have left it; it can go if no other is at work\n",
+                      ended.text)
+        self.assertTrue(os.path.isdir(left))
+
+    def test_what_is_in_use_or_not_of_its_making_stays(self):
+        self.player = Player(self.folder, 3)
+        os.mkdir(self.destination)
+        used = os.path.join(self.destination, ".zemhost-0123456789abcdef.part")
+        kept = [os.path.join(self.destination, name) for name in (".zemhost-0123456789ABCDEF.part", "zemhost-1.part")]
+        for name in (used, *kept):
+            os.mkdir(name)
+            with open(os.path.join(name, "1.part"), "wb") as file:
+                file.write(b"a part")
+        os.symlink(self.player.root, os.path.join(self.destination, ".zemhost-fedcba9876543210.part"))
+        lock = os.open(used, os.O_RDONLY)
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        ended = self.rescue()
+        self.assertEqual(ended.status, 0)
+        self.assertIn("1 remark:\n- " + os.path.join(self.destination, ".zemhost-fedcba9876543210.part"), ended.text)
+        self.assertTrue(all(os.path.exists(os.path.join(name, "1.part")) for name in (used, *kept)))
+        os.close(lock)
+        self.rescue()
+        self.assertFalse(os.path.exists(used))
+        self.assertTrue(all(os.path.exists(os.path.join(name, "1.part")) for name in kept))
+        self.assertTrue(os.path.isdir(os.path.join(self.player.root, "iPod_Control")))
+
+    def test_what_cannot_be_brought_to_the_disk_is_no_copy(self):
+        self.player = Player(self.folder, 3)
+        environment = {**os.environ, "LD_PRELOAD": BROKEN_CALLS, "BROKEN_CALLS": " syncfs "}
+        refused = run("rescue", self.player.root, self.destination, env=environment)
+        self.assertEqual((refused.status, refused.message),
+                         (1, f"zemhost: {self.destination}: Input/output error; 0 of 3 songs are there; {CONTINUE}\n"))
+        self.assertEqual([name for name in files_below(self.destination) if name.endswith(".mp3")], [])
+        self.assertEqual(partials(self.destination), [])
 
     def test_signals_leave_nothing_half_and_say_how_to_go_on(self):
         for number, word in ((signal.SIGINT, "interrupted"), (signal.SIGTERM, "terminated")):

@@ -9,7 +9,9 @@ REPORTS = {"rescue-report.ndjson", "rescue-report.json", "SHA256SUMS"}
 
 
 def files_below(folder):
-    return {os.path.relpath(os.path.join(at, name), folder) for at, _, names in os.walk(folder) for name in names}
+    """All files but those that have no name of their own yet."""
+    return {os.path.relpath(os.path.join(at, name), folder) for at, _, names in os.walk(folder) for name in names
+            if ".zemhost-" not in at}
 
 
 class Player:

@@ -9,6 +9,8 @@ import struct
 import tempfile
 import unittest
 
+from database_writer import library
+from music_files import aiff, id3, mp4, mpeg
 from program import PLAYER, run
 
 MUSIC = os.path.join("iPod_Control", "Music")
@@ -17,44 +19,6 @@ NINE = "Compilations/Roadside Jukebox/02 Nine Volt Heart.mp3"
 RAIN = "月島ひかり/夜行列車/01 雨のプラットホーム.m4a"         # F03/AMEP.m4a
 
 DEMO, DEMO_SOURCE = "Unknown Artist/Unknown Album/Untitled Demo 3.wav", "F09/DEMO.wav"
-
-
-def mpeg(size):
-    """Frames of 96 bytes, of that many bytes together."""
-    frame = b"\xff\xfb\x14\xc4" + bytes(range(92))
-    return (frame * (size // 96 + 1))[:size]
-
-
-def synchsafe(number):
-    return bytes(number >> shift & 0x7F for shift in (21, 14, 7, 0))
-
-
-def id3(frames, version=4):
-    """An ID3v2 tag of these frames of text."""
-    body = b""
-    for name, text in frames.items():
-        content = b"\x03" + text.encode() if version == 4 else b"\x01" + text.encode("utf-16")
-        size = synchsafe(len(content)) if version == 4 else struct.pack(">I", len(content))
-        body += name.encode() + size + b"\0\0" + content
-    return b"ID3" + bytes([version, 0, 0]) + synchsafe(len(body)) + body
-
-
-def box(name, *content):
-    content = b"".join(content)
-    return struct.pack(">I", len(content) + 8) + name + content
-
-
-def mp4(size, items=b""):
-    """A file of that many bytes whose table of chunks stands before the sound, and names its first two bytes' places."""
-    def whole(sound, offset):
-        stco = box(b"stco", bytes(4), struct.pack(">III", 2, offset, offset + 16))
-        meta = box(b"meta", bytes(4), box(b"hdlr", bytes(25)), box(b"ilst", items)) if items else b""
-        moov = box(b"moov", box(b"mvhd", bytes(100)), box(b"trak", box(b"mdia", box(b"minf", box(b"stbl", stco)))),
-                   box(b"udta", meta) if meta else b"")
-        return box(b"ftyp", b"M4A \0\0\0\0M4A ") + moov, box(b"mdat", sound)
-    head, _ = whole(b"", 0)
-    sound = bytes(i * 7 % 251 for i in range(size - len(head) - 8))
-    return b"".join(whole(sound, len(head) + 8))
 
 
 def boxes(data, *path):
@@ -106,6 +70,15 @@ def frames(data):
         found[name] = content
         at += 10 + size
     return found, data[end:]
+
+
+def chunks_of(data):
+    """The chunks of an AIFF file: names and contents."""
+    at = 12
+    while at + 8 <= len(data):
+        length = struct.unpack_from(">I", data, at + 4)[0]
+        yield data[at:at + 4], data[at + 8:at + 8 + length]
+        at += 8 + length + length % 2
 
 
 def sound(path, data):
@@ -199,6 +172,28 @@ class Tags(unittest.TestCase):
                          (b"data" + struct.pack("<I", 100) + sound, b"RIFF", len(data) - 8))
         self.assertEqual(data[144:148].lower(), b"id3 ")
         self.assertEqual(frames(data[152:])[0]["TIT2"], "Untitled Demo 3")
+
+    def test_aiff_copies_take_tags_and_keep_their_sound(self):
+        player = os.path.join(os.path.dirname(self.player), "aiff")
+        samples = bytes(i * 7 % 251 for i in range(4000))
+        os.makedirs(os.path.join(player, MUSIC, "F00"))
+        os.makedirs(os.path.join(player, "iPod_Control", "iTunes"))
+        names = ("A.aif", "B.AIFF")
+        for name in names:
+            with open(os.path.join(player, MUSIC, "F00", name), "wb") as file:
+                file.write(aiff(samples, b""))
+        with open(os.path.join(player, "iPod_Control", "iTunes", "iTunesDB"), "wb") as file:
+            file.write(library([{"title": f"Title {name}", "artist": "A", "album": "B",
+                                 "path": f":iPod_Control:Music:F00:{name}"} for name in names]))
+        done = run("rescue", player, self.out, "--tags")
+        self.assertEqual((done.status, done.message), (0, ""))
+        self.assertIn("tags were written into 2 copies\n", done.text)
+        for name in names:
+            data = self.copy(f"A/B/Title {name}{os.path.splitext(name)[1]}")
+            chunks = dict(chunks_of(data))
+            self.assertEqual((chunks[b"SSND"][8:], struct.unpack_from(">I", data, 4)[0]), (samples, len(data) - 8))
+            got = frames(chunks.get(b"ID3 ") or chunks[b"id3 "])[0]
+            self.assertEqual((got["TIT2"], got["TPE1"], got["TALB"]), (f"Title {name}", "A", "B"))
 
     def test_tags_of_the_file_stay_unless_they_are_to_be_replaced(self):
         size = os.path.getsize(os.path.join(self.player, MUSIC, "F01/HOMA.mp3"))

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -19,13 +20,16 @@ struct Gap {
   bool operator==(const Gap &) const = default;
 };
 
+// "4096 bytes at 8192 and 512 bytes at 40960 cannot be read".
+std::string gapsText(const std::vector<Gap> &gaps);
+
 class PatientReader {
  public:
   static constexpr size_t kBlock = size_t{256} * 1024;
   static constexpr size_t kPiece = 4096;
 
   // Of an open file with this many bytes.
-  PatientReader(const carbon::Descriptor &file, uint64_t size) : file_(file), size_(size), block_(kBlock) {}
+  PatientReader(const carbon::Descriptor &file, uint64_t size);
 
   // The block at a multiple of kBlock, valid until the next call; fewer bytes at the file's end alone. A
   // block that cannot be read is tried again, then read piece by piece; a piece that cannot be read adds to

@@ -1,10 +1,11 @@
-#include "zemhost/rescue/PatientReader.h"
+#include "zemhost/library/PatientReader.h"
 
 #include <algorithm>
 #include <numeric>
 #include <system_error>
 
 #include "player/FileBytes.h"
+#include "zemhost/output/Units.h"
 
 namespace zemhost {
 
@@ -14,6 +15,26 @@ constexpr int kTries = 3;
 constexpr size_t kPiecesOfABlock = PatientReader::kBlock / PatientReader::kPiece;
 
 }  // namespace
+
+std::string gapsText(const std::vector<Gap> &gaps) {
+  constexpr size_t kShown = 5;
+  std::string text;
+  for (size_t i = 0; i < std::min(gaps.size(), kShown); ++i) {
+    text.append(i == 0 ? "" : ", ").append(countText(gaps[i].size, "byte", "bytes"));
+    text.append(" at ").append(std::to_string(gaps[i].offset));
+  }
+  if (gaps.size() > kShown) {
+    uint64_t rest = 0;
+    for (size_t i = kShown; i < gaps.size(); ++i) rest += gaps[i].size;
+    text += " and " + countText(rest, "byte", "bytes") + " at " +
+            countText(gaps.size() - kShown, "more place", "more places");
+  }
+  return text + " cannot be read";
+}
+
+// One byte more than there should be is enough to see that a file grows.
+PatientReader::PatientReader(const carbon::Descriptor &file, uint64_t size)
+    : file_(file), size_(size), block_(static_cast<size_t>(std::min<uint64_t>(kBlock, size + 1))) {}
 
 bool PatientReader::read(uint64_t at, char *bytes, size_t size, size_t &got) {
   try {
@@ -39,7 +60,7 @@ std::string_view PatientReader::block(uint64_t at) {
   const bool isHopeless = failedPieces_ >= kPiecesOfABlock;
   size_t got = 0;
   for (int tries = isHopeless ? 1 : kTries; tries > 0; --tries) {
-    if (read(at, block_.data(), kBlock, got)) return {block_.data(), got};
+    if (read(at, block_.data(), block_.size(), got)) return {block_.data(), got};
   }
   const auto wanted = static_cast<size_t>(std::min<uint64_t>(kBlock, size_ - std::min(at, size_)));
   if (wanted == 0) return {};
@@ -61,7 +82,7 @@ std::string_view PatientReader::block(uint64_t at) {
 }
 
 std::string_view PatientReader::retry(const Gap &part) {
-  const auto size = static_cast<size_t>(std::min<uint64_t>(part.size, kBlock));
+  const auto size = static_cast<size_t>(std::min<uint64_t>(part.size, block_.size()));
   size_t got = 0;
   const bool isRead = read(part.offset, block_.data(), size, got) && got == size;
   return isRead ? std::string_view(block_.data(), size) : std::string_view();

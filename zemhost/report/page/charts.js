@@ -66,7 +66,7 @@ function barTable(items, format, label, heads) {
 // Columns from left to right, for groups that have an order. Their table holds the same links for the keyboard.
 function columnChart(items, format, label, heads) {
   const greatest = items.reduce((most, { value }) => Math.max(most, value), 0);
-  const every = Math.ceil(items.length / 8);
+  const every = Math.ceil(items.length / 6);
   const chart = make('div', { class: 'columns', 'aria-hidden': 'true' }, ...items.map(({ text, hash, value }, at) => make('a', {
     href: hash, tabindex: -1, title: `${text}: ${format(value)}`, '--part': greatest > 0 ? value / greatest : 0,
   }, make('i'), make('span', null, at % every === 0 ? text : ''))));

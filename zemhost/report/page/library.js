@@ -48,29 +48,29 @@ function sumOf(column, list) {
 const positive = (format) => (value) => (value > 0 ? format(value) : '');
 const known = (format) => (value) => (value >= 0 ? format(value) : '');
 
-// `text` makes the text of a number; a column without it holds texts. `extra` columns are left out on paper. A width is
-// one of CSS's grid tracks.
+// `text` makes the text of a number; a column without it holds texts. `extra` columns are left out on paper. Widths are in
+// rem, and the least of columns that grow.
 const allColumns = [
-  { key: 'title', label: 'Title', width: 'minmax(14rem, 3fr)' },
-  { key: 'artist', label: 'Artist', width: 'minmax(11rem, 2fr)' },
-  { key: 'album', label: 'Album', width: 'minmax(11rem, 2fr)' },
-  { key: 'duration', label: 'Time', width: '5rem', text: known(timeText) },
-  { key: 'genre', label: 'Genre', width: 'minmax(7rem, 1fr)' },
-  { key: 'year', label: 'Year', width: '4.2rem', text: positive(String) },
-  { key: 'rating', label: 'Stars', width: '6rem', text: positive((value) => starsText(starsOf(value))) },
-  { key: 'plays', label: 'Plays', width: '4.6rem', text: known(countText) },
-  { key: 'skips', label: 'Skips', width: '4.6rem', text: known(countText), extra: true },
-  { key: 'last_played', label: 'Last played', width: '7.4rem', text: known(dayText), extra: true },
-  { key: 'added', label: 'Added', width: '6.6rem', text: known(dayText), extra: true },
-  { key: 'track', label: 'Track', width: '4.6rem', text: positive(countText), extra: true },
-  { key: 'disc', label: 'Disc', width: '4rem', text: positive(countText), extra: true },
-  { key: 'bit_rate', label: 'kbit/s', width: '5rem', text: positive(countText), extra: true },
-  { key: 'size', label: 'Size', width: '6rem', text: positive(sizeText), extra: true },
-  { key: 'kind', label: 'Kind', width: 'minmax(9rem, 1fr)', extra: true },
-  { key: 'media', label: 'Media', width: '7rem', extra: true },
-  { key: 'album_artist', label: 'Album artist', width: 'minmax(9rem, 1fr)', extra: true },
-  { key: 'composer', label: 'Composer', width: 'minmax(9rem, 1fr)', extra: true },
-  { key: 'comment', label: 'Comment', width: 'minmax(9rem, 1fr)', extra: true },
+  { key: 'title', label: 'Title', width: 13, grows: true },
+  { key: 'artist', label: 'Artist', width: 9, grows: true },
+  { key: 'album', label: 'Album', width: 9, grows: true },
+  { key: 'duration', label: 'Time', width: 5, text: positive(timeText) },
+  { key: 'genre', label: 'Genre', width: 7, grows: true },
+  { key: 'year', label: 'Year', width: 4.2, text: positive(String) },
+  { key: 'rating', label: 'Stars', width: 6, text: positive((value) => starsText(starsOf(value))) },
+  { key: 'plays', label: 'Plays', width: 4.6, text: known(countText) },
+  { key: 'skips', label: 'Skips', width: 4.6, text: known(countText), extra: true },
+  { key: 'last_played', label: 'Last played', width: 7.4, text: known(dayText), extra: true },
+  { key: 'added', label: 'Added', width: 7.4, text: known(dayText), extra: true },
+  { key: 'track', label: 'Track', width: 4.6, text: positive(countText), extra: true },
+  { key: 'disc', label: 'Disc', width: 4, text: positive(countText), extra: true },
+  { key: 'bit_rate', label: 'kbit/s', width: 5, text: positive(countText), extra: true },
+  { key: 'size', label: 'Size', width: 6, text: positive(sizeText), extra: true },
+  { key: 'kind', label: 'Kind', width: 9, grows: true, extra: true },
+  { key: 'media', label: 'Media', width: 7, extra: true },
+  { key: 'album_artist', label: 'Album artist', width: 9, grows: true, extra: true },
+  { key: 'composer', label: 'Composer', width: 9, grows: true, extra: true },
+  { key: 'comment', label: 'Comment', width: 9, grows: true, extra: true },
 ];
 
 // A column that would be empty for every song is not shown.

@@ -6,6 +6,11 @@ function emptyView(main, title, text) {
   return { update() {}, print() {} };
 }
 
+// The rules of a smart list, one a line.
+function rulesOf(text) {
+  return (text ?? '').split('\n').filter((line) => line !== '').map((line) => make('small', { class: 'rules' }, isolated(line)));
+}
+
 // One list: what it is, its rules when it is a smart one, and its songs in their order or sorted.
 class ListView {
   constructor(main, { back, title, cover, lines, rules, list }) {
@@ -16,14 +21,13 @@ class ListView {
       sorted: (key) => press({ sort: key === 'order' ? null : nextSort(readAddress().params.get('sort'), key) }),
       opened: showSong,
     });
-    const held = list.filter((song) => song >= 0);
     main.append(
       make('p', { class: 'back' }, make('a', { href: linkTo(back[0]) }, `\u2039 ${back[1]}`)),
       make('div', { class: 'heading' }, cover ?? null, make('div', null,
         make('h2', null, isolated(title)),
         ...lines.filter((text) => text !== '').map((text) => make('p', null, isolated(text))),
-        rules ? make('p', { class: 'rules' }, isolated(rules)) : null,
-        make('p', { class: 'status' }, `${sumText(held)} \u00b7 ${sizeText(sumOf('size', held))}`))),
+        ...rulesOf(rules),
+        make('p', { class: 'status' }, `${sumText(list)} \u00b7 ${sizeText(sumOf('size', list))}`))),
       this.table.node,
     );
     main.classList.add('filled');
@@ -48,38 +52,40 @@ class ListView {
 }
 
 const playlistKinds = {
-  library: 'The whole library', ordinary: 'Playlist', smart: 'Smart playlist', folder: 'Folder', podcast: 'Podcasts',
+  library: 'The whole library', playlist: 'Playlist', smart: 'Smart playlist', folder: 'Folder', podcasts: 'Podcasts',
   'on-the-go': 'On-The-Go',
 };
+
+// The songs of a playlist in their order. A folder without songs of its own has those of the lists in it, each once.
+function listSongs(list) {
+  const { kind, songs: own } = library.playlists[list];
+  if (kind !== 'folder' || own.length > 0) return own;
+  const inside = [...library.playlists.keys()].filter((at) => library.playlists[at].parent === list);
+  return [...new Set(inside.flatMap(listSongs))];
+}
 
 // Playlists as they stand in their folders: each with the depth at which it does.
 function playlistTree() {
   const children = new Map();
   library.playlists.forEach(({ parent }, at) => {
-    const key = library.playlists[parent] && parent !== at ? parent : null;
-    if (!children.has(key)) children.set(key, []);
-    children.get(key).push(at);
+    if (!children.has(parent)) children.set(parent, []);
+    children.get(parent).push(at);
   });
   const rows = [];
-  const seen = new Set();
   const add = (at, depth) => {
-    if (seen.has(at)) return;
-    seen.add(at);
     rows.push({ at, depth: Math.min(depth, 8) });
     for (const child of children.get(at) ?? []) add(child, depth + 1);
   };
   for (const at of children.get(null) ?? []) add(at, 0);
-  // Folders that hold each other stand in no other.
-  for (const at of library.playlists.keys()) add(at, 0);
   return rows;
 }
 
 function playlistRow({ at, depth }) {
-  const { name, kind, rules, songs: list } = library.playlists[at];
+  const { name, kind, rules } = library.playlists[at];
   return make('li', { '--depth': depth }, make('a', { href: linkTo('playlists', { list: at }) },
     make('strong', null, isolated(name || 'No name')),
-    make('span', null, `${playlistKinds[kind] ?? kind} \u00b7 ${sumText(list)}`),
-    rules ? make('small', { class: 'rules' }, isolated(rules)) : null));
+    make('span', null, `${playlistKinds[kind] ?? kind} \u00b7 ${sumText(listSongs(at))}`),
+    ...rulesOf(rules)));
 }
 
 // A view of things to choose from, one below the other.
@@ -105,7 +111,7 @@ function playlistsView(main, params) {
     title: list.name || 'No name',
     lines: [playlistKinds[list.kind] ?? list.kind, list.created === null ? '' : `Made on ${dayText(list.created)}`],
     rules: list.rules,
-    list: list.songs,
+    list: listSongs(Number(params.get('list'))),
   });
 }
 

@@ -14,7 +14,7 @@ function showHead() {
   const fact = (name) => library.facts.find(([label]) => label === name)?.[1] ?? '';
   const { totals } = library;
   document.getElementById('title').append(isolated(library.title || 'Music library'));
-  document.getElementById('summary').append(...[fact('Model'), fact('Capacity'), countOf(totals.songs, 'song'),
+  document.getElementById('summary').append(...[fact('Model'), countOf(totals.songs, 'song'),
     countOf(totals.playlists, 'playlist'), timeText(totals.duration), sizeText(totals.size)]
     .filter((text) => text !== '').map((text) => make('span', null, isolated(text))));
   document.getElementById('made').append(`Made on ${momentText(library.made)} by `, isolated(library.program));

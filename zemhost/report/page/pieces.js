@@ -87,7 +87,7 @@ function coverOf(album) {
 
 // "12 songs, 48 min", with a dot between them.
 function sumText(list) {
-  return `${countOf(list.length, 'song')} \u00b7 ${durationText(sumOf('duration', list))}`;
+  return `${countOf(list.filter((song) => song >= 0).length, 'song')} \u00b7 ${durationText(sumOf('duration', list))}`;
 }
 
 // A link whose text is the library's.

@@ -36,7 +36,7 @@ function byYear(value) {
 
 function inList(list) {
   const inside = new Uint8Array(library.count);
-  for (const song of list?.songs ?? []) if (song >= 0) inside[song] = 1;
+  for (const song of library.playlists[list] ? listSongs(Number(list)) : []) if (song >= 0) inside[song] = 1;
   return (song) => inside[song] === 1;
 }
 
@@ -53,7 +53,7 @@ const filters = {
     field: true,
     wanted: (value) => (song) => starsOf(Math.max(0, numberOf('rating', song))) === Number(value),
   },
-  playlist: { label: 'Playlist', field: true, wanted: (value) => inList(library.playlists[value]) },
+  playlist: { label: 'Playlist', field: true, wanted: inList },
   added: {
     label: 'Added',
     text: monthText,

@@ -14,7 +14,7 @@ class SongTable {
   // `label` names it for those who hear it. `position` adds a column with the places in a list. `sorted(key)` is called
   // when a head is pressed, `opened(song)` when a row is.
   constructor({ label, position, sorted, opened }) {
-    this.columns = position ? [{ key: 'order', label: '#', width: '4rem', text: () => '' }, ...columns] : columns;
+    this.columns = position ? [{ key: 'order', label: '#', width: 4, text: () => '' }, ...columns] : columns;
     this.sorted = sorted;
     this.opened = opened;
     this.rows = [];
@@ -34,10 +34,11 @@ class SongTable {
     this.body = make('tbody', { role: 'rowgroup' });
     this.table = make('table', {
       role: 'grid', class: 'songs', 'aria-label': label, 'aria-colcount': this.columns.length, 'aria-readonly': 'true',
-      '--tracks': this.columns.map((column) => column.width).join(' '),
+      '--tracks': this.columns.map(({ width, grows }) => (grows ? `minmax(${width}rem, ${width}fr)` : `${width}rem`)).join(' '),
     }, make('thead', { role: 'rowgroup' }, make('tr', { role: 'row', 'aria-rowindex': 1 }, ...this.heads)), this.body);
     this.window = make('div', { class: 'window' }, this.table);
-    this.height = make('div', { class: 'height' }, this.window);
+    const width = this.columns.reduce((sum, column) => sum + column.width, 1.4);
+    this.height = make('div', { class: 'height', '--width': `${width}rem` }, this.window);
     this.more = make('p', { class: 'more' });
     this.node = make('div', { class: 'scroller', tabindex: -1 }, this.height, this.more);
   }

@@ -56,34 +56,32 @@ function countOf(value, word) {
   return `${countText(value)} ${word}${value === 1 ? '' : 's'}`;
 }
 
-// Seconds as 3:07 or 1:02:03.
-function timeText(seconds) {
+// Milliseconds as 3:07 or 1:02:03, from 24 hours on with days: 2 days 3:04:05.
+function timeText(milliseconds) {
   const two = (value) => String(value).padStart(2, '0');
-  const whole = Math.round(seconds);
-  const hours = Math.floor(whole / 3600);
+  const whole = Math.floor(milliseconds / 1000);
+  const days = Math.floor(whole / 86400);
+  const hours = Math.floor(whole / 3600) % 24;
   const minutes = Math.floor(whole / 60) % 60;
-  if (hours === 0) return `${minutes}:${two(whole % 60)}`;
-  return `${countText(hours)}:${two(minutes)}:${two(whole % 60)}`;
+  if (days > 0) return `${countOf(days, 'day')} ${hours}:${two(minutes)}:${two(whole % 60)}`;
+  if (hours > 0) return `${hours}:${two(minutes)}:${two(whole % 60)}`;
+  return `${minutes}:${two(whole % 60)}`;
 }
 
-// Seconds in words that suit a sum: "3 h 44 min", "12 days".
-function durationText(seconds) {
-  const minutes = Math.round(seconds / 60);
+// Milliseconds in words that suit a sum: "3 h 44 min", "12 days".
+function durationText(milliseconds) {
+  const minutes = Math.round(milliseconds / 60000);
   if (minutes < 60) return `${minutes} min`;
   if (minutes < 60 * 72) return `${Math.floor(minutes / 60)} h ${minutes % 60} min`;
   return `${countText(Math.round(minutes / 1440))} days`;
 }
 
-// Bytes as 2.2 kB or 31 MB, in powers of 1000.
+// Bytes as 449 B, 2.2 kB, 31.0 MB or 1.25 GB. The limits are where rounding would reach the next unit.
 function sizeText(bytes) {
-  const units = ['B', 'kB', 'MB', 'GB', 'TB'];
-  let unit = 0;
-  let value = bytes;
-  while (unit < units.length - 1 && value >= 999.5) {
-    value /= 1000;
-    unit++;
-  }
-  return `${unit > 0 && value < 99.95 ? value.toFixed(1) : Math.round(value)} ${units[unit]}`;
+  if (bytes < 1000) return `${bytes} B`;
+  if (bytes < 999950) return `${(bytes / 1e3).toFixed(1)} kB`;
+  if (bytes < 999950000) return `${(bytes / 1e6).toFixed(1)} MB`;
+  return `${(bytes / 1e9).toFixed(2)} GB`;
 }
 
 // A number of days since 1970-01-01 as 2006-03-12.

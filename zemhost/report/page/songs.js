@@ -47,10 +47,10 @@ class SongsView {
     this.choices = new Map();
     for (const [key, filter] of Object.entries(filters)) {
       if (!filter.field) continue;
-      const choices = choicesOf(key);
-      if (choices.length < 2 && key !== 'playlist') continue;
-      this.choices.set(key, new Choice(filter.label, [[null, 'All'], ...choices], (value) => press({ [key]: value })));
+      this.choices.set(key, new Choice(filter.label, [[null, 'All']], (value) => press({ [key]: value })));
     }
+    // Thousands of artists take longer to list than the songs in view, and can wait until these are seen.
+    requestAnimationFrame(() => setTimeout(() => this.fill()));
     this.sort = new Choice('Sort', [[null, 'Artist and album'],
       ...columns.flatMap((column) => [[column.key, column.label], [`-${column.key}`, `${column.label}, reversed`]])],
     (value) => press({ sort: value }));
@@ -74,8 +74,15 @@ class SongsView {
     main.classList.add('filled');
   }
 
+  fill() {
+    if (this.filled) return;
+    this.filled = true;
+    for (const [key, choice] of this.choices) choice.add(choicesOf(key));
+  }
+
   update(params) {
     if (this.search.field.value !== (params.get('q') ?? '')) this.search.field.value = params.get('q') ?? '';
+    if ([...this.choices.keys()].some((key) => params.has(key))) this.fill();
     for (const [key, choice] of this.choices) choice.choose(params.get(key));
     const sort = knownSort(params.get('sort'));
     this.sort.choose(sort || null);

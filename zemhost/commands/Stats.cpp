@@ -97,7 +97,10 @@ class StatsReport {
       table.addRow(std::move(rows[i]));
     }
     out_.write(table);
-    if (more != 0) out_.write("and " + std::to_string(more) + " more\n");
+    if (more == 0) return;
+    std::string line = "and " + std::to_string(more) + " more";
+    if (isInOrder(heading.by)) line += ", each with no more than these";
+    out_.writeLine(line);
   }
 
   void writeBlank() { out_.write("\n"); }

@@ -1,6 +1,7 @@
 #include "zemhost/report/Statistics.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "zemhost/output/Units.h"
@@ -136,10 +137,9 @@ std::vector<FigureGroup> Statistics::by(Grouping grouping) const {
 }
 
 std::vector<FigureGroup> highest(std::vector<FigureGroup> groups, Grouping by, Measure measure, size_t top) {
-  std::vector<size_t> order;
-  for (size_t i = 0; i < groups.size(); ++i) {
-    if (!groups[i].name.empty()) order.push_back(i);
-  }
+  const bool hasUnknown = !groups.empty() && groups.back().name.empty();
+  std::vector<size_t> order(groups.size() - (hasUnknown ? 1 : 0));
+  std::iota(order.begin(), order.end(), 0);
   std::stable_sort(order.begin(), order.end(), [&](size_t one, size_t other) {
     return groups[one].figures.value(measure).value_or(0) > groups[other].figures.value(measure).value_or(0);
   });
@@ -147,7 +147,7 @@ std::vector<FigureGroup> highest(std::vector<FigureGroup> groups, Grouping by, M
   if (isInOrder(by)) std::sort(order.begin(), order.end());
   std::vector<FigureGroup> chosen;
   for (const size_t place : order) chosen.push_back(std::move(groups[place]));
-  if (!groups.empty() && groups.back().name.empty()) chosen.push_back(std::move(groups.back()));
+  if (hasUnknown) chosen.push_back(std::move(groups.back()));
   return chosen;
 }
 

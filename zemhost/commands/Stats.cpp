@@ -78,8 +78,8 @@ class StatsReport {
   void writeGroups(const Heading &heading, const std::vector<FigureGroup> &groups, size_t more) {
     const bool isAlbum = heading.by == Grouping::Album;
     using enum Column::Align;
-    std::vector<Column> columns = {{heading.text, Left, 16, 0}};
-    if (isAlbum) columns.push_back({"Artist", Left, 12, 0});
+    std::vector<Column> columns = {{heading.text, Left, 8, 0}};
+    if (isAlbum) columns.push_back({"Artist", Left, 8, 1});
     columns.push_back({kMeasureHeadings[static_cast<size_t>(measure_)], Right, 0, 0});
     columns.push_back({"", Left, 0, 0});
     uint64_t most = 0;
@@ -116,7 +116,7 @@ class StatsReport {
     out_.writeLine(line + text, indent);
   }
 
-  // What the columns before it leave of the terminal; at least a fifth of it, for which names are cut.
+  // What the columns before it leave of the terminal; at least an eighth of it, for which names are cut.
   static size_t barWidth(const std::vector<Column> &columns,
                          const std::vector<std::vector<std::string>> &rows) {
     constexpr size_t kWidest = 60;
@@ -130,7 +130,7 @@ class StatsReport {
         widest = std::max(widest, displayWidth(safeText(row[column])));
       used += widest + kGap;
     }
-    const size_t least = std::max<size_t>(1, *terminal / 5);
+    const size_t least = std::max<size_t>(1, *terminal / 8);
     return std::min(kWidest, used < *terminal ? std::max(least, *terminal - used) : least);
   }
 

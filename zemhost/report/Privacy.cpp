@@ -48,7 +48,8 @@ Privacy::Privacy(const player::DatabaseLocation &location, const player::Device 
                  const std::string &name)
     : isAsked_(true) {
   constexpr size_t kShortest = 4;  // of a number that says which player it is
-  for (const std::string &number : {device.serialNumber, device.guid}) {
+  const bool hasMark = device.guid.starts_with("0x");  // without which it may stand elsewhere
+  for (const std::string &number : {device.serialNumber, device.guid.substr(hasMark ? 2 : 0)}) {
     if (number.size() >= kShortest) numbers_.emplace_back(number, kLeftOut);
   }
   // Files are shown from the player's root; without a player by their names.

@@ -73,21 +73,29 @@ class Check {
       ++account_.filesThere;
       named_.insert(file.path.string());
       compareSize(index, song, file);
-      if (const int error = errorOfReading(file); error != 0)
-        add(player::FindingKind::Unreadable, unreadableText(index, song, file, error));
+      if (const int error = errorOfReading(file); error != 0) addUnreadable(index, song, file, error);
       return;
     }
     ++account_.filesMissing;
     if (file.isUnreadable()) {
-      add(player::FindingKind::Unreadable, unreadableText(index, song, file, file.error));
+      addUnreadable(index, song, file, file.error);
     } else {
+      account_.missing.push_back(index);
       add(player::FindingKind::MissingFile, missingFileText(index, song, file));
     }
   }
 
+  void addUnreadable(int32_t index, const Song &song, const SongFile &file, int error) {
+    account_.damaged.push_back({index, unreadableFault(error)});
+    add(player::FindingKind::Unreadable, unreadableText(index, song, file, error));
+  }
+
   void compareSize(int32_t index, const Song &song, const SongFile &file) {
     const SizeOfFile size = comparedSize(file, song);
-    if (size == SizeOfFile::Short) add(player::FindingKind::ShortFile, otherSizeText(index, song, file));
+    if (size == SizeOfFile::Short) {
+      account_.damaged.push_back({index, otherSizeFault(song, file)});
+      add(player::FindingKind::ShortFile, otherSizeText(index, song, file));
+    }
     if (size != SizeOfFile::Long) return;
     ++account_.filesLong;
     if (account_.remarks.size() < player::Findings::kKept)

@@ -56,9 +56,9 @@ const known = (format) => (value) => (value >= 0 ? format(value) : '');
 // `text` makes the text of a number; a column without it holds texts. `extra` columns are left out on paper. Widths are in
 // rem, and the least of columns that grow.
 const allColumns = [
-  { key: 'title', label: 'Title', width: 13, grows: true },
-  { key: 'artist', label: 'Artist', width: 9, grows: true },
-  { key: 'album', label: 'Album', width: 9, grows: true },
+  { key: 'title', label: 'Title', width: 16, grows: true },
+  { key: 'artist', label: 'Artist', width: 11, grows: true },
+  { key: 'album', label: 'Album', width: 11, grows: true },
   { key: 'duration', label: 'Time', width: 5, text: positive(timeText) },
   { key: 'genre', label: 'Genre', width: 7, grows: true },
   { key: 'year', label: 'Year', width: 4.2, text: positive(String) },

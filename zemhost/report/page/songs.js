@@ -55,6 +55,9 @@ class SongsView {
       ...columns.flatMap((column) => [[column.key, column.label], [`-${column.key}`, `${column.label}, reversed`]])],
     (value) => press({ sort: value }));
     this.sort.node.classList.add('sort');
+    this.filters = make('details', { class: 'filters', open: matchMedia('(min-width: 46rem)').matches },
+      make('summary', null, 'Filters'),
+      make('div', { class: 'fields' }, ...[...this.choices.values()].map((choice) => choice.node), this.sort.node));
     this.taken = make('div', { class: 'taken' });
     this.status = new Status();
     this.table = new SongTable({
@@ -65,9 +68,7 @@ class SongsView {
     main.append(
       make('h2', { class: 'hidden' }, 'Songs'),
       make('form', { class: 'tools', role: 'search', onsubmit: (event) => event.preventDefault() }, this.search.node,
-        make('details', { class: 'filters', open: matchMedia('(min-width: 46rem)').matches },
-          make('summary', null, 'Filters'),
-          make('div', { class: 'fields' }, ...[...this.choices.values()].map((choice) => choice.node), this.sort.node))),
+        this.filters),
       make('div', { class: 'line' }, this.status.node, this.taken),
       this.table.node,
     );
@@ -82,7 +83,10 @@ class SongsView {
 
   update(params) {
     if (this.search.field.value !== (params.get('q') ?? '')) this.search.field.value = params.get('q') ?? '';
-    if ([...this.choices.keys()].some((key) => params.has(key))) this.fill();
+    if ([...this.choices.keys()].some((key) => params.has(key))) {
+      this.fill();
+      this.filters.open = true;  // a filter that is set is seen
+    }
     for (const [key, choice] of this.choices) choice.choose(params.get(key));
     const sort = knownSort(params.get('sort'));
     this.sort.choose(sort || null);

@@ -160,6 +160,23 @@ class Report(unittest.TestCase):
         self.assertEqual(page["totals"]["songs"], len(order))
         self.assertEqual(page["title"], "Night Drives")
 
+    def test_folders_that_hold_each_other_lie_in_none(self):
+        def folder(number, inside):
+            return {0x1C: number, 0x28: 0x01000000, 0x30: inside}
+        lists = [("Ring 1", [], folder(11, 13)), ("Ring 2", [], folder(12, 11)), ("Ring 3", [], folder(13, 12)),
+                 ("Itself", [], folder(14, 14)), ("Outer", [], folder(15, 0)), ("Inner", [], folder(16, 15)),
+                 ("Leaf", [0], {0x1C: 17, 0x30: 16}), ("Beside the ring", [0], {0x1C: 18, 0x30: 12}),
+                 ("In a list", [0], {0x1C: 19, 0x30: 17}), ("In nothing", [0], {0x1C: 20, 0x30: 99})]
+        page = report(self.write("folders", library([{"title": "x"}], lists))).library["playlists"]
+        parents = {list["name"]: list["parent"] and page[list["parent"]]["name"] for list in page}
+        self.assertEqual([list["kind"] for list in page], ["library"] + 6 * ["folder"] + 4 * ["playlist"])
+        self.assertEqual({name: parent for name, parent in parents.items() if not name.startswith("Ring")},
+                         {"Library": None, "Itself": None, "Outer": None, "Inner": "Outer", "Leaf": "Inner",
+                          "Beside the ring": "Ring 2", "In a list": None, "In nothing": None})
+        # The ring is open at one place.
+        self.assertEqual(sorted(str(parents[f"Ring {number}"]) for number in (1, 2, 3))[0], "None")
+        self.assertEqual(len({parents[f"Ring {number}"] for number in (1, 2, 3)}), 3)
+
     def test_hostile_texts_are_data(self):
         songs = [{"title": text, "artist": text, "album": text, "genre": text, "composer": text, "comment": text}
                  for text in HOSTILE]

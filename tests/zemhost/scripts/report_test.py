@@ -137,6 +137,18 @@ class Report(unittest.TestCase):
             marks[song] |= 2
         self.assertEqual(page["songs"]["flags"], marks)
 
+    def test_damaged_database_is_shown_as_far_as_it_is_whole(self):
+        player = self.player_copy()
+        database = os.path.join(player, "iPod_Control", "iTunes", "iTunesDB")
+        os.truncate(database, os.path.getsize(database) // 2)
+        done = run("report", player, "-o", "-")
+        self.assertEqual(done.status, 0)
+        self.assertIn("the file is damaged", done.message)
+        page, songs = Page(done.out).library, export(player)["songs"]
+        self.assertGreater(len(songs), 5)
+        self.assertEqual(page["songs"]["title"], [song["title"] or "" for song in songs])
+        self.assertTrue(any("the file is damaged" in text for text in page["health"]["findings"]))
+
     def test_duplicates_are_those_that_the_command_lists(self):
         songs = [{"title": "One", "artist": "A", "length": 1000}, {"title": "Two", "artist": "A", "length": 1000},
                  {"title": "One", "artist": "A", "length": 2500}, {"title": "One", "artist": "A", "length": 90000}]
@@ -240,6 +252,7 @@ class Report(unittest.TestCase):
             self.assertEqual(shown.library["words"]["comment"], [""])
             self.assertEqual(shown.library["playlists"][0]["name"], "Library")
             self.assertEqual(len(shown.library["health"]["missing"]), 2)
+            self.assertEqual(report(path, "--privacy", "--playlist", "0").title, "Library")
 
     def test_title_is_the_asked_one_else_the_players_name_else_the_file(self):
         unnamed = self.write("My.itdb", library([{"title": "x"}]))

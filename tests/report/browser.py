@@ -27,6 +27,7 @@ class Browser:
         for argument in [*ARGUMENTS, f"--user-data-dir={self.folder / 'data'}", f"--window-size={width},{height}"]:
             options.add_argument(argument)
         options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
+        options.add_experimental_option("perfLoggingPrefs", {"enableNetwork": True, "enablePage": False})
         service = Service(shutil.which("chromedriver") or "chromedriver", log_path=os.devnull)
         self.driver = webdriver.Chrome(service=service, options=options)
         self.driver.set_script_timeout(30)
@@ -46,6 +47,7 @@ class Browser:
         self.driver.get("about:blank")
         self.logs()
         self.driver.get(address + hash)
+        self.settle()
 
     def logs(self):
         """What the console says since the last time, and the addresses asked for."""
@@ -82,7 +84,7 @@ class Browser:
     def settle(self):
         """Waits until what was asked for is drawn."""
         self.driver.execute_async_script(
-            "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()))")
+            "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(done)))")
 
     def picture(self, path):
         path.parent.mkdir(parents=True, exist_ok=True)

@@ -3,14 +3,19 @@
 const wordColumns = ['artist', 'album', 'album_artist', 'genre', 'composer', 'kind', 'media', 'comment'];
 const unknown = -1;
 
+function numbersOf(column) {
+  const numbers = new Float64Array(column.length);
+  for (let at = 0; at < numbers.length; at++) numbers[at] = column[at] ?? unknown;
+  return numbers;
+}
+
 // The library of the page's data. Numbers stand in typed arrays, unknown ones as -1; a column that is unknown for every
 // song is null.
 function readLibrary(text) {
   const data = JSON.parse(text);
   const songs = {};
   for (const [name, column] of Object.entries(data.songs)) {
-    if (name === 'title' || column === null) songs[name] = column;
-    else songs[name] = Float64Array.from(column, (value) => value ?? unknown);
+    songs[name] = name === 'title' || column === null ? column : numbersOf(column);
   }
   return { ...data, songs, count: songs.title.length, order: new Map() };
 }
@@ -51,13 +56,14 @@ const known = (format) => (value) => (value >= 0 ? format(value) : '');
 // `text` makes the text of a number; a column without it holds texts. `extra` columns are left out on paper. Widths are in
 // rem, and the least of columns that grow.
 const allColumns = [
-  { key: 'title', label: 'Title', width: 13, grows: true },
-  { key: 'artist', label: 'Artist', width: 9, grows: true },
-  { key: 'album', label: 'Album', width: 9, grows: true },
+  { key: 'title', label: 'Title', width: 16, grows: true },
+  { key: 'artist', label: 'Artist', width: 11, grows: true },
+  { key: 'album', label: 'Album', width: 11, grows: true },
   { key: 'duration', label: 'Time', width: 5, text: positive(timeText) },
   { key: 'genre', label: 'Genre', width: 7, grows: true },
   { key: 'year', label: 'Year', width: 4.2, text: positive(String) },
-  { key: 'rating', label: 'Stars', width: 6, text: positive((value) => starsText(starsOf(value))) },
+  { key: 'rating', label: 'Stars', width: 6, text: positive((value) => starsText(starsOf(value))),
+    spoken: (value) => `${countOf(starsOf(value), 'star')} of 5` },
   { key: 'plays', label: 'Plays', width: 4.6, text: known(countText) },
   { key: 'skips', label: 'Skips', width: 4.6, text: known(countText), extra: true },
   { key: 'last_played', label: 'Last played', width: 7.4, text: known(dayText), extra: true },

@@ -9,10 +9,15 @@ function searchField(label, typed) {
 // A list to choose from. `choices` are pairs of a value and a text; the chosen value is handed to `chosen`.
 class Choice {
   constructor(label, choices, chosen) {
-    this.values = choices.map(([value]) => value);
-    this.select = make('select', { onchange: () => chosen(this.values[this.select.selectedIndex]) },
-      ...choices.map(([, text]) => make('option', null, text)));
+    this.values = [];
+    this.select = make('select', { onchange: () => chosen(this.values[this.select.selectedIndex]) });
     this.node = make('label', { class: 'field' }, make('span', null, label), this.select);
+    this.add(choices);
+  }
+
+  add(choices) {
+    this.values.push(...choices.map(([value]) => value));
+    this.select.append(...choices.map(([, text]) => make('option', null, text)));
   }
 
   // Shows the value as chosen. One that the list does not know leaves nothing chosen.

@@ -47,14 +47,17 @@ class SongsView {
     this.choices = new Map();
     for (const [key, filter] of Object.entries(filters)) {
       if (!filter.field) continue;
-      const choices = choicesOf(key);
-      if (choices.length < 2 && key !== 'playlist') continue;
-      this.choices.set(key, new Choice(filter.label, [[null, 'All'], ...choices], (value) => press({ [key]: value })));
+      this.choices.set(key, new Choice(filter.label, [[null, 'All']], (value) => press({ [key]: value })));
     }
+    // Thousands of artists take longer to list than the songs in view, and can wait until these are seen.
+    requestAnimationFrame(() => setTimeout(() => this.fill()));
     this.sort = new Choice('Sort', [[null, 'Artist and album'],
       ...columns.flatMap((column) => [[column.key, column.label], [`-${column.key}`, `${column.label}, reversed`]])],
     (value) => press({ sort: value }));
     this.sort.node.classList.add('sort');
+    this.filters = make('details', { class: 'filters', open: matchMedia('(min-width: 46rem)').matches },
+      make('summary', null, 'Filters'),
+      make('div', { class: 'fields' }, ...[...this.choices.values()].map((choice) => choice.node), this.sort.node));
     this.taken = make('div', { class: 'taken' });
     this.status = new Status();
     this.table = new SongTable({
@@ -65,17 +68,25 @@ class SongsView {
     main.append(
       make('h2', { class: 'hidden' }, 'Songs'),
       make('form', { class: 'tools', role: 'search', onsubmit: (event) => event.preventDefault() }, this.search.node,
-        make('details', { class: 'filters', open: matchMedia('(min-width: 46rem)').matches },
-          make('summary', null, 'Filters'),
-          make('div', { class: 'fields' }, ...[...this.choices.values()].map((choice) => choice.node), this.sort.node))),
+        this.filters),
       make('div', { class: 'line' }, this.status.node, this.taken),
       this.table.node,
     );
     main.classList.add('filled');
   }
 
+  fill() {
+    if (this.filled) return;
+    this.filled = true;
+    for (const [key, choice] of this.choices) choice.add(choicesOf(key));
+  }
+
   update(params) {
     if (this.search.field.value !== (params.get('q') ?? '')) this.search.field.value = params.get('q') ?? '';
+    if ([...this.choices.keys()].some((key) => params.has(key))) {
+      this.fill();
+      this.filters.open = true;  // a filter that is set is seen
+    }
     for (const [key, choice] of this.choices) choice.choose(params.get(key));
     const sort = knownSort(params.get('sort'));
     this.sort.choose(sort || null);

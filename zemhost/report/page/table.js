@@ -65,14 +65,17 @@ class SongTable {
       else head.removeAttribute('aria-sort');
     });
     this.table.setAttribute('aria-rowcount', rows.length + 1);
-    this.active.row = 0;
+    const hadFocus = this.node.contains(document.activeElement);
+    this.active.row = Math.min(this.active.row, 0);
     this.body.replaceChildren();
     this.node.scrollTop = 0;
     this.draw();
+    if (hadFocus) this.cell(this.active)?.focus({ preventScroll: true });
   }
 
   measure() {
-    this.rowHeight = parseFloat(getComputedStyle(this.node).getPropertyValue('--row'));
+    const rem = parseFloat(getComputedStyle(document.documentElement).fontSize);
+    this.rowHeight = parseFloat(getComputedStyle(this.node).getPropertyValue('--row')) * rem;
     const head = this.heads[0].parentNode.offsetHeight;
     const all = this.rows.length * this.rowHeight;
     this.room = Math.max(0, this.node.clientHeight - head);
@@ -118,6 +121,7 @@ class SongTable {
     return make('tr', { role: 'row', 'aria-rowindex': row + 2, class: row % 2 ? 'odd' : 'even' },
       ...this.columns.map((column, at) => make('td', {
         role: 'gridcell', 'aria-colindex': at + 1, tabindex: -1, class: this.classOf(column),
+        'aria-label': column.spoken && song >= 0 ? column.spoken(songs[column.key][song]) : null,
       }, this.textOf(column, song, row))));
   }
 

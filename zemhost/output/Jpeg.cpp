@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <turbojpeg.h>
 
 #include "host/Error.h"
@@ -15,13 +16,15 @@ constexpr int kMostPixels = 1 << 24;
 using Turbo = std::unique_ptr<void, int (*)(tjhandle)>;
 
 Turbo started(tjhandle handle) {
-  if (handle == nullptr)
-    throw HostError("pictures in JPEG cannot be handled: " + std::string(tjGetErrorStr()));
+  if (handle == nullptr) throw std::bad_alloc();  // it fails for no other reason
   return {handle, tjDestroy};
 }
 
 [[noreturn]] void fail(const char *what, const Turbo &turbo) {
-  throw HostError(std::string("the picture cannot be ") + what + " as JPEG: " + tjGetErrorStr2(turbo.get()));
+  const std::string reason = tjGetErrorStr2(turbo.get());
+  // "Insufficient memory", "Memory allocation failure": nothing that the picture is to blame for.
+  if (reason.find("emory") != std::string::npos) throw std::bad_alloc();
+  throw HostError(std::string("the picture cannot be ") + what + " as JPEG: " + reason);
 }
 
 }  // namespace

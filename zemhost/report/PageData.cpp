@@ -74,7 +74,7 @@ class PageMaker {
 
   std::string title() const {
     if (!options_.title.empty()) return options_.title;
-    if (options_.playlist >= 0) return privacy_.text(library_.playlistName(options_.playlist));
+    if (options_.playlist >= 0) return pagePlaylistName(library_, options_.playlist, privacy_);
     if (options_.privacy) return facts_.device.model ? facts_.device.model->text() : "Music library";
     return name_.empty() ? library_.location().file.filename().string() : name_;
   }

@@ -98,6 +98,11 @@ class Podcasts {
 
 }  // namespace
 
+std::string pagePlaylistName(const MusicLibrary &library, int32_t playlist, const Privacy &privacy) {
+  const bool isOfAll = library.playlistFacts(playlist).kind == player::PlaylistKind::Library;
+  return privacy.isAsked() && isOfAll ? "Library" : privacy.text(library.playlistName(playlist));
+}
+
 std::string pagePlaylists(const MusicLibrary &library, const SongSelection &selection, int32_t chosen,
                           const Privacy &privacy) {
   std::vector<player::PlaylistFacts> lists;
@@ -108,16 +113,14 @@ std::string pagePlaylists(const MusicLibrary &library, const SongSelection &sele
   for (int32_t list = 0; list < library.playlistCount(); ++list) {
     if (chosen >= 0 && list != chosen) continue;
     const player::PlaylistFacts &facts = lists[static_cast<size_t>(list)];
-    // The list of all songs is called as the player is, which is often its owner's name.
-    const bool isNameless = privacy.isAsked() && facts.kind == player::PlaylistKind::Library;
-    const std::string name = isNameless ? "Library" : privacy.text(library.playlistName(list));
     const int32_t folder = chosen < 0 ? folders[static_cast<size_t>(list)] : -1;
     const std::optional<int64_t> created = daysOf(facts.created);
     const auto songs = chosen < 0 ? storedSongs(library, list) : listedSongs(library, list);
     const std::string rules = facts.rules ? pageJson(privacy.text(smart.text(*facts.rules))) : "null";
     playlists.push_back(
-        joined({member("name", pageJson(name)), member("kind", pageJson(playlistKindText(facts.kind))),
-                member("rules", rules), member("parent", folder < 0 ? "null" : std::to_string(folder)),
+        joined({member("name", pageJson(pagePlaylistName(library, list, privacy))),
+                member("kind", pageJson(playlistKindText(facts.kind))), member("rules", rules),
+                member("parent", folder < 0 ? "null" : std::to_string(folder)),
                 member("songs", indexes(songs, selection)),
                 member("created", created ? std::to_string(*created) : "null")},
                "{}"));

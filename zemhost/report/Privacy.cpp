@@ -47,7 +47,7 @@ std::string withoutMailAddresses(std::string_view text) {
 Privacy::Privacy(const player::DatabaseLocation &location, const player::Device &device,
                  const std::string &name)
     : isAsked_(true) {
-  constexpr size_t kShortest = 4;  // of a number that says which player it is
+  constexpr size_t kShortest = 4;                      // of a number that says which player it is
   const bool hasMark = device.guid.starts_with("0x");  // without which it may stand elsewhere
   for (const std::string &number : {device.serialNumber, device.guid.substr(hasMark ? 2 : 0)}) {
     if (number.size() >= kShortest) numbers_.emplace_back(number, kLeftOut);

@@ -137,6 +137,18 @@ class Report(unittest.TestCase):
             marks[song] |= 2
         self.assertEqual(page["songs"]["flags"], marks)
 
+    def test_damaged_database_is_shown_as_far_as_it_is_whole(self):
+        player = self.player_copy()
+        database = os.path.join(player, "iPod_Control", "iTunes", "iTunesDB")
+        os.truncate(database, os.path.getsize(database) // 2)
+        done = run("report", player, "-o", "-")
+        self.assertEqual(done.status, 0)
+        self.assertIn("the file is damaged", done.message)
+        page, songs = Page(done.out).library, export(player)["songs"]
+        self.assertGreater(len(songs), 5)
+        self.assertEqual(page["songs"]["title"], [song["title"] or "" for song in songs])
+        self.assertTrue(any("the file is damaged" in text for text in page["health"]["findings"]))
+
     def test_duplicates_are_those_that_the_command_lists(self):
         songs = [{"title": "One", "artist": "A", "length": 1000}, {"title": "Two", "artist": "A", "length": 1000},
                  {"title": "One", "artist": "A", "length": 2500}, {"title": "One", "artist": "A", "length": 90000}]
@@ -159,6 +171,23 @@ class Report(unittest.TestCase):
                          [("Night Drives", [order.index(entry["song_index"]) for entry in entries])])
         self.assertEqual(page["totals"]["songs"], len(order))
         self.assertEqual(page["title"], "Night Drives")
+
+    def test_folders_that_hold_each_other_lie_in_none(self):
+        def folder(number, inside):
+            return {0x1C: number, 0x28: 0x01000000, 0x30: inside}
+        lists = [("Ring 1", [], folder(11, 13)), ("Ring 2", [], folder(12, 11)), ("Ring 3", [], folder(13, 12)),
+                 ("Itself", [], folder(14, 14)), ("Outer", [], folder(15, 0)), ("Inner", [], folder(16, 15)),
+                 ("Leaf", [0], {0x1C: 17, 0x30: 16}), ("Beside the ring", [0], {0x1C: 18, 0x30: 12}),
+                 ("In a list", [0], {0x1C: 19, 0x30: 17}), ("In nothing", [0], {0x1C: 20, 0x30: 99})]
+        page = report(self.write("folders", library([{"title": "x"}], lists))).library["playlists"]
+        parents = {list["name"]: list["parent"] and page[list["parent"]]["name"] for list in page}
+        self.assertEqual([list["kind"] for list in page], ["library"] + 6 * ["folder"] + 4 * ["playlist"])
+        self.assertEqual({name: parent for name, parent in parents.items() if not name.startswith("Ring")},
+                         {"Library": None, "Itself": None, "Outer": None, "Inner": "Outer", "Leaf": "Inner",
+                          "Beside the ring": "Ring 2", "In a list": None, "In nothing": None})
+        # The ring is open at one place.
+        self.assertEqual(sorted(str(parents[f"Ring {number}"]) for number in (1, 2, 3))[0], "None")
+        self.assertEqual(len({parents[f"Ring {number}"] for number in (1, 2, 3)}), 3)
 
     def test_hostile_texts_are_data(self):
         songs = [{"title": text, "artist": text, "album": text, "genre": text, "composer": text, "comment": text}
@@ -223,6 +252,7 @@ class Report(unittest.TestCase):
             self.assertEqual(shown.library["words"]["comment"], [""])
             self.assertEqual(shown.library["playlists"][0]["name"], "Library")
             self.assertEqual(len(shown.library["health"]["missing"]), 2)
+            self.assertEqual(report(path, "--privacy", "--playlist", "0").title, "Library")
 
     def test_title_is_the_asked_one_else_the_players_name_else_the_file(self):
         unnamed = self.write("My.itdb", library([{"title": "x"}]))

@@ -31,6 +31,9 @@ class Browser:
         service = Service(shutil.which("chromedriver") or "chromedriver", log_path=os.devnull)
         self.driver = webdriver.Chrome(service=service, options=options)
         self.driver.set_script_timeout(30)
+        self.command("Performance.enable", timeDomain="threadTicks")
+        self.opened = 0
+        self.logs()  # what the browser asked for its own first page
 
     def close(self):
         self.driver.quit()
@@ -44,10 +47,13 @@ class Browser:
 
     def open(self, address, hash=""):
         """Opens the page anew, also where the address differs behind '#' alone."""
-        self.driver.get("about:blank")
-        self.logs()
-        self.driver.get(address + hash)
+        self.opened += 1
+        self.driver.get(f"{address}?{self.opened}{hash}")
         self.settle()
+
+    def go(self, hash):
+        """Follows a link within the page. It would do so in its own time, but for the event."""
+        self.run("location.hash = arguments[0]; dispatchEvent(new Event('hashchange'))", hash)
 
     def logs(self):
         """What the console says since the last time, and the addresses asked for."""
@@ -65,6 +71,11 @@ class Browser:
     def command(self, name, **arguments):
         return self.driver.execute_cdp_cmd(name, arguments)
 
+    def work(self):
+        """Seconds of processor time that the page has taken since it was asked for, whatever else the machine did."""
+        metrics = self.command("Performance.getMetrics")["metrics"]
+        return next(one["value"] for one in metrics if one["name"] == "TaskDuration")
+
     def all(self, selector):
         return self.driver.find_elements(By.CSS_SELECTOR, selector)
 
@@ -74,8 +85,8 @@ class Browser:
     def texts(self, selector):
         return self.run("return [...document.querySelectorAll(arguments[0])].map((e) => e.textContent)", selector)
 
-    def look(self, width=1280, height=800, dark=False, media="screen"):
-        """The size of the page on a screen of no scale, and its colours."""
+    def look(self, width=1280, height=800, dark=False, media=""):
+        """The size of the page, its colours, and what it is shown on when that is no screen."""
         self.command("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False)
         self.command("Emulation.setEmulatedMedia", media=media,
                      features=[{"name": "prefers-color-scheme", "value": "dark" if dark else "light"}])

@@ -91,7 +91,7 @@ class Keyboard(pages.PageTest):
         self.press(Keys.ENTER, Keys.ENTER)
         self.assertFalse(self.browser.one("dialog").is_displayed())
         self.press(Keys.ARROW_DOWN, Keys.ARROW_DOWN)
-        title = self.rows()[1]
+        title = self.focused()
         self.press(Keys.ENTER)
         self.assertTrue(self.browser.one("dialog").is_displayed())
         self.assertEqual(self.browser.one("#song-title").text, title)

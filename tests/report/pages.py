@@ -39,6 +39,10 @@ class PageTest(unittest.TestCase):
     def open(self, hash=""):
         self.browser.open(self.address, hash)
 
+    def go(self, hash):
+        """Follows a link within the page."""
+        self.browser.go(hash)
+
     def hash(self):
         return self.browser.run("return location.hash")
 

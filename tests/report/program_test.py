@@ -76,7 +76,7 @@ class Written(unittest.TestCase):
             const rows = {};
             const heads = [...document.querySelectorAll('.songs th')].map((e) => e.classList[0]);
             const travel = scroller.scrollHeight - scroller.clientHeight;
-            const steps = Math.min(arguments[0], Math.ceil(travel / 100) + 1);
+            const steps = Math.min(arguments[0], Math.ceil(travel / (scroller.clientHeight / 2)) + 1);
             for (let step = 0; step <= steps; step++) {
               scroller.scrollTop = travel * step / steps;
               scroller.dispatchEvent(new Event('scroll'));
@@ -92,7 +92,7 @@ class Written(unittest.TestCase):
         rows_seen = 0
         for at, playlist in enumerate(export["playlists"]):
             with self.subTest(playlist["name"]):
-                self.browser.run("location.hash = arguments[0]; dispatchEvent(new Event('hashchange'))", f"playlists?list={at}")
+                self.browser.go(f"playlists?list={at}")
                 entries = [entry["song_index"] for entry in playlist["entries"]]
                 if playlist["kind"] == "folder" and not entries:
                     continue

@@ -52,14 +52,6 @@ std::string indexes(const std::vector<int32_t> &songs, const SongSelection &sele
   return json + "]";
 }
 
-std::vector<int32_t> storedSongs(const MusicLibrary &library, int32_t playlist) {
-  std::vector<int32_t> songs;
-  const int32_t entries = library.entryCount(playlist);
-  for (int32_t position = 0; position < entries; ++position)
-    songs.push_back(library.entry(playlist, position).song);
-  return songs;
-}
-
 // Episodes by the names of their podcasts, in the order in which the names come.
 class Podcasts {
  public:
@@ -106,6 +98,7 @@ std::string pagePlaylistName(const MusicLibrary &library, int32_t playlist, cons
 std::string pagePlaylists(const MusicLibrary &library, const SongSelection &selection, int32_t chosen,
                           const Privacy &privacy) {
   std::vector<player::PlaylistFacts> lists;
+  lists.reserve(static_cast<size_t>(library.playlistCount()));
   for (int32_t list = 0; list < library.playlistCount(); ++list) lists.push_back(library.playlistFacts(list));
   const std::vector<int32_t> folders = foldersOf(lists);
   const SmartLists smart(library);

@@ -100,6 +100,13 @@ def main():
         else:
             beside.append(f"{what}: {ratio:.2f} x")
 
+    pages = [pathlib.Path(f"{library}.html") for library in libraries]
+    shown = [seconds(zemhost, "report", library, "-o", page) for library, page in zip(libraries, pages)]
+    exported = seconds(zemhost, "export", libraries[1], "--format", "json")
+    at_most("zemhost report of 100000 songs over zemhost export --format json", shown[1] / exported, 3)
+    small, large = (page.stat().st_size for page in pages)
+    at_most("zemhost report, bytes a song", (large - small) / 90_000, 250, "B")
+
     width = max(len(row[0]) for row in rows)
     for what, value, goal, good in rows:
         print(f"{what:<{width}}  {value:>12}  {goal:<16}  {'pass' if good else 'falls short'}")

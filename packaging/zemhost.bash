@@ -10,6 +10,8 @@ _zemhost_options() {
     export) echo '-h --help --format --excel -o --output --playlist --all-playlists --since-sync --fields --paths --encoding' ;;
     info | playlists) echo '-h --help --encoding' ;;
     plays) echo '-h --help --by --top --encoding' ;;
+    report) echo '-h --help -o --output --title --playlist --no-covers --privacy' ;;
+    stats) echo '-h --help --by --measure --top --json --encoding' ;;
     songs) echo '-h --help --columns --encoding' ;;
     playlist) echo '-h --help --columns --evaluate --day --encoding' ;;
     rescue) echo '-h --help --pattern --playlist --playlists --tags --covers --verify --skip-damaged --dry-run' ;;
@@ -22,13 +24,15 @@ _zemhost_options() {
 _zemhost_values() {
   case $1:$2 in
     plays:--by) echo 'song artist album' ;;
+    stats:--by) echo 'artist album genre year decade kind rating month' ;;
+    stats:--measure) echo 'songs time size plays' ;;
     compare:--by) echo 'song artist album genre composer' ;;
     export:--format) echo 'csv tsv json ndjson m3u8 xspf sqlite listenbrainz' ;;
     export:--paths) echo 'host relative device' ;;
-    export:-o | export:--output | export:--all-playlists) echo FILE ;;
+    export:-o | export:--output | export:--all-playlists | report:-o | report:--output) echo FILE ;;
     export:--playlist | export:--fields | *:--columns | *:--length | *:--top | *:--day | *:--encoding) echo TEXT ;;
     rescue:--playlists) echo 'none m3u8 xspf' ;;
-    rescue:--pattern | rescue:--playlist) echo TEXT ;;
+    report:--title | report:--playlist | rescue:--pattern | rescue:--playlist) echo TEXT ;;
     *) ;;
   esac
 }
@@ -54,7 +58,7 @@ _zemhost() {
   elif [[ -z $values && $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_zemhost_options "$command")" -- "$current")
   elif [[ -z $command ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'call check class compare covers duplicates export info photos playlist playlists plays rescue songs verify' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'call check class compare covers duplicates export info photos playlist playlists plays report rescue songs stats verify' -- "$current")
   else
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

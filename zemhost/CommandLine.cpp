@@ -171,6 +171,8 @@ void addCommands(CLI::App &program, Action &action) {
   addListing(program, action, "playlists", "List the playlists of a player or database", listPlaylists);
   addPlaylist(program, action);
   addPlays(program, action);
+  addStats(program, action);
+  addReport(program, action);
   addCheck(program, action);
   addExport(program, action);
   addRescue(program, action);

@@ -60,11 +60,12 @@ class Script(unittest.TestCase):
         self.tree = pathlib.Path(temporary.name) / "tree"
         self.tools = pathlib.Path(temporary.name) / "tools"
         self.asked = pathlib.Path(temporary.name) / "asked"
-        for file in ("test", "tools/common.sh", "packages.txt", "CMakePresets.json", "tests/db/CMakeLists.txt"):
+        for file in ("test", "tools/common.sh", "packages.txt", "CMakePresets.json", "tests/db/CMakeLists.txt",
+                     "tests/report/CMakeLists.txt"):
             (self.tree / file).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(ROOT / file, self.tree / file)
         self.tools.mkdir()
-        self.tool("dpkg-query", 'for name; do echo "$name installed"; done')
+        self.tool("dpkg-query", f'echo "dpkg-query $*" >>{self.asked}; for name; do echo "$name installed"; done')
         self.tool("cmake", f'echo "cmake $*" >>{self.asked}')
         self.tool("ctest", f'echo "ctest $*" >>{self.asked}')
 
@@ -94,6 +95,14 @@ class Script(unittest.TestCase):
             built, tested = self.ask(pattern)
             self.assertNotIn("--target", built)
             self.assertTrue(tested.endswith(f"--tests-regex {pattern}"), tested)
+
+    def test_browser_is_installed_where_its_tests_run(self):
+        for arguments, wanted in ((["report"], True), ([], True), (["--preset", "release", "Loader"], True), (["db"], False),
+                                  (["--preset", "clang"], False)):
+            self.ask(*arguments)
+            packages = " ".join(self.asked.read_text().split())
+            self.assertIn(" ninja-build ", packages)
+            self.assertEqual(" chromium " in packages, wanted, arguments)
 
     def test_no_pattern_builds_and_tests_everything(self):
         built, tested = self.ask()

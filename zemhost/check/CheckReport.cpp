@@ -89,16 +89,7 @@ void writeFindings(const player::Findings &findings, std::ostream &out) {
     return;
   }
   out << countText(findings.total(), "finding", "findings") << '\n';
-  std::array<uint64_t, player::kFindingKinds> shown{};
-  for (const player::Finding &finding : findings.kept()) {
-    if (++shown[static_cast<size_t>(finding.kind)] <= kShownOfEachKind) line(out, "- ", finding.text);
-  }
-  for (size_t i = 0; i < player::kFindingKinds; ++i) {
-    const auto kind = static_cast<player::FindingKind>(i);
-    if (findings.count(kind) <= kShownOfEachKind) continue;
-    out << "- and " << findings.count(kind) - kShownOfEachKind << " more of the kind "
-        << player::kindName(kind) << " (--json lists them)\n";
-  }
+  for (const std::string &text : findingLines(findings, kMoreInJson)) line(out, "- ", text);
 }
 
 // What is no fault and yet not as it is stated.
@@ -106,10 +97,7 @@ void writeRemarks(const LibraryAccount &library, std::ostream &out) {
   if (library.filesLong == 0) return;
   out << countText(library.filesLong, "remark: a file is longer", "remarks: files are longer")
       << " than the database states\n";
-  const size_t shown = std::min(library.remarks.size(), static_cast<size_t>(kShownOfEachKind));
-  for (size_t i = 0; i < shown; ++i) line(out, "- ", library.remarks[i]);
-  if (library.filesLong > shown)
-    out << "- and " << library.filesLong - shown << " more (--json lists them)\n";
+  for (const std::string &text : remarkLines(library, kMoreInJson)) line(out, "- ", text);
 }
 
 nlohmann::ordered_json countJson(uint64_t declared, uint64_t found) {
@@ -154,6 +142,32 @@ Json tablesJson(const CheckReport &report) {
 }
 
 }  // namespace
+
+std::vector<std::string> findingLines(const player::Findings &findings, const std::string &whereMore,
+                                      const std::set<player::FindingKind> &leftOut) {
+  std::vector<std::string> lines;
+  std::array<uint64_t, player::kFindingKinds> shown{};
+  for (const player::Finding &finding : findings.kept()) {
+    if (leftOut.contains(finding.kind)) continue;
+    if (++shown[static_cast<size_t>(finding.kind)] <= kShownOfEachKind) lines.push_back(finding.text);
+  }
+  for (size_t i = 0; i < player::kFindingKinds; ++i) {
+    const auto kind = static_cast<player::FindingKind>(i);
+    if (leftOut.contains(kind) || findings.count(kind) <= kShownOfEachKind) continue;
+    lines.push_back("and " + std::to_string(findings.count(kind) - kShownOfEachKind) + " more of the kind " +
+                    std::string(player::kindName(kind)) + " (" + whereMore + ")");
+  }
+  return lines;
+}
+
+std::vector<std::string> remarkLines(const LibraryAccount &library, const std::string &whereMore) {
+  const size_t shown = std::min(library.remarks.size(), static_cast<size_t>(kShownOfEachKind));
+  std::vector<std::string> lines(library.remarks.begin(),
+                                 library.remarks.begin() + static_cast<std::ptrdiff_t>(shown));
+  if (library.filesLong > shown)
+    lines.push_back("and " + std::to_string(library.filesLong - shown) + " more (" + whereMore + ")");
+  return lines;
+}
 
 void writeText(const CheckReport &report, std::ostream &out) {
   line(out, "Database  ", report.location.file.string() + (report.compressed ? " (compressed)" : ""));

@@ -80,23 +80,36 @@ class Check {
       compareSize(index, song, file);
       const carbon::Descriptor open = library_.open(file);
       if (const int error = errorOfReading(open); error != 0) {
-        add(player::FindingKind::Unreadable, unreadableText(index, song, file, error));
+        addUnreadable(index, song, file, error);
       } else if (readFiles_ && isNew) {
-        readWhole(open, file.size, songLabel(index, song) + ": " + file.path.string());
+        const std::string places = unreadablePlaces(open, file.size);
+        if (places.empty()) return;
+        account_.damaged.push_back({index, places});
+        add(player::FindingKind::Unreadable,
+            songLabel(index, song) + ": " + file.path.string() + ": " + places);
       }
       return;
     }
     ++account_.filesMissing;
     if (file.isUnreadable()) {
-      add(player::FindingKind::Unreadable, unreadableText(index, song, file, file.error));
+      addUnreadable(index, song, file, file.error);
     } else {
+      account_.missing.push_back(index);
       add(player::FindingKind::MissingFile, missingFileText(index, song, file));
     }
   }
 
+  void addUnreadable(int32_t index, const Song &song, const SongFile &file, int error) {
+    account_.damaged.push_back({index, unreadableFault(error)});
+    add(player::FindingKind::Unreadable, unreadableText(index, song, file, error));
+  }
+
   void compareSize(int32_t index, const Song &song, const SongFile &file) {
     const SizeOfFile size = comparedSize(file, song);
-    if (size == SizeOfFile::Short) add(player::FindingKind::ShortFile, otherSizeText(index, song, file));
+    if (size == SizeOfFile::Short) {
+      account_.damaged.push_back({index, otherSizeFault(song, file)});
+      add(player::FindingKind::ShortFile, otherSizeText(index, song, file));
+    }
     if (size != SizeOfFile::Long) return;
     ++account_.filesLong;
     if (account_.remarks.size() < player::Findings::kKept)
@@ -114,11 +127,12 @@ class Check {
     return 0;
   }
 
-  void readWhole(const carbon::Descriptor &open, uint64_t size, const std::string &label) {
+  // What of the file cannot be read; empty when all can.
+  static std::string unreadablePlaces(const carbon::Descriptor &open, uint64_t size) {
     PatientReader reader(open, size);
     for (uint64_t at = 0; at < size && !reader.block(at).empty(); at += PatientReader::kBlock) {
     }
-    if (!reader.gaps().empty()) add(player::FindingKind::Unreadable, label + ": " + gapsText(reader.gaps()));
+    return reader.gaps().empty() ? std::string() : gapsText(reader.gaps());
   }
 
   void checkPlaylists() {
@@ -177,7 +191,8 @@ class Check {
     const carbon::Descriptor open(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (open && fstat(open.number(), &status) == 0) {
-      readWhole(open, static_cast<uint64_t>(status.st_size), file.string());
+      const std::string places = unreadablePlaces(open, static_cast<uint64_t>(status.st_size));
+      if (!places.empty()) add(player::FindingKind::Unreadable, file.string() + ": " + places);
     } else {
       add(player::FindingKind::Unreadable,
           file.string() + " cannot be read: " + std::generic_category().message(errno));

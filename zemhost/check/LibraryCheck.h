@@ -11,6 +11,12 @@
 
 namespace zemhost {
 
+// What is wrong with the file of a song: it is empty, shorter than stated, or cannot be read.
+struct DamagedSong {
+  int32_t song = 0;   // library index
+  std::string fault;  // "its file is empty": without the song and its file
+};
+
 struct LibraryAccount {
   uint64_t lossyTexts = 0;
   uint64_t entriesWithoutSong = 0;
@@ -21,6 +27,9 @@ struct LibraryAccount {
   uint64_t filesUnnamed = 0;         // in the music folder
   uint64_t filesLong = 0;            // of the songs: those that are longer than the database states
   std::vector<std::string> remarks;  // of these the first, which is no fault of theirs
+  // All such songs, however many findings are kept; the library's indices, ascending.
+  std::vector<int32_t> missing;
+  std::vector<DamagedSong> damaged;
 };
 
 // Looks at every song, its texts and its file, at every playlist entry, and at every file of the music

@@ -5,6 +5,7 @@
 // (ExitStatus.h). Bad input throws HostError or PlayerError.
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -115,6 +116,26 @@ struct DuplicatesArguments {
   std::string encoding = "UTF-8";
 };
 int listDuplicates(const DuplicatesArguments &arguments);
+
+struct ReportArguments {
+  std::string path;
+  std::string output;    // a file, or what namesStandardOutput()
+  std::string title;     // empty: what the player is called
+  std::string playlist;  // empty: the whole library
+  bool noCovers = false;
+  bool privacy = false;  // leave out what is personal
+};
+int writeReport(const ReportArguments &arguments);
+
+struct StatsArguments {
+  std::string path;
+  std::string by;                 // one of groupingNames(); empty: an overview
+  std::string measure = "songs";  // one of measureNames()
+  std::optional<size_t> top;      // lines of each table
+  bool json = false;
+  std::string encoding = "UTF-8";
+};
+int showStats(const StatsArguments &arguments);
 
 struct CallArguments {
   std::string path;

@@ -30,6 +30,8 @@ class Covers {
   std::optional<size_t> imageOf(const player::SongFacts &song) const;
 
   // The largest picture of these images that can be read. Throws HostError when there is none.
+  KeptPicture largestKept(const std::set<size_t> &images) const { return list()->largestKept(images); }
+  // The same as a file.
   PictureFile largest(const std::set<size_t> &images) const { return list()->largest(images); }
 
   // One line about what is left out of the list; empty when nothing is, and until it was asked for.

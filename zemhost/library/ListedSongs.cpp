@@ -9,15 +9,6 @@ namespace zemhost {
 
 namespace {
 
-std::vector<int32_t> storedSongs(const MusicLibrary &library, int32_t playlist) {
-  std::vector<int32_t> songs;
-  const int32_t entries = library.entryCount(playlist);
-  songs.reserve(static_cast<size_t>(entries));
-  for (int32_t position = 0; position < entries; ++position)
-    songs.push_back(library.entry(playlist, position).song);
-  return songs;
-}
-
 // The lists in each folder, by the folder's persistent ID.
 std::map<uint64_t, std::vector<int32_t>> contentsOfFolders(const MusicLibrary &library) {
   std::map<uint64_t, std::vector<int32_t>> contents;
@@ -30,6 +21,15 @@ std::map<uint64_t, std::vector<int32_t>> contentsOfFolders(const MusicLibrary &l
 }
 
 }  // namespace
+
+std::vector<int32_t> storedSongs(const MusicLibrary &library, int32_t playlist) {
+  std::vector<int32_t> songs;
+  const int32_t entries = library.entryCount(playlist);
+  songs.reserve(static_cast<size_t>(entries));
+  for (int32_t position = 0; position < entries; ++position)
+    songs.push_back(library.entry(playlist, position).song);
+  return songs;
+}
 
 std::vector<int32_t> listedSongs(const MusicLibrary &library, int32_t playlist) {
   std::vector<int32_t> songs = storedSongs(library, playlist);

@@ -38,12 +38,18 @@ SizeOfFile comparedSize(const SongFile &file, const Song &song) {
   return file.size < song.size ? SizeOfFile::Short : SizeOfFile::Long;
 }
 
-std::string otherSizeText(int32_t index, const Song &song, const SongFile &file) {
+std::string otherSizeFault(const Song &song, const SongFile &file) {
   const std::string held = file.size == 0 ? std::string("its file is empty")
                                           : "its file has " + countText(file.size, "byte", "bytes");
-  const std::string stated =
-      song.size == 0 ? std::string() : ", and the database states " + std::to_string(song.size);
-  return songLabel(index, song) + ": " + held + stated + ": " + file.path.string();
+  return song.size == 0 ? held : held + ", and the database states " + std::to_string(song.size);
+}
+
+std::string otherSizeText(int32_t index, const Song &song, const SongFile &file) {
+  return songLabel(index, song) + ": " + otherSizeFault(song, file) + ": " + file.path.string();
+}
+
+std::string unreadableFault(int error) {
+  return "its file cannot be read: " + std::generic_category().message(error);
 }
 
 std::string unreadableText(int32_t index, const Song &song, const SongFile &file, int error) {

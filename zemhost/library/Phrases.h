@@ -23,10 +23,14 @@ std::string missingFileText(int32_t index, const Song &song, const SongFile &fil
 enum class SizeOfFile { AsStated, Short, Long };
 SizeOfFile comparedSize(const SongFile &file, const Song &song);
 
-// That a song's file has another size than the database states.
+// That a song's file has another size than the database states; the fault alone, or with the song and the
+// file.
+std::string otherSizeFault(const Song &song, const SongFile &file);
 std::string otherSizeText(int32_t index, const Song &song, const SongFile &file);
 
-// That a song's file, or a folder on its way, is there and cannot be read; `error` says why.
+// That a song's file, or a folder on its way, is there and cannot be read; `error` says why. The
+// fault alone, or with the song and the file.
+std::string unreadableFault(int error);
 std::string unreadableText(int32_t index, const Song &song, const SongFile &file, int error);
 
 // What the form of a database says of its origin.

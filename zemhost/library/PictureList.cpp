@@ -11,7 +11,6 @@
 #include "player/Chunk.h"
 #include "player/Error.h"
 #include "player/FileBytes.h"
-#include "player/Pixels.h"
 #include "player/StatedFormats.h"
 #include "zemhost/output/Png.h"
 #include "zemhost/output/Units.h"
@@ -97,7 +96,7 @@ std::vector<PictureList::Candidate> PictureList::candidates(const std::set<size_
   return found;
 }
 
-PictureFile PictureList::largest(const std::set<size_t> &images) const {
+KeptPicture PictureList::largestKept(const std::set<size_t> &images) const {
   const std::vector<Candidate> found = candidates(images);
   std::optional<HostError> first;
   for (const Candidate &candidate : found) {
@@ -111,7 +110,13 @@ PictureFile PictureList::largest(const std::set<size_t> &images) const {
   throw HostError("the player keeps it in no form that is known");
 }
 
-PictureFile PictureList::load(const Candidate &candidate) const {
+PictureFile PictureList::largest(const std::set<size_t> &images) const {
+  KeptPicture kept = largestKept(images);
+  if (!kept.jpeg.empty()) return {std::move(kept.jpeg), ".jpg"};
+  return {pngOf(kept.pixels), ".png"};
+}
+
+KeptPicture PictureList::load(const Candidate &candidate) const {
   const player::StoredPicture &picture = *candidate.picture;
   const SongFile file = files_.find(pictures_ + picture.file);
   const std::string bytes = readBytes(files_, file, picture.offset, picture.bytes);
@@ -123,9 +128,9 @@ PictureFile PictureList::load(const Candidate &candidate) const {
     const std::string_view jpeg = player::jpegIn(bytes);
     if (jpeg.empty())
       throw HostError(file.path.string() + ": no JPEG stands at " + player::hex(picture.offset));
-    return {std::string(jpeg), ".jpg"};
+    return {{}, std::string(jpeg)};
   }
-  return {pngOf(player::visiblePart(player::decodedSlot(bytes, candidate.format), picture.visible)), ".png"};
+  return {player::visiblePart(player::decodedSlot(bytes, candidate.format), picture.visible), {}};
 }
 
 carbon::Descriptor PictureList::open(const SongFile &photo) const { return openRegular(files_, photo); }

@@ -10,9 +10,16 @@
 #include "platform/carbon/Descriptor.h"
 #include "player/ImageDatabase.h"
 #include "player/PictureFormat.h"
+#include "player/Pixels.h"
 #include "zemhost/library/SongFiles.h"
 
 namespace zemhost {
+
+// A picture as the player keeps it: pixels, or a JPEG file. One of the two is empty.
+struct KeptPicture {
+  player::Picture pixels;
+  std::string jpeg;
+};
 
 // A picture as a file that other programs read.
 struct PictureFile {
@@ -33,9 +40,11 @@ class PictureList {
   const std::string &warning() const { return warning_; }
   const player::ImageDatabase &images() const { return images_; }
 
-  // The largest of the pictures of some images (positions in the list) that can be read, as a file; of two
-  // that are as large, the first. The whole photos are not looked at. Throws HostError, saying what is wrong
+  // The largest of the pictures of some images (positions in the list) that can be read; of two that are as
+  // large, the first. The whole photos are not looked at. Throws HostError, saying what is wrong
   // with the largest, when there is none.
+  KeptPicture largestKept(const std::set<size_t> &images) const;
+  // The same as a file.
   PictureFile largest(const std::set<size_t> &images) const;
 
   // The file of a photo itself, as the list names it; one that is not there when it names none.
@@ -53,7 +62,7 @@ class PictureList {
   void read(const std::string &place);
   void readStatedFormats();
   std::vector<Candidate> candidates(const std::set<size_t> &images) const;
-  PictureFile load(const Candidate &candidate) const;
+  KeptPicture load(const Candidate &candidate) const;
 
   SongFiles &files_;
   std::string pictures_;

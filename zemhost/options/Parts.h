@@ -90,5 +90,7 @@ void checkJsonEncoding(const CLI::App & /*command*/, Arguments &arguments) {
 void addExport(CLI::App &program, Action &action);
 void addCompare(CLI::App &program, Action &action);
 void addDuplicates(CLI::App &program, Action &action);
+void addReport(CLI::App &program, Action &action);
+void addStats(CLI::App &program, Action &action);
 
 }  // namespace zemhost

@@ -1,7 +1,9 @@
 #include "zemhost/output/Terminal.h"
 
 #include <charconv>
+#include <clocale>
 #include <cstdlib>
+#include <langinfo.h>
 #include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -19,6 +21,14 @@ std::optional<size_t> terminalWidth(int descriptor) {
   size_t width = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), width);
   return error == std::errc() && end == text.data() + text.size() && width > 0 ? width : kUsual;
+}
+
+bool isLocaleUtf8() {
+  const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+  if (locale == nullptr) return false;  // one that this machine does not know
+  const bool isUtf8 = std::string_view(nl_langinfo_l(CODESET, locale)) == "UTF-8";
+  freelocale(locale);
+  return isUtf8;
 }
 
 bool showsStyles(int descriptor) {

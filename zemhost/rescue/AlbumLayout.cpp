@@ -82,6 +82,20 @@ bool fitTogether(const std::vector<AlbumSong> &songs, const std::vector<size_t> 
 
 }  // namespace
 
+AlbumSong albumSong(const Song &song, std::string albumArtist) {
+  AlbumSong part;
+  part.album = song.album;
+  part.albumArtist = std::move(albumArtist);
+  part.artist = song.artist;
+  part.disc = song.facts.disc.value_or(0);
+  part.discs = song.facts.discs.value_or(0);
+  part.track = song.track;
+  part.trackTotal = song.trackTotal;
+  part.year = song.year;
+  part.compilation = song.facts.compilation.value_or(false);
+  return part;
+}
+
 AlbumLayout::AlbumLayout(const std::vector<AlbumSong> &songs) : albumOf_(songs.size()) {
   std::map<std::string, Places> byName;  // ordered, since a player's names could be made to meet in a hash
   std::map<std::string, Places> without;

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "zemhost/library/Song.h"
+
 namespace zemhost {
 
 // What decides it, of one song. Texts are UTF-8; an empty text and 0 stand for what is not known.
@@ -17,6 +19,9 @@ struct AlbumSong {
   uint32_t disc = 0, discs = 0, track = 0, trackTotal = 0, year = 0;
   bool compilation = false;  // marked as part of one
 };
+
+// The same of a song of a library, whose album artist is given beside it.
+AlbumSong albumSong(const Song &song, std::string albumArtist);
 
 // The folder of the albums of several artists.
 constexpr const char *kCompilations = "Compilations";
@@ -34,6 +39,10 @@ class AlbumLayout {
   // artist, or its artist; empty when none is known. A compilation is an album of several artists that is
   // marked so, or whose album artist is "Various Artists", or that has none.
   const std::string &artistOf(size_t song) const { return albums_[albumOf_[song]].artist; }
+
+  // The album of a song, likewise: a number that all its songs have and no others. Songs that name no album
+  // are one by artist.
+  size_t albumOf(size_t song) const { return albumOf_[song]; }
 
   // The disc of a song whose album has more than one, with zeros in front so that the discs of an album sort
   // as their numbers do; empty for others.

@@ -6,21 +6,6 @@ namespace zemhost {
 
 namespace {
 
-AlbumSong albumSong(const MusicLibrary &library, int32_t index) {
-  const Song song = library.song(index);
-  AlbumSong part;
-  part.album = song.album;
-  part.albumArtist = library.numberedText(index, kAlbumArtistText).value_or("");
-  part.artist = song.artist;
-  part.disc = song.facts.disc.value_or(0);
-  part.discs = song.facts.discs.value_or(0);
-  part.track = song.track;
-  part.trackTotal = song.trackTotal;
-  part.year = song.year;
-  part.compilation = song.facts.compilation.value_or(false);
-  return part;
-}
-
 bool isOfLayout(const std::string &field) { return field == kAlbumArtistField || field == kAlbumDiscField; }
 
 }  // namespace
@@ -35,7 +20,10 @@ SongNames::SongNames(const MusicLibrary &library, const NamePattern &pattern) : 
   std::vector<AlbumSong> songs;
   const int32_t count = library.songCount();
   songs.reserve(static_cast<size_t>(count));
-  for (int32_t index = 0; index < count; ++index) songs.push_back(albumSong(library, index));
+  for (int32_t index = 0; index < count; ++index) {
+    songs.push_back(
+        albumSong(library.song(index), library.numberedText(index, kAlbumArtistText).value_or("")));
+  }
   layout_ = std::make_unique<const AlbumLayout>(songs);
 }
 

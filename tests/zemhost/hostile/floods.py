@@ -81,14 +81,14 @@ def compressed_songs(place, count):
     place.write_database(compressed(library(_songs(count), [("List", range(count))])), "iTunesCDB")
 
 
-_LISTS = ("songs", "duplicates", "compare", "plays", "check", "json")
-_FILES = ("check", "rescue", "m3u8", "csv")
+_LISTS = ("songs", "duplicates", "compare", "plays", "check", "json", "stats", "report")
+_FILES = ("check", "rescue", "m3u8", "csv", "report")
 
 # The flood, its first size, and the commands that have most to do with it.
 FLOODS = {
     songs: (1500, ("info", *_LISTS, "sqlite", "csv")),
-    playlists: (1000, ("playlists", "check", "json", "rescue")),
-    entries: (5000, ("playlist", "check", "json", "rescue")),
+    playlists: (1000, ("playlists", "check", "json", "rescue", "report")),
+    entries: (5000, ("playlist", "check", "json", "rescue", "report")),
     names_that_are_cut_alike: (500, ("songs", "rescue", "copies")),
     one_text: (3000, (*_LISTS, "rescue", "csv", "m3u8")),
     texts_of_one_song: (5000, ("info", "check", "songs")),
@@ -109,6 +109,7 @@ _COMMANDS = {
     "json": ["export", "{player}", "--format", "json"],
     "m3u8": ["export", "{player}", "--format", "m3u8"],
     "sqlite": ["export", "{player}", "--format", "sqlite", "-o", "{work}/exports/songs.sqlite"],
+    "report": ["report", "{player}", "-o", "{work}/exports/library.html"],
     "rescue": ["rescue", "{player}", "{work}/music", "--dry-run"],
     "copies": ["rescue", "{player}", "{work}/music"],
 }

@@ -23,6 +23,8 @@ COMMANDS = {
     "playlists": [["{player}"]],
     "playlist": [["{player}", "1"]],
     "plays": [["{player}"]],
+    "stats": [["{player}"], ["{player}", "--by", "album", "--measure", "time"], ["{player}", "--json"]],
+    "report": [["{player}", "-o", "-"], ["{player}", "--privacy", "-o", "{work}/exports/library.html"]],
     "check": [["{player}"], ["{player}", "--read", "--json"]],
     "export": [["{player}", "--format", "csv"], ["{player}", "--format", "ndjson"], ["{player}", "--format", "m3u8"],
                ["{player}", "--format", "m3u8", "--paths", "device", "-o", "{work}/exports/list.m3u8"],

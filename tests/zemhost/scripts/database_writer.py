@@ -3,7 +3,7 @@
 import struct
 import zlib
 
-LITTLE = {"title": 1, "path": 2, "album": 3, "artist": 4, "genre": 5, "composer": 12, "album_artist": 22}
+LITTLE = {"title": 1, "path": 2, "album": 3, "artist": 4, "genre": 5, "comment": 8, "composer": 12, "album_artist": 22}
 # Numbers of a song in a little-endian library.
 NUMBERS = {"marks": 0x1C, "size": 0x24, "length": 0x28, "track": 0x2C, "track_total": 0x30, "year": 0x34, "disc": 0x5C, "discs": 0x60}
 COMPILATION = 0x10000  # among the marks

@@ -46,7 +46,8 @@ class Growth(unittest.TestCase):
     def test_of_each_command_with_an_ordinary_library(self):
         self.assert_linear(self.generated, lambda path: ["songs", path], lambda path: ["playlists", path],
                            lambda path: ["check", path], lambda path: ["export", path, "--format", "json"],
-                           lambda path: ["plays", path, "--by", "artist"])
+                           lambda path: ["plays", path, "--by", "artist"], lambda path: ["stats", path],
+                           lambda path: ["report", path, "-o", "-"])
 
     def test_of_comparisons_however_alike_the_songs_are(self):
         kinds = {"equal": lambda i: {"title": "Same", "artist": "A", "album": "X"},

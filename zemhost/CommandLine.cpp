@@ -1,6 +1,5 @@
 #include "zemhost/CommandLine.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 #include <string>

@@ -85,6 +85,11 @@ class Includes(unittest.TestCase):
         self.assertGreater(sum(pathlib.PurePath(file).suffix in SOURCES for file in self.files), 100)
         self.assertEqual(faults(ROOT, self.files), [])
 
+    def test_the_parser_of_the_command_line_is_included_in_one_place(self):
+        users = [file for file in self.files if pathlib.PurePath(file).suffix in SOURCES and
+                 re.search(r"^#include <CLI/", (ROOT / file).read_text(), re.M)]
+        self.assertEqual(users, ["zemhost/options/Parts.h"])
+
     def test_include_that_the_table_does_not_allow_is_named(self):
         for folder, header in (("db", "platform/FileReference.h"), ("player", "host/Host.h"),
                                ("player", "platform/carbon/CarbonFiles.h"), ("host", "zemhost/output/Table.h"),

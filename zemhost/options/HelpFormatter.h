@@ -1,7 +1,8 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "zemhost/options/Parts.h"
 
 namespace zemhost {
 

@@ -11,7 +11,8 @@ class Keyboard(pages.PageTest):
     def place(self):
         """The row (from 0, -1 the heads) and the column of the cell that has the keyboard."""
         return self.browser.run("""const cell = document.activeElement.closest('td, th');
-            return cell ? [cell.parentNode.getAttribute('aria-rowindex') - 2, cell.getAttribute('aria-colindex') - 1] : null""")
+            if (!cell) return null;
+            return [cell.parentNode.getAttribute('aria-rowindex') - 2, cell.getAttribute('aria-colindex') - 1]""")
 
     def tab_to_table(self):
         for _ in range(30):
@@ -78,7 +79,8 @@ class Keyboard(pages.PageTest):
     def assert_in_view(self):
         inside = self.browser.run("""const cell = document.activeElement.getBoundingClientRect();
             const table = document.querySelector('.scroller').getBoundingClientRect();
-            return cell.top >= table.top - 1 && cell.bottom <= table.bottom + 1 && cell.right > table.left && cell.left < table.right""")
+            return cell.top >= table.top - 1 && cell.bottom <= table.bottom + 1
+              && cell.right > table.left && cell.left < table.right""")
         self.assertTrue(inside)
 
     def test_heads_sort_and_rows_open(self):

@@ -22,7 +22,8 @@ TEXTS = """
     const backsOf = (node) => {
       for (let e = node; e; e = e.parentElement) {
         const style = getComputedStyle(e);
-        if (style.backgroundImage !== 'none') return style.backgroundImage.match(/(rgb|hsl|color)a?\\([^()]*\\)/g).map(channels);
+        const image = style.backgroundImage;
+        if (image !== 'none') return image.match(/(rgb|hsl|color)a?\\([^()]*\\)/g).map(channels);
         if (channels(style.backgroundColor)[3] === 255) return [channels(style.backgroundColor)];
       }
       return [[255, 255, 255, 255]];

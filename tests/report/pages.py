@@ -89,6 +89,11 @@ class PageTest(unittest.TestCase):
 
     # What a person does.
 
+    def follow(self, link):
+        """Presses a link. The page follows it once the browser has gone there."""
+        link.click()
+        self.browser.settle()
+
     def search(self, text):
         field = self.browser.one("input[type=search]")
         field.clear()

@@ -16,7 +16,7 @@ class Views(pages.PageTest):
         self.assertEqual(drawn["Signal & Ferry"], "SF")
         self.search("elodie")
         self.assertEqual(self.browser.texts(".wall strong"), ["Café & Engine"])
-        self.browser.one(".wall a").click()
+        self.follow(self.browser.one(".wall a"))
         album = self.songs_with("album", lambda name: name == "Café & Engine")
         self.assertEqual(self.rows(), self.titles(sorted(album, key=lambda song: self.column("track")[song])))
 
@@ -26,7 +26,7 @@ class Views(pages.PageTest):
         self.choose("Order", "Most songs")
         counts = [int(text.split(" · ")[1].split()[0]) for text in self.browser.texts(".rows span")]
         self.assertEqual(counts, sorted(counts, reverse=True))
-        self.browser.one(".rows").find_element("partial link text", "Idris Calloway").click()
+        self.follow(self.browser.one(".rows").find_element("partial link text", "Idris Calloway"))
         self.assert_shows(self.songs_with("artist", lambda name: name == "Idris Calloway"))
 
     def test_playlists_keep_their_order_rules_and_folders(self):
@@ -36,7 +36,7 @@ class Views(pages.PageTest):
         depths = self.browser.run("return [...document.querySelectorAll('.rows li')].map((e) => e.style.getPropertyValue('--depth'))")
         self.assertEqual(depths, ["0", "0", "0", "0", "1", "1"])
         self.assertEqual(self.browser.texts(".rows .rules"), ["Plays is greater than 30", "Genre is not Podcast"])
-        self.browser.one(".rows").find_element("partial link text", "Night Drives").click()
+        self.follow(self.browser.one(".rows").find_element("partial link text", "Night Drives"))
         self.assertEqual(self.browser.one("h2").text, "Night Drives")
         expected = [self.titles([song])[0] if song >= 0 else "A song that the library does not hold"
                     for song in self.made["playlists"][1]["songs"]]
@@ -53,7 +53,7 @@ class Views(pages.PageTest):
 
     def test_podcasts_have_their_episodes(self):
         self.open("#podcasts")
-        self.browser.one(".rows a").click()
+        self.follow(self.browser.one(".rows a"))
         self.assertEqual(self.rows(), ["Episode 1", "Episode 2", "Episode 3"])
 
     def test_player_says_what_the_check_found(self):
@@ -64,7 +64,7 @@ class Views(pages.PageTest):
             self.assertIn(part, text)
         links = self.browser.texts("main a")
         self.assertEqual([link.split(" by ")[0] for link in links], self.titles([6, 11, 1, 2, 20, 21, 22]))
-        self.browser.all("main a")[1].click()
+        self.follow(self.browser.all("main a")[1])
         self.assert_shows([11])
 
     def test_link_keeps_search_filters_and_sort(self):
@@ -78,11 +78,14 @@ class Views(pages.PageTest):
         self.open("#charts")
         self.open(link)
         self.assertEqual(self.rows(), rows)
+        plays = [int(text) for text in self.rows("plays")]
+        self.assertEqual(plays, sorted(plays, reverse=True))
         self.assertEqual(self.browser.one("input[type=search]").get_attribute("value"), "r")
         self.assertEqual(self.field("Kind").first_selected_option.text, "AAC audio file")
         self.assertEqual(self.browser.one("th.plays").get_attribute("aria-sort"), "descending")
-        self.browser.one("#views").find_element("link text", "Albums").click()
+        self.follow(self.browser.one("#views").find_element("link text", "Albums"))
         self.browser.driver.back()
+        self.browser.settle()
         self.assertEqual(self.rows(), rows)
 
     def test_link_of_something_else_shows_what_is_there(self):
@@ -124,9 +127,16 @@ class Views(pages.PageTest):
                 [...arguments[0].querySelectorAll('.bars tbody tr')].map((row) => [row.querySelector('a').getAttribute('href'),
                   `${row.querySelector('th').textContent}: ${row.querySelector('.number').textContent}`])]""", chart)
             self.assertEqual(columns[:len(rows)], rows)
-        column = self.browser.one(".chart .columns a[title='2003: 8'], .chart .columns a[title^='2003:']")
-        column.click()
+        self.follow(self.browser.one(".chart .columns a[title^='2003:']"))
         self.assert_shows(self.songs_with("year", lambda year: year == 2003))
+
+    def test_charts_stand_side_by_side_where_there_is_room(self):
+        for width, beside in ((1280, 3), (390, 1)):
+            self.browser.look(width=width)
+            self.open("#charts")
+            tops = [chart.rect["y"] for chart in self.browser.all(".chart")]
+            self.assertEqual(tops.count(tops[0]), beside)
+        self.browser.look()
 
     def test_measure_changes_what_the_bars_say(self):
         self.open("#charts")

@@ -67,10 +67,11 @@ function barTable(items, format, label, heads) {
 function columnChart(items, format, label, heads) {
   const greatest = items.reduce((most, { value }) => Math.max(most, value), 0);
   const every = Math.ceil(items.length / 6);
-  const chart = make('div', { class: 'columns', 'aria-hidden': 'true' }, ...items.map(({ text, hash, value }, at) => make('a', {
+  const columns = items.map(({ text, hash, value }, at) => make('a', {
     href: hash, tabindex: -1, title: `${text}: ${format(value)}`, '--part': greatest > 0 ? value / greatest : 0,
-  }, make('i'), make('span', null, at % every === 0 ? text : ''))));
-  return [chart, make('details', null, make('summary', null, 'As a table'), ...barTable(items, format, label, heads))];
+  }, make('i'), make('span', null, at % every === 0 ? text : '')));
+  return [make('div', { class: 'columns', 'aria-hidden': 'true' }, ...columns),
+    make('details', null, make('summary', null, 'As a table'), ...barTable(items, format, label, heads))];
 }
 
 // A chart: its name, its groups, and how they are drawn.
@@ -83,15 +84,17 @@ function wordChart(title, column, measure) {
   const words = library.words[column];
   if (songs[column] === null) return null;
   const items = sums((song) => songs[column][song], measure)
-    .map(([word, value]) => ({ text: words[word] || '(none)', hash: linkTo('songs', { [column]: wellFormed(words[word]) }), value }))
-    .sort((a, b) => b.value - a.value);
+    .map(([word, value]) => ({
+      text: words[word] || '(none)', hash: linkTo('songs', { [column]: wellFormed(words[word]) }), value,
+    })).sort((a, b) => b.value - a.value);
   return chart(title, items, measure.text, [title, measure.label]);
 }
 
 function albumChart(title, measure) {
   const items = sums((song) => (numberOf('album_of', song) < 0 ? null : numberOf('album_of', song)), measure)
-    .map(([album, value]) => ({ text: library.albums[album].name || 'No album', hash: linkTo('albums', { album }), value }))
-    .sort((a, b) => b.value - a.value);
+    .map(([album, value]) => ({
+      text: library.albums[album].name || 'No album', hash: linkTo('albums', { album }), value,
+    })).sort((a, b) => b.value - a.value);
   return chart(title, items, measure.text, [title, measure.label]);
 }
 
@@ -115,7 +118,8 @@ function range(from, to, step) {
 
 // A month's number, counted from the year 0; and its text.
 const monthNumber = (text) => Number(text.slice(0, 4)) * 12 + Number(text.slice(5)) - 1;
-const monthKey = (month) => `${String(Math.floor(month / 12)).padStart(4, '0')}-${String((month % 12) + 1).padStart(2, '0')}`;
+const monthKey = (month) => [Math.floor(month / 12), (month % 12) + 1]
+  .map((part, at) => String(part).padStart(at ? 2 : 4, '0')).join('-');
 
 function addedChart(measure) {
   const spans = (first, last) => range(monthNumber(first), monthNumber(last), 1).map(monthKey);
@@ -148,8 +152,8 @@ function starsChart(measure) {
 }
 
 function rateChart(measure) {
-  return orderedChart('Bit rates', (song) => (numberOf('bit_rate', song) > 0 ? rateOf(numberOf('bit_rate', song)) : null), measure,
-    { text: rateText, hash: (rate) => linkTo('songs', { rate }) });
+  const groupOf = (song) => (numberOf('bit_rate', song) > 0 ? rateOf(numberOf('bit_rate', song)) : null);
+  return orderedChart('Bit rates', groupOf, measure, { text: rateText, hash: (rate) => linkTo('songs', { rate }) });
 }
 
 // The songs of which a column says most.
@@ -164,11 +168,14 @@ function neverPlayedChart() {
   const artists = library.words.artist;
   const items = sums((song) => numberOf('artist', song), measures.songs, (song) => numberOf('plays', song) <= 0)
     .map(([artist, value]) => ({
-      text: artists[artist] || '(none)', hash: linkTo('songs', { plays: 'never', artist: wellFormed(artists[artist]) }), value,
+      text: artists[artist] || '(none)',
+      hash: linkTo('songs', { plays: 'never', artist: wellFormed(artists[artist]) }),
+      value,
     })).sort((a, b) => b.value - a.value);
   const section = chart('Never played', items, countText, ['Artist', 'Songs']);
   const all = items.reduce((sum, { value }) => sum + value, 0);
-  section?.append(make('p', null, make('a', { href: linkTo('songs', { plays: 'never' }) }, `All ${countOf(all, 'song')} never played`)));
+  section?.append(make('p', null,
+    make('a', { href: linkTo('songs', { plays: 'never' }) }, `All ${countOf(all, 'song')} never played`)));
   return section;
 }
 
@@ -178,7 +185,8 @@ class ChartsView {
       .map(([key, { label }]) => [key, label]);
     this.measure = new Choice('Measure', choices, (value) => press({ measure: value }));
     this.charts = make('div', { class: 'charts' });
-    main.append(make('h2', { class: 'hidden' }, 'Charts'), make('form', { class: 'tools' }, this.measure.node), this.charts);
+    main.append(make('h2', { class: 'hidden' }, 'Charts'), make('form', { class: 'tools' }, this.measure.node),
+      this.charts);
   }
 
   update(params) {

@@ -8,7 +8,8 @@ function emptyView(main, title, text) {
 
 // The rules of a smart list, one a line.
 function rulesOf(text) {
-  return (text ?? '').split('\n').filter((line) => line !== '').map((line) => make('small', { class: 'rules' }, isolated(line)));
+  return (text ?? '').split('\n').filter((line) => line !== '')
+    .map((line) => make('small', { class: 'rules' }, isolated(line)));
 }
 
 // One list: what it is, its rules when it is a smart one, and its songs in their order or sorted.
@@ -90,7 +91,8 @@ function playlistRow({ at, depth }) {
 
 // A view of things to choose from, one below the other.
 class RowsView {
-  constructor(main, title, list, rows, makeRow) {
+  constructor(main, title, rows, makeRow) {
+    const list = make('ul', { class: 'rows' });
     main.append(make('h2', { class: 'hidden' }, title), list);
     this.growing = new Growing(list, rows.length, (at) => makeRow(rows[at]));
   }
@@ -103,7 +105,7 @@ class RowsView {
 }
 
 function playlistsView(main, params) {
-  if (!params.has('list')) return new RowsView(main, 'Playlists', make('ul', { class: 'rows' }), playlistTree(), playlistRow);
+  if (!params.has('list')) return new RowsView(main, 'Playlists', playlistTree(), playlistRow);
   const list = library.playlists[params.get('list')];
   if (!list) return emptyView(main, 'Playlists', 'There is no such playlist.');
   return new ListView(main, {
@@ -115,15 +117,16 @@ function playlistsView(main, params) {
   });
 }
 
-function podcastRow({ name, episodes }, at) {
-  return make('li', null, make('a', { href: linkTo('podcasts', { list: at }) }, make('strong', null, isolated(name || 'No name')),
+function podcastRow({ name, episodes, at }) {
+  return make('li', null, make('a', { href: linkTo('podcasts', { list: at }) },
+    make('strong', null, isolated(name || 'No name')),
     make('span', null, `${countOf(episodes.length, 'episode')} \u00b7 ${durationText(sumOf('duration', episodes))}`)));
 }
 
 function podcastsView(main, params) {
   if (!params.has('list')) {
-    const rows = library.podcasts.map((podcast, at) => ({ podcast, at }));
-    return new RowsView(main, 'Podcasts', make('ul', { class: 'rows' }), rows, ({ podcast, at }) => podcastRow(podcast, at));
+    const rows = library.podcasts.map((podcast, at) => ({ ...podcast, at }));
+    return new RowsView(main, 'Podcasts', rows, podcastRow);
   }
   const podcast = library.podcasts[params.get('list')];
   if (!podcast) return emptyView(main, 'Podcasts', 'There is no such podcast.');

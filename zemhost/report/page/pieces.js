@@ -2,7 +2,9 @@
 
 // The toolbar of a view: a field to search in, and what else the view puts there.
 function searchField(label, typed) {
-  const field = make('input', { type: 'search', autocomplete: 'off', spellcheck: 'false', oninput: () => typed(field.value) });
+  const field = make('input', {
+    type: 'search', autocomplete: 'off', spellcheck: 'false', oninput: () => typed(field.value),
+  });
   return { field, node: make('label', { class: 'field search' }, make('span', null, label), field) };
 }
 

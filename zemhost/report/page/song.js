@@ -6,7 +6,8 @@ function factOf(column, song) {
   const text = cellText(column, song);
   if (text === '' || column.key === 'title') return [];
   const filter = linked[column.key];
-  const value = filter ? link(linkTo('songs', { [filter]: wellFormed(text) }), text, { onclick: closeSong }) : isolated(text);
+  const value = filter ? link(linkTo('songs', { [filter]: wellFormed(text) }), text, { onclick: closeSong })
+    : isolated(text);
   const label = column.key === 'bit_rate' ? 'Bit rate' : column.label;
   return [make('dt', null, label), make('dd', null, value, column.key === 'bit_rate' ? ' kbit/s' : '')];
 }

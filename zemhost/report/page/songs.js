@@ -105,7 +105,8 @@ class SongsView {
       const { label, text } = filters[key];
       const value = params.get(key);
       return make('button', { type: 'button', onclick: () => this.drop({ [key]: null }) }, `${label}: `,
-        isolated(text ? text(value) : value), make('span', { class: 'cross', 'aria-label': ', remove this filter' }, ' \u00d7'));
+        isolated(text ? text(value) : value), make('span', { 'aria-hidden': 'true' }, ' \u00d7'),
+        make('span', { class: 'hidden' }, ', remove this filter'));
     });
     if (keys.length > 0 || params.has('q')) {
       const none = Object.fromEntries([...Object.keys(filters), 'q'].map((key) => [key, null]));

@@ -34,7 +34,7 @@ class SongTable {
     this.body = make('tbody', { role: 'rowgroup' });
     this.table = make('table', {
       role: 'grid', class: 'songs', 'aria-label': label, 'aria-colcount': this.columns.length, 'aria-readonly': 'true',
-      '--tracks': this.columns.map(({ width, grows }) => (grows ? `minmax(${width}rem, ${width}fr)` : `${width}rem`)).join(' '),
+      '--tracks': this.columns.map(({ width, grows }) => `minmax(${width}rem, ${grows ? width : 0}fr)`).join(' '),
     }, make('thead', { role: 'rowgroup' }, make('tr', { role: 'row', 'aria-rowindex': 1 }, ...this.heads)), this.body);
     this.window = make('div', { class: 'window' }, this.table);
     const width = this.columns.reduce((sum, column) => sum + column.width, 1.4);

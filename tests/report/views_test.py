@@ -130,6 +130,14 @@ class Views(pages.PageTest):
         self.follow(self.browser.one(".chart .columns a[title^='2003:']"))
         self.assert_shows(self.songs_with("year", lambda year: year == 2003))
 
+    def test_charts_stand_side_by_side_where_there_is_room(self):
+        for width, beside in ((1280, 3), (390, 1)):
+            self.browser.look(width=width)
+            self.open("#charts")
+            tops = [chart.rect["y"] for chart in self.browser.all(".chart")]
+            self.assertEqual(tops.count(tops[0]), beside)
+        self.browser.look()
+
     def test_measure_changes_what_the_bars_say(self):
         self.open("#charts")
         for measure, of in (("Plays", lambda song: self.column("plays")[song]),

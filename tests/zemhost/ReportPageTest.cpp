@@ -29,14 +29,14 @@ TEST(ReportJson, NothingInItIsMarkup) {
 
 TEST(ReportJson, WhatNobodySeesStandsAsItsEscape) {
   EXPECT_EQ(pageJson("\u2028\u2029"), R"("\u2028\u2029")");
-  EXPECT_EQ(pageJson("\u202e\u2066\u200f\u061c"), R"("\u202e\u2066\u200f\u061c")");
+  EXPECT_EQ(pageJson("\u202e\u2066\u200f\u061c\u2069\u202c"), R"("\u202e\u2066\u200f\u061c\u2069\u202c")");
   EXPECT_EQ(pageJson(std::string("\0\n\x1b\x7f", 4)), R"("\u0000\n\u001b\u007f")");
   EXPECT_EQ(pageJson("\xff\xed\xa0\x80"), "\"\uFFFD\uFFFD\uFFFD\uFFFD\"");  // no character, and half of one
 }
 
 TEST(ReportJson, TextInMarkupIsText) {
   EXPECT_EQ(markupText("</title><b a='\"'>&amp;"), "&lt;/title&gt;&lt;b a=&#39;&quot;&#39;&gt;&amp;amp;");
-  EXPECT_EQ(markupText("a\nb\u202e"), "a\u240Ab\uFFFD");
+  EXPECT_EQ(markupText("a\nb\u202e\u202c"), "a\u240Ab\uFFFD\uFFFD");
 }
 
 TEST(ReportJson, ColumnOfWhichNothingIsKnownIsNull) {

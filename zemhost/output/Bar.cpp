@@ -19,8 +19,8 @@ std::string barText(uint64_t value, uint64_t most, size_t width, BarStyle style)
   const double share = std::min(1.0, static_cast<double>(value) / static_cast<double>(most));
   const auto length =
       std::max<size_t>(1, static_cast<size_t>(std::llround(share * static_cast<double>(width * parts))));
-  if (style == BarStyle::Ascii) return std::string(length, '#');
   std::string bar;
+  if (style == BarStyle::Ascii) return bar.append(length, '#');
   for (size_t cell = 0; cell < length / 8; ++cell) bar += "\xE2\x96\x88";
   // From one eighth, U+258F, up to seven, U+2589.
   if (length % 8 != 0) bar.append("\xE2\x96").append(1, static_cast<char>(0x90 - length % 8));

@@ -21,11 +21,11 @@ player::Picture scaled(const player::Picture &picture, uint32_t width, uint32_t 
   player::Picture small{width, height, {}};
   small.rgb.reserve(size_t{3} * width * height);
   for (uint32_t y = 0; y < height; ++y) {
-    const uint32_t top = static_cast<uint32_t>(uint64_t{y} * picture.height / height);
-    const uint32_t bottom = static_cast<uint32_t>(uint64_t{y + 1} * picture.height / height);
+    const auto top = static_cast<uint32_t>(uint64_t{y} * picture.height / height);
+    const auto bottom = static_cast<uint32_t>(uint64_t{y + 1} * picture.height / height);
     for (uint32_t x = 0; x < width; ++x) {
-      const uint32_t left = static_cast<uint32_t>(uint64_t{x} * picture.width / width);
-      const uint32_t right = static_cast<uint32_t>(uint64_t{x + 1} * picture.width / width);
+      const auto left = static_cast<uint32_t>(uint64_t{x} * picture.width / width);
+      const auto right = static_cast<uint32_t>(uint64_t{x + 1} * picture.width / width);
       std::array<uint64_t, 3> sums{};
       for (uint32_t row = top; row < bottom; ++row) {
         const char *pixel = &picture.rgb[(size_t{row} * picture.width + left) * 3];

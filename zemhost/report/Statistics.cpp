@@ -146,6 +146,7 @@ std::vector<FigureGroup> highest(std::vector<FigureGroup> groups, Grouping by, M
   if (top != 0 && order.size() > top) order.resize(top);
   if (isInOrder(by)) std::sort(order.begin(), order.end());
   std::vector<FigureGroup> chosen;
+  chosen.reserve(order.size() + 1);
   for (const size_t place : order) chosen.push_back(std::move(groups[place]));
   if (hasUnknown) chosen.push_back(std::move(groups.back()));
   return chosen;

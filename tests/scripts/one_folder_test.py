@@ -97,17 +97,22 @@ class Script(unittest.TestCase):
             self.assertTrue(tested.endswith(f"--tests-regex {pattern}"), tested)
 
     def test_browser_is_installed_where_its_tests_run(self):
-        for arguments, wanted in ((["report"], True), ([], True), (["--preset", "release", "Loader"], True), (["db"], False),
-                                  (["--preset", "clang"], False)):
+        for arguments, wanted in ((["report"], True), (["--all"], True), (["--preset", "release", "Loader"], True), (["db"], False),
+                                  ([], False), (["--preset", "clang"], False)):
             self.ask(*arguments)
             packages = " ".join(self.asked.read_text().split())
             self.assertIn(" ninja-build ", packages)
             self.assertEqual(" chromium " in packages, wanted, arguments)
 
-    def test_no_pattern_builds_and_tests_everything(self):
+    def test_no_pattern_builds_everything_and_tests_all_but_what_takes_long(self):
         built, tested = self.ask()
         self.assertNotIn("--target", built)
         self.assertNotIn("--tests-regex", tested)
+        self.assertIn("--label-exclude long", tested)
+
+    def test_what_takes_long_is_tested_where_it_is_asked_for(self):
+        for arguments in (["--all"], ["report"], ["db.Loader|plugin"]):
+            self.assertNotIn("--label-exclude", self.ask(*arguments)[1])
 
 
 unittest.main()

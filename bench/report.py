@@ -1,6 +1,7 @@
 """Prints the ratios we hold ourselves to, from the results of one `bench/run`."""
 
 import json
+import os
 import pathlib
 import subprocess
 import sys
@@ -35,6 +36,12 @@ def seconds(*command):
         took = time.perf_counter() - start
         best = took if best is None else min(best, took)
     return best
+
+
+def peak(*command):
+    """Megabytes of memory that a command takes at most."""
+    process = subprocess.Popen(command, stdout=subprocess.DEVNULL)
+    return os.wait4(process.pid, 0)[2].ru_maxrss // 1000
 
 
 def main():
@@ -94,7 +101,7 @@ def main():
     at_most("zemhost compare of 100000 songs with themselves over zemhost songs", compared / many, 2.5)
 
     # `rescue` ends when its copies are on the disk, so cp -r has the same goal only with sync -f.
-    for what, ratio in rescue.ratios(zemhost, sys.argv[3], "--quick" in sys.argv[4:]):
+    for what, ratio in rescue.ratios(zemhost, sys.argv[3], sys.argv[4] == "1"):
         if "sync" in what:
             at_least(what, ratio, 0.9)
         else:
@@ -106,6 +113,13 @@ def main():
     at_most("zemhost report of 100000 songs over zemhost export --format json", shown[1] / exported, 3)
     small, large = (page.stat().st_size for page in pages)
     at_most("zemhost report, bytes a song", (large - small) / 90_000, 250, "B")
+
+    for command in (["songs"], ["export", "--format", "json"], ["check"]) if sys.argv[5] else ():
+        words = [command[0], libraries[1], *command[1:]]
+        ratio = seconds(zemhost, *words) / seconds(sys.argv[5], *words)
+        at_most(f"zemhost {' '.join(command)} of 100000 songs over that of the other build", ratio, 1.5)
+        beside.append(f"zemhost {command[0]} of 100000 songs, peak of memory: {peak(zemhost, *words)} MB, the other build "
+                      f"{peak(sys.argv[5], *words)} MB")
 
     width = max(len(row[0]) for row in rows)
     for what, value, goal, good in rows:

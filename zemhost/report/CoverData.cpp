@@ -33,7 +33,8 @@ player::Picture scaled(const player::Picture &picture, uint32_t width, uint32_t 
           for (uint64_t &sum : sums) sum += static_cast<unsigned char>(*pixel++);
         }
       }
-      const uint64_t pixels = uint64_t{bottom - top} * (right - left);
+      // There is one at least, since no more are wanted than there are.
+      const uint64_t pixels = std::max(uint64_t{1}, uint64_t{bottom - top} * (right - left));
       for (const uint64_t sum : sums) small.rgb += static_cast<char>((sum + pixels / 2) / pixels);
     }
   }

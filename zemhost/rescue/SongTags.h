@@ -39,8 +39,8 @@ enum class TagOutcome {
 
 // Writes tags into an open copy of a file with this extension (".mp3"), which is read and written from its
 // beginning; nothing but the tags changes.
-// The work is done in a process of its own (Apart.h), since the file may be made to mislead: what it breaks is
-// the copy alone. Throws HostError when no process can be made.
+// The work is done in a process of its own (Apart.h), since the file may be made to mislead: what it breaks
+// is the copy alone. Throws HostError when no process can be made.
 TagOutcome writeTags(const carbon::Descriptor &copy, std::string_view extension, const SongTags &tags,
                      TagMode mode);
 

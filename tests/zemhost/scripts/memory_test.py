@@ -167,7 +167,8 @@ class Memory(unittest.TestCase):
                     else:
                         self.assertEqual((status, out, err), whole[:3], (path, command, limit))
                         well += 1
-                    limit += MEGABYTE // 3
+                    # `rescue` walks the folders, for which the library has one narrow window in which it cannot throw.
+                    limit += MEGABYTE // (8 if command == "rescue" else 3)
                 self.assertGreater(failures, 0, (path, command))
         self.assertGreater(named, 100)
 

@@ -49,7 +49,7 @@ def files_of_another_case(place, count):
 def files_that_are_missing(place, count):
     place.write_songs([{"title": str(i), "path": f":iPod_Control:Music:F00:gone{i}.mp3"} for i in range(count)])
     for i in range(count):
-        place.write_music(f"F00/other{i}.mp3", b"x")
+        place.write_music(f"F00/other{i}.txt", b"x")
 
 
 def folders_that_are_missing(place, count):

@@ -292,7 +292,7 @@ def tree_deeper_than_a_path(place):
 @player
 def tree_of_many_files(place):
     place.write_songs([{"title": str(i), "path": f":iPod_Control:Music:F00:song{i}.MP3"} for i in range(50)])
-    for i in range(1500):
+    for i in range(400):
         place.write_music(f"F00/SONG{i}.mp3")
 
 

@@ -92,7 +92,8 @@ def run(command, place, seconds, terminal=True):
         ours, theirs = os.pipe()
     environment = {"PATH": os.environ["PATH"], "TERM": "xterm", "LANG": "C.UTF-8", "SECRET": CANARY,
                    "TMPDIR": str(place.work / "tmp"),
-                   "ASAN_OPTIONS": f"detect_leaks=0:exitcode=77:quarantine_size_mb={256 if terminal else 4}",
+                   "ASAN_OPTIONS": "detect_leaks=0:exitcode=77:malloc_context_size=1:"
+                                   f"quarantine_size_mb={256 if terminal else 4}",
                    "UBSAN_OPTIONS": "print_stacktrace=1"}
     process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=theirs, stderr=theirs, cwd=place.root,
                                env=environment, preexec_fn=_before, start_new_session=True)

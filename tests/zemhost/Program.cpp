@@ -67,8 +67,8 @@ Channel outputChannel(const RunOptions &options) {
   unsetenv("NO_COLOR");
   setenv("TERM", "dumb", 1);  // shows no styles
   // The path string that Load asks for stays with the host by contract, so a sanitizer's search for leaks
-  // would fail every run; the host's own accounts are what finds leaks of strings. To note where each piece of memory
-  // was asked for takes half of a short run.
+  // would fail every run; the host's own accounts are what finds leaks of strings. To note where each piece
+  // of memory was asked for takes half of a short run.
   setenv("ASAN_OPTIONS", "detect_leaks=0:malloc_context_size=1", 1);
   for (const auto &[name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
   const bool ready = dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&

@@ -87,7 +87,7 @@ class Libgpod(unittest.TestCase):
         for name, (folder, database) in sorted(folders().items()):
             mount_point = os.path.join(self.folder, name)
             path = as_player(folder, database, mount_point)
-            yield (name, mount_point, line_of(os.path.join(os.environ["PRINTERS"], "print_songs"), path),
+            yield (name, mount_point, line_of(os.path.join(os.environ["PRINTERS"], "print_player"), "songs", path),
                    line_of(os.path.join(os.environ["PRINTERS"], "print_gpod"), mount_point))
 
     def test_songs_have_the_same_facts(self):

@@ -18,8 +18,8 @@ RANDOM_LISTS = 500
 
 
 def ask(lines):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_images")], input="\n".join(lines).encode(), stdout=subprocess.PIPE,
-                          check=True)
+    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "images"],
+                          input="\n".join(lines).encode(), stdout=subprocess.PIPE, check=True)
     return [json.loads(line) for line in done.stdout.splitlines()]
 
 

@@ -19,7 +19,8 @@ RANDOM_FILES = 500
 
 
 def read(paths):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_lists"), *paths], stdout=subprocess.PIPE, check=True)
+    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "lists", *paths],
+                          stdout=subprocess.PIPE, check=True)
     return [json.loads(line) for line in done.stdout.decode("utf-8", "surrogatepass").splitlines()]
 
 

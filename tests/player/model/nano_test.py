@@ -21,7 +21,8 @@ VARIANTS = 100
 
 
 def read(path):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_nano"), path], stdout=subprocess.PIPE, check=True)
+    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "nano", path],
+                          stdout=subprocess.PIPE, check=True)
     return json.loads(done.stdout)
 
 

@@ -16,7 +16,8 @@ RANDOM_FILES = 500
 
 
 def read(paths):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_shuffles"), *paths], stdout=subprocess.PIPE, check=True)
+    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "shuffles", *paths],
+                          stdout=subprocess.PIPE, check=True)
     return [json.loads(line) for line in done.stdout.splitlines()]
 
 

@@ -24,7 +24,8 @@ def real_files():
 
 
 def read(paths):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_songs"), *paths], stdout=subprocess.PIPE, check=True)
+    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "songs", *paths],
+                          stdout=subprocess.PIPE, check=True)
     return [json.loads(line) for line in done.stdout.decode().splitlines()]
 
 

@@ -1,10 +1,4 @@
-// Prints what the reader of a player knows of the playlists of databases, and of the players that they lie
-// on, for a reader of another making to compare: for each file one line of JSON.
-
-#include <cstdio>
-#include <exception>
 #include <fcntl.h>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "platform/carbon/Descriptor.h"
@@ -14,19 +8,16 @@
 #include "player/PlayerLists.h"
 #include "player/PlayerSongs.h"
 #include "player/SmartEvaluation.h"
+#include "tests/player/Printers.h"
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr uint32_t kNoon = 3236155200;  // on a day of 2006, when rules are looked at
-
-template <typename Number>
-Json jsonOf(const std::optional<Number> &fact) {
-  return fact ? Json(*fact) : Json();
-}
+using player::Json;
+using player::jsonOf;
 
 Json jsonOf(const player::RuleValue &value) { return Json::array({value.value, value.date, value.unit}); }
+
+constexpr uint32_t kNoon = 3236155200;  // on a day of 2006, when rules are looked at
 
 Json jsonOf(const player::SmartRules &rules) {
   Json groups = Json::array();
@@ -166,15 +157,8 @@ class Library {
 
 }  // namespace
 
-int main(int argc, char **argv) {
-  try {
-    for (int i = 1; i < argc; ++i) {
-      const Json line = Library(argv[i]).json();
-      std::puts(line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
-    }
-  } catch (const std::exception &error) {
-    (void)std::fprintf(stderr, "%s\n", error.what());
-    return 1;
-  }
-  return 0;
-}
+namespace player {
+
+Json listsJson(const std::string &path) { return Library(path).json(); }
+
+}  // namespace player

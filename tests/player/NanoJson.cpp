@@ -1,27 +1,12 @@
-// Prints what the reader of a player knows of the SQLite files of newest nanos, for a reader of another
-// making to compare: for each Library.itdb one line of JSON, null for one that is refused.
-
-#include <cstdio>
-#include <exception>
 #include <string>
 
 #include "player/Error.h"
 #include "player/SqliteLibrary.h"
-#include "tests/player/FactsJson.h"
+#include "tests/player/Printers.h"
 
 namespace {
 
 using player::Json;
-
-std::string hexadecimal(const std::string &bytes) {
-  constexpr const char *kDigits = "0123456789abcdef";
-  std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    text.append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 15]);
-  }
-  return text;
-}
 
 Json jsonOfSong(const player::SqliteSong &song) {
   Json json = player::jsonOf(song.facts);
@@ -43,7 +28,7 @@ Json jsonOfSong(const player::SqliteSong &song) {
   for (const player::SongText &text : song.texts) json["texts"].push_back({text.type, text.text});
   json["chapters"] = Json::array();
   for (const player::Chapter &chapter : song.chapters)
-    json["chapters"].push_back({chapter.start, chapter.title, hexadecimal(chapter.url)});
+    json["chapters"].push_back({chapter.start, chapter.title, player::hexOf(chapter.url)});
   return json;
 }
 
@@ -57,7 +42,7 @@ Json jsonOfList(const player::SqliteList &list) {
                {"modified", player::jsonOf(list.modified)},
                {"parent", player::jsonOf(list.parent)},
                {"category", player::jsonOf(list.category)},
-               {"criteria", hexadecimal(list.criteria)},
+               {"criteria", player::hexOf(list.criteria)},
                {"uses_rules", player::jsonOf(list.usesRules)},
                {"is_limited", player::jsonOf(list.isLimited)},
                {"is_live", player::jsonOf(list.isLive)},
@@ -72,7 +57,11 @@ Json jsonOfList(const player::SqliteList &list) {
   return json;
 }
 
-Json jsonOfLibrary(const std::string &path) {
+}  // namespace
+
+namespace player {
+
+Json nanoJson(const std::string &path) {
   try {
     const player::SqliteLibrary library(player::sqliteFilesBeside(path));
     Json json = {{"version", library.version()},
@@ -88,14 +77,4 @@ Json jsonOfLibrary(const std::string &path) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char **argv) {
-  try {
-    for (int i = 1; i < argc; ++i) std::puts(jsonOfLibrary(argv[i]).dump().c_str());
-  } catch (const std::exception &error) {
-    (void)std::fprintf(stderr, "%s\n", error.what());
-    return 1;
-  }
-  return 0;
-}
+}  // namespace player

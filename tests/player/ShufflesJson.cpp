@@ -1,17 +1,13 @@
-// Prints what the reader makes of files of shuffles, for a reader of another making to compare: for each file
-// one line of JSON.
-
 #include <fstream>
-#include <iostream>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "player/ShuffleDatabase.h"
+#include "tests/player/Printers.h"
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using player::Json;
 
 Json songsIn(const std::string &bytes) {
   const auto found = player::readShuffleDatabase(bytes);
@@ -36,11 +32,12 @@ Json countsIn(const std::string &bytes) {
 
 }  // namespace
 
-int main(int argc, char **argv) {
-  for (int i = 1; i < argc; ++i) {
-    std::ifstream in(argv[i], std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    std::cout << Json{{"list", songsIn(bytes)}, {"counts", countsIn(bytes)}}.dump() << '\n';
-  }
-  return 0;
+namespace player {
+
+Json shufflesJson(const std::string &path) {
+  std::ifstream in(path, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  return {{"list", songsIn(bytes)}, {"counts", countsIn(bytes)}};
 }
+
+}  // namespace player

@@ -13,4 +13,7 @@ using Json = nlohmann::ordered_json;
 // so that it may go to a terminal as it is; bytes that are not UTF-8 become U+FFFD.
 std::string jsonText(const Json &value, int indent = -1);
 
+// Adds the same on one line to a text. Quick for what rows are made of: null, numbers and plain texts.
+void appendJson(std::string &text, const Json &value);
+
 }  // namespace zemhost

@@ -10,12 +10,9 @@ namespace player {
 
 // The word at an offset, four bytes of which must be there.
 inline uint32_t wordAt(std::string_view bytes, size_t offset, bool bigEndian) {
-  uint32_t word = 0;
-  for (size_t i = 0; i < 4; ++i) {
-    const size_t at = offset + (bigEndian ? i : 3 - i);
-    word = word << 8 | static_cast<unsigned char>(bytes[at]);
-  }
-  return word;
+  const auto byte = [&](size_t i) { return uint32_t{static_cast<unsigned char>(bytes[offset + i])}; };
+  return bigEndian ? byte(0) << 24 | byte(1) << 16 | byte(2) << 8 | byte(3)
+                   : byte(3) << 24 | byte(2) << 16 | byte(1) << 8 | byte(0);
 }
 
 }  // namespace player

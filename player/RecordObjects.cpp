@@ -1,5 +1,8 @@
 #include "player/RecordObjects.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "player/FileWord.h"
 #include "player/Utf16.h"
 
@@ -9,20 +12,23 @@ namespace {
 
 constexpr size_t kTextHeader = 0x28;  // of a text, as far as the text
 constexpr uint64_t kLongestObject = 1U << 20;
+constexpr uint32_t kUsualObjects = 16;  // of a record; what more it announces need not be true
 
-std::string bytesFrom(FileWindow &file, const StoredObject &object, size_t start) {
+// Valid until something else of the file is read.
+std::string_view bytesFrom(FileWindow &file, const StoredObject &object, size_t start) {
   if (object.length < start || object.length > kLongestObject) return {};
-  return std::string(file.ahead(object.at + start, static_cast<size_t>(object.length) - start));
+  return file.ahead(object.at + start, static_cast<size_t>(object.length) - start);
 }
 
 }  // namespace
 
 std::vector<StoredObject> objectsOf(FileWindow &file, bool bigEndian, uint64_t record, uint64_t end) {
   std::vector<StoredObject> objects;
-  const std::string header(file.ahead(record, 16));
+  const std::string_view header = file.ahead(record, 16);
   if (header.size() < 16) return objects;
   const uint32_t announced = wordAt(header, 12, bigEndian);
   uint64_t at = record + wordAt(header, 4, bigEndian);
+  objects.reserve(std::min(announced, kUsualObjects));
   while (objects.size() < announced) {
     const std::string_view head = file.ahead(at, kTextHeader);
     if (head.size() < kHeaderOfObject || !head.starts_with(bigEndian ? "hohm" : "mhod")) break;
@@ -37,7 +43,7 @@ std::vector<StoredObject> objectsOf(FileWindow &file, bool bigEndian, uint64_t r
 }
 
 std::string bodyOf(FileWindow &file, const StoredObject &object) {
-  return bytesFrom(file, object, kHeaderOfObject);
+  return std::string(bytesFrom(file, object, kHeaderOfObject));
 }
 
 std::optional<std::string> textOf(FileWindow &file, bool bigEndian, const StoredObject &object) {

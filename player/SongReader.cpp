@@ -30,8 +30,10 @@ std::vector<StoredObject> SongReader::objects(size_t index) const {
 }
 
 std::vector<SongText> SongReader::texts(size_t index) const {
+  const std::vector<StoredObject> stored = objects(index);
   std::vector<SongText> texts;
-  for (const StoredObject &object : objects(index)) {
+  texts.reserve(stored.size());
+  for (const StoredObject &object : stored) {
     if (auto text = textOf(file_, bigEndian_, object)) texts.push_back({object.type, std::move(*text)});
   }
   return texts;

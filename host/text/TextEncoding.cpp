@@ -54,8 +54,8 @@ bool takeMark(const EncodingRow &row, std::string_view &bytes) {
 }
 
 // Hands each character to `sink`, and a replacement for what is none. Returns how many replacements.
-template <typename Read, typename Sink>
-size_t readAll(std::string_view bytes, Read read, Sink sink) {
+template <auto read, typename Sink>
+size_t readAll(std::string_view bytes, Sink sink) {
   size_t replacements = 0;
   for (size_t at = 0; at < bytes.size();) {
     const char32_t c = read(bytes, at);
@@ -71,11 +71,13 @@ size_t readText(const EncodingRow &row, std::string_view bytes, Sink sink) {
   size_t replacements = 0;
   switch (row.form) {
     case Form::Utf8:
-      return readAll(bytes, unicode::readUtf8, sink);
+      return readAll<unicode::readUtf8>(bytes, sink);
     case Form::Utf16:
-      return readAll(bytes, highFirst ? unicode::readUtf16<true> : unicode::readUtf16<false>, sink);
+      return highFirst ? readAll<unicode::readUtf16<true>>(bytes, sink)
+                       : readAll<unicode::readUtf16<false>>(bytes, sink);
     case Form::Utf32:
-      return readAll(bytes, highFirst ? unicode::readUtf32<true> : unicode::readUtf32<false>, sink);
+      return highFirst ? readAll<unicode::readUtf32<true>>(bytes, sink)
+                       : readAll<unicode::readUtf32<false>>(bytes, sink);
     case Form::Iconv:
       for (const char32_t c : codecOf(row).decode(bytes, replacements)) sink(c);
   }

@@ -90,17 +90,11 @@ inline void appendUtf8(std::string &out, char32_t c) {
   if (c < 0x80) {
     out += static_cast<char>(c);
   } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | c >> 6);
-    out += tail(0);
+    out.append({static_cast<char>(0xC0 | c >> 6), tail(0)});
   } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | c >> 12);
-    out += tail(6);
-    out += tail(0);
+    out.append({static_cast<char>(0xE0 | c >> 12), tail(6), tail(0)});
   } else {
-    out += static_cast<char>(0xF0 | c >> 18);
-    out += tail(12);
-    out += tail(6);
-    out += tail(0);
+    out.append({static_cast<char>(0xF0 | c >> 18), tail(12), tail(6), tail(0)});
   }
 }
 

@@ -47,7 +47,7 @@ class Check {
     const int32_t count = library_.songCount();
     for (int32_t index = 0; index < count; ++index) {
       const Song song = library_.song(index);
-      for (const std::string &field : library_.lossyTexts(index)) {
+      for (const std::string &field : song.lossyTexts) {
         ++account_.lossyTexts;
         add(player::FindingKind::LossyText,
             songLabel(index, song) + ": the " + field + " holds characters that are not valid");
@@ -65,10 +65,9 @@ class Check {
       differs("the file holds no song of the ID " + std::to_string(song.id.value_or(0)) + " at its place");
       return;
     }
-    Song answered = song;
-    answered.path = library_.answeredPath(index);
     for (const std::string &text :
-         songDifferences(answered, library_.textsInFile(index), library_.form() == LibraryForm::Desktop))
+         songDifferences(song, library_.answeredPath(index), library_.textsInFile(index),
+                         library_.form() == LibraryForm::Desktop))
       differs(text);
   }
 
@@ -160,7 +159,7 @@ class Check {
     const auto held = library_.idsInFile(list);
     if (!held || held->size() != static_cast<size_t>(library_.entryCount(list))) return;  // reported already
     for (size_t i = 0; i < held->size(); ++i) {
-      const auto answered = library_.entry(list, static_cast<int32_t>(i)).trackID;
+      const auto answered = library_.trackID(list, static_cast<int32_t>(i));
       if (answered && static_cast<uint32_t>(*answered) == (*held)[i]) continue;
       add(player::FindingKind::ClassDiffers,
           name + ", entry " + std::to_string(i) + ": the class answers another song than the file holds");

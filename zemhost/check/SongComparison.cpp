@@ -29,8 +29,8 @@ std::string quoted(const std::string &text) { return '"' + text + '"'; }
 
 }  // namespace
 
-std::vector<std::string> songDifferences(const Song &song, const std::vector<player::SongText> &texts,
-                                         bool bigEndian) {
+std::vector<std::string> songDifferences(const Song &song, const std::string &path,
+                                         const std::vector<player::SongText> &texts, bool bigEndian) {
   const player::SongFacts &facts = song.facts;
   std::vector<std::string> differences;
   const auto compare = [&](const char *what, uint32_t answered, const std::optional<uint32_t> &held) {
@@ -50,8 +50,9 @@ std::vector<std::string> songDifferences(const Song &song, const std::vector<pla
     const auto isOfType = [type](const player::SongText &text) { return text.type == type; };
     const auto held = std::find_if(texts.begin(), texts.end(), isOfType);
     if (type == 0 || held == texts.end() || std::any_of(held + 1, texts.end(), isOfType)) continue;
-    if (song.*known.text != held->text)
-      differences.push_back(differenceOf(known.name, quoted(song.*known.text), quoted(held->text)));
+    const std::string &answered = known.text == &Song::path ? path : song.*known.text;
+    if (answered != held->text)
+      differences.push_back(differenceOf(known.name, quoted(answered), quoted(held->text)));
   }
   return differences;
 }

@@ -76,12 +76,18 @@ void ClassSource::addFacts(int32_t index, Song &song) const {
 Song ClassSource::song(int32_t index) const {
   Song song;
   song.id = id_(index).integer();
-  song.title = title_.read(index, libType_);
-  song.artist = artist_.read(index, libType_);
-  song.album = album_.read(index, libType_);
-  song.genre = genre_.read(index, libType_);
-  song.composer = composer_.read(index, libType_);
-  song.fileType = fileType_.read(index, libType_);
+  const auto read = [&](const TextMethods &methods, const char *name) {
+    size_t lost = 0;
+    std::string text = methods.read(index, libType_, &lost);
+    if (lost > 0) song.lossyTexts.emplace_back(name);
+    return text;
+  };
+  song.title = read(title_, "title");
+  song.artist = read(artist_, "artist");
+  song.album = read(album_, "album");
+  song.genre = read(genre_, "genre");
+  song.composer = read(composer_, "composer");
+  song.fileType = read(fileType_, "file type");
   song.track = number(track_, index);
   song.trackTotal = number(trackTotal_, index);
   song.duration = duration(index);
@@ -120,19 +126,6 @@ std::vector<player::SongText> ClassSource::textsInFile(int32_t index) const {
   const auto place = static_cast<size_t>(index);
   const player::PlayerSongs &songs = *database_.songs;
   return place < songs.count() ? read([&] { return songs.texts(place); }) : std::vector<player::SongText>();
-}
-
-std::vector<std::string> ClassSource::lossyTexts(int32_t index) const {
-  const std::pair<const char *, const TextMethods *> fields[] = {
-      {"title", &title_}, {"artist", &artist_},     {"album", &album_},
-      {"genre", &genre_}, {"composer", &composer_}, {"file type", &fileType_}};
-  std::vector<std::string> names;
-  for (const auto &[name, methods] : fields) {
-    size_t lost = 0;
-    methods->read(index, libType_, &lost);
-    if (lost > 0) names.emplace_back(name);
-  }
-  return names;
 }
 
 const ClassSource::TextMethods &ClassSource::methodsOf(SongTextField field) const {
@@ -245,18 +238,24 @@ std::string ClassSource::playlistName(int32_t playlist, size_t *lost) const {
   return playlistNameText(name.bytes(), code, libType_, lost);
 }
 
-PlaylistEntry ClassSource::entry(int32_t playlist, int32_t position) const {
-  PlaylistEntry entry;
+std::optional<int32_t> ClassSource::trackID(int32_t playlist, int32_t position) const {
   if (const player::OnTheGoList *const list = onTheGo(playlist)) {
     const auto place = static_cast<size_t>(position);
-    if (place >= list->songs.size()) return entry;
-    entry.song = static_cast<int32_t>(list->songs[place]);
-    entry.trackID = id_(entry.song).integer();
-    entry.id = std::to_string(*entry.trackID);
+    if (place >= list->songs.size()) return std::nullopt;
+    return id_(static_cast<int32_t>(list->songs[place])).integer();
+  }
+  return entryTrackID_(playlist, position).integer();
+}
+
+PlaylistEntry ClassSource::entry(int32_t playlist, int32_t position) const {
+  PlaylistEntry entry;
+  entry.trackID = trackID(playlist, position);
+  if (!entry.trackID) return entry;
+  entry.id = std::to_string(*entry.trackID);
+  if (const player::OnTheGoList *const list = onTheGo(playlist)) {
+    entry.song = static_cast<int32_t>(list->songs[static_cast<size_t>(position)]);
     return entry;
   }
-  entry.trackID = entryTrackID_(playlist, position).integer();
-  entry.id = std::to_string(*entry.trackID);
   const int32_t song = entrySong_(playlist, position).integer();
   if (song < songCount() && id_(song).integer() == *entry.trackID) entry.song = song;
   return entry;

@@ -24,7 +24,7 @@ class ClassSource final : public LibrarySource {
   std::string volumeName() const override;
   const Object *object() const override { return &database_.object; }
 
-  int32_t songCount() const override { return songCount_().integer(); }
+  int32_t songCount() const override { return songCount_; }
   // With the path as the file has it: the class drops from it what lies above U+00FF.
   Song song(int32_t index) const override;
   std::string answeredPath(int32_t index) const override;
@@ -34,7 +34,6 @@ class ClassSource final : public LibrarySource {
   std::optional<std::string> numberedText(int32_t index, int32_t number) const override;
   int32_t numberedTextCount(int32_t index) const override { return numberedTextCount_(index).integer(); }
   std::vector<player::SongText> textsInFile(int32_t index) const override;
-  std::vector<std::string> lossyTexts(int32_t index) const override;
   std::string storedText(SongTextField field, int32_t index) const override;
   bool isSame(SongTextField by, int32_t one, int32_t other) const override;
   bool hasCounts() const override { return database_.songs->hasCounts(); }
@@ -50,6 +49,7 @@ class ClassSource final : public LibrarySource {
   int32_t entryCount(int32_t playlist) const override;
   // The class reads song 0 for an entry whose track ID no song carries; here such an entry names no song.
   PlaylistEntry entry(int32_t playlist, int32_t position) const override;
+  std::optional<int32_t> trackID(int32_t playlist, int32_t position) const override;
   std::optional<std::vector<uint32_t>> idsInFile(int32_t playlist) const override;
   std::vector<player::PodcastGroup> podcastGroups(int32_t playlist) const override;
   std::optional<int32_t> syncZone() const override;
@@ -87,7 +87,7 @@ class ClassSource final : public LibrarySource {
   TextMethods fileType_{database_.object, "FileType"};
   Method numberedText_ = database_.object.method("GetUnknown(index As Integer, num As Integer) As String");
   Method numberedTextCount_ = numberMethod("CountSongUnknown");
-  Method songCount_ = database_.object.method("CountSongs As Integer");
+  int32_t songCount_ = database_.object.call("CountSongs").integer();
   Method path_ = database_.object.method("GetPath(index As Integer) As String");
   Method id_ = numberMethod("GetID");
   Method track_ = numberMethod("GetNumOfTrack");

@@ -52,8 +52,6 @@ class LibrarySource {
   virtual int32_t numberedTextCount(int32_t index) const = 0;
   // All its texts as the file has them, read without the class.
   virtual std::vector<player::SongText> textsInFile(int32_t index) const = 0;
-  // The names of those of its texts that Unicode cannot hold whole: "title".
-  virtual std::vector<std::string> lossyTexts(int32_t index) const = 0;
   // The bytes of a text by which songs of this library are grouped, and whether two songs with the same bytes
   // are the same by this text.
   virtual std::string storedText(SongTextField field, int32_t index) const = 0;
@@ -74,6 +72,10 @@ class LibrarySource {
   virtual bool isAnsweredByClass(int32_t playlist) const = 0;
   virtual int32_t entryCount(int32_t playlist) const = 0;
   virtual PlaylistEntry entry(int32_t playlist, int32_t position) const = 0;
+  // Only its track ID, for those that need no more of many entries.
+  virtual std::optional<int32_t> trackID(int32_t playlist, int32_t position) const {
+    return entry(playlist, position).trackID;
+  }
   // The IDs of its songs as the file has them, read without the class; none where that is all there is.
   virtual std::optional<std::vector<uint32_t>> idsInFile(int32_t /*playlist*/) const { return std::nullopt; }
   // The groups of a list of podcasts; none of others, and where the source keeps none.

@@ -52,8 +52,6 @@ class MusicLibrary {
     return source_->numberedText(index, number);
   }
   int32_t numberedTextCount(int32_t index) const { return source_->numberedTextCount(index); }
-  // The names of those of a song's texts that Unicode cannot hold whole: "title".
-  std::vector<std::string> lossyTexts(int32_t index) const { return source_->lossyTexts(index); }
   // A song's texts as they stand in the file, read without the class.
   std::vector<player::SongText> textsInFile(int32_t index) const { return source_->textsInFile(index); }
   // The bytes of a text by which songs are grouped, and whether two songs with the same bytes are the same by
@@ -84,6 +82,10 @@ class MusicLibrary {
   bool isAnsweredByClass(int32_t playlist) const { return source_->isAnsweredByClass(playlist); }
   int32_t entryCount(int32_t playlist) const { return source_->entryCount(playlist); }
   PlaylistEntry entry(int32_t playlist, int32_t position) const { return source_->entry(playlist, position); }
+  // Only its track ID, for those that need no more of many entries.
+  std::optional<int32_t> trackID(int32_t playlist, int32_t position) const {
+    return source_->trackID(playlist, position);
+  }
   Totals playlistTotals(int32_t playlist) const;
   // The IDs of its songs as the file has them, read without the class; none where that is all there is.
   std::optional<std::vector<uint32_t>> idsInFile(int32_t playlist) const {

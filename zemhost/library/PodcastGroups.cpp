@@ -13,7 +13,7 @@ std::vector<EntryGroup> entryGroups(const MusicLibrary &library, int32_t playlis
   }
   const int32_t count = library.entryCount(playlist);
   for (int32_t position = 0; position < count; ++position) {
-    const auto id = library.entry(playlist, position).trackID;
+    const auto id = groupOf.empty() ? std::nullopt : library.trackID(playlist, position);
     const auto found = id ? groupOf.find(static_cast<uint32_t>(*id)) : groupOf.end();
     groups[found == groupOf.end() ? 0 : found->second].positions.push_back(position);
   }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "player/PlayCounts.h"
 #include "player/SongFacts.h"
@@ -18,6 +19,7 @@ struct Song {
   std::optional<int32_t> id;  // by which entries refer to it; none in a library without such numbers
   std::string title, artist, album, genre, composer, fileType;  // UTF-8; empty when the song has none
   std::string path;                                             // on the device, colon-separated
+  std::vector<std::string> lossyTexts;  // those of its texts that Unicode cannot hold whole: "title"
   uint32_t track = 0;
   uint32_t trackTotal = 0;
   uint32_t duration = 0;  // milliseconds

@@ -67,6 +67,7 @@ Song SqliteSource::song(int32_t index) const {
   song.composer = record.composer;
   song.fileType = record.kind;
   song.path = record.path;
+  song.lossyTexts = record.lossyTexts;
   song.facts = record.facts;
   song.track = record.facts.track.value_or(0);
   song.trackTotal = record.facts.trackTotal.value_or(0);
@@ -98,7 +99,6 @@ int32_t SqliteSource::numberedTextCount(int32_t index) const {
 }
 
 std::vector<player::SongText> SqliteSource::textsInFile(int32_t index) const { return record(index).texts; }
-std::vector<std::string> SqliteSource::lossyTexts(int32_t index) const { return record(index).lossyTexts; }
 
 std::string SqliteSource::storedText(SongTextField field, int32_t index) const {
   return textOf(record(index), field);

@@ -24,7 +24,6 @@ class SqliteSource final : public LibrarySource {
   std::optional<std::string> numberedText(int32_t index, int32_t number) const override;
   int32_t numberedTextCount(int32_t index) const override;
   std::vector<player::SongText> textsInFile(int32_t index) const override;
-  std::vector<std::string> lossyTexts(int32_t index) const override;
   std::string storedText(SongTextField field, int32_t index) const override;
   bool isSame(SongTextField by, int32_t one, int32_t other) const override;
   bool hasCounts() const override { return library_->hasCounts(); }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/text/TextEncoding.h"
+#include "platform/carbon/UnicodeForms.h"
 #include "player/FileWord.h"
 #include "zemhost/library/ClassWords.h"
 
@@ -89,9 +90,9 @@ std::string playlistNameText(std::string_view bytes, uint32_t code, int32_t libT
 std::string pathText(std::string_view bytes, int32_t libType) {
   if (libType == 0) return toUtf8(bytes, kMacRoman, nullptr);
   // The class has reduced each UTF-16 unit below 256 to one byte.
-  std::string units;
-  for (const char byte : bytes) units.append(1, '\0').append(1, byte);
-  return toUtf8(units, kUtf16, nullptr);
+  std::string text;
+  for (const char byte : bytes) unicode::appendUtf8(text, static_cast<unsigned char>(byte));
+  return text;
 }
 
 std::string otherText(std::string_view bytes) {

@@ -107,10 +107,6 @@ std::vector<player::SongText> UnnamedSongs::textsInFile(int32_t index) const {
   return isNamed(index) ? library_->textsInFile(index) : std::vector<player::SongText>();
 }
 
-std::vector<std::string> UnnamedSongs::lossyTexts(int32_t index) const {
-  return isNamed(index) ? library_->lossyTexts(index) : std::vector<std::string>();
-}
-
 std::string UnnamedSongs::storedText(SongTextField field, int32_t index) const {
   if (isNamed(index)) return library_->storedText(field, index);
   return textOf(unnamed(index).song, field);

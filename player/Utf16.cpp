@@ -11,7 +11,7 @@ namespace {
 template <bool bigEndian>
 std::string utf8Of(std::string_view bytes) {
   std::string text;
-  text.reserve(bytes.size());
+  text.reserve(bytes.size() / 2);
   for (size_t at = 0; at < bytes.size();) {
     const char32_t c = unicode::readUtf16<bigEndian>(bytes, at);
     unicode::appendUtf8(text, c == unicode::kNoCharacter ? unicode::kReplacement : c);

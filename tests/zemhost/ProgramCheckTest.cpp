@@ -313,7 +313,8 @@ TEST_F(CheckTest, RawDataSetOfAnUnknownTypeIsNoFault) {
 TEST_F(CheckTest, TextsThatAreNotValid) {
   samples::Track track;
   track.id = 52;
-  track.objects = {samples::TextObject(1, u"cut \xD83C"), samples::TextObject(4, u"whole 🌙")};
+  track.objects = {samples::TextObject(1, u"cut \xD83C"), samples::TextObject(4, u"whole 🌙"),
+                   samples::TextObject(12, u"\xDC00 alone")};
   samples::Playlist list;
   list.name = u"\xDC00 alone";
   const Report report =
@@ -321,8 +322,9 @@ TEST_F(CheckTest, TextsThatAreNotValid) {
   EXPECT_THAT(
       report.texts("lossy-text"),
       ElementsAre("song 0 \"cut \xEF\xBF\xBD\" by whole 🌙: the title holds characters that are not valid",
+                  "song 0 \"cut \xEF\xBF\xBD\" by whole 🌙: the composer holds characters that are not valid",
                   "playlist 0 \"\xEF\xBF\xBD alone\": the name holds characters that are not valid"));
-  EXPECT_EQ(report.findings(), 2U);
+  EXPECT_EQ(report.findings(), 3U);
 }
 
 TEST_F(CheckTest, ManyFindingsAreCountedAndTheFirstShown) {

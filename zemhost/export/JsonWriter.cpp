@@ -8,8 +8,8 @@ namespace zemhost {
 
 namespace {
 
-// Rows of the same columns as objects of JSON, written without making an object of each: that takes longer
-// than all else.
+// Rows of the same columns as objects of JSON. To make such an object of each row first would take longer
+// than to read the song.
 class RowText {
  public:
   explicit RowText(const std::vector<ExportColumn> &columns) {

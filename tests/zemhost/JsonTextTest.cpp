@@ -25,7 +25,7 @@ TEST(AppendJson, PlainValuesStandAsTheyAre) {
 
 TEST(AppendJson, EscapesWhatATextMayNotHold) {
   EXPECT_EQ(appended("a\"b\\c\nd"), R"(before "a\"b\\c\nd")");
-  EXPECT_EQ(appended("a\x7F\u009B2J\u202E"), R"(before "a\u007f\u009b2J\u202e")");
+  EXPECT_EQ(appended("a\x7F\u009B2J\u200F"), R"(before "a\u007f\u009b2J\u200f")");
   EXPECT_EQ(appended("\u97F3\xFF"), "before \"\u97F3\uFFFD\"");
 }
 

@@ -85,16 +85,23 @@ inline size_t wholeCharacters(std::string_view utf8, size_t most) {
 }
 
 // Each writer appends one character.
-inline void appendUtf8(std::string &out, char32_t c) {
+inline void appendBeyondAscii(std::string &out, char32_t c) {
   const auto tail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
+  if (c < 0x800) {
     out.append({static_cast<char>(0xC0 | c >> 6), tail(0)});
   } else if (c < 0x10000) {
     out.append({static_cast<char>(0xE0 | c >> 12), tail(6), tail(0)});
   } else {
     out.append({static_cast<char>(0xF0 | c >> 18), tail(12), tail(6), tail(0)});
+  }
+}
+
+// In two parts, of which the compilers put the one that most characters take into the loops over a text.
+inline void appendUtf8(std::string &out, char32_t c) {
+  if (c < 0x80) {
+    out += static_cast<char>(c);
+  } else {
+    appendBeyondAscii(out, c);
   }
 }
 

@@ -4,6 +4,8 @@
 //   read PATH OFFSET BYTES TIMES    reading any of these bytes of the file fails, as often as this
 //   gone FOLDER AFTER TIMES     all that lies below is gone once this many reads there have come through; so
 //                               many calls fail, and then it is back
+//   log FILE                    each opening adds a line to this file, "look PATH" where it is for looking
+//                               only, else "open PATH"
 //
 // Reads and opens only: what a name stands for can always be asked, as on a disk whose folders are in memory.
 
@@ -75,7 +77,18 @@ bool isGone(const std::string &path) {
   return false;
 }
 
+void logOpening(const std::string &path, int flags) {
+  for (const Fault &fault : faults()) {
+    if (fault.kind != "log") continue;
+    const std::string line = ((flags & O_PATH) != 0 ? "look " : "open ") + path + "\n";
+    const long log = ::syscall(SYS_openat, AT_FDCWD, fault.path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
+    if (log < 0 || write(static_cast<int>(log), line.data(), line.size()) < 0) std::abort();
+    close(static_cast<int>(log));
+  }
+}
+
 int errorOfOpening(const std::string &path, int flags) {
+  logOpening(path, flags);
   if ((flags & O_PATH) != 0) return 0;
   if (isGone(path)) return EIO;
   for (const Fault &fault : faults()) {

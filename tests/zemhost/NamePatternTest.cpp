@@ -8,6 +8,7 @@
 #include "host/Error.h"
 #include "zemhost/rescue/NamePattern.h"
 #include "zemhost/rescue/Progress.h"
+#include "zemhost/rescue/SafeName.h"
 
 namespace zemhost {
 namespace {
@@ -31,7 +32,9 @@ std::vector<std::string> namesOf(std::string_view text, const Values &values = k
   Row row;
   for (const std::string &field : pattern.fields())
     row.push_back(values.contains(field) ? values.at(field) : Json());
-  return pattern.names(row);
+  auto [names, file] = pattern.names(row);
+  names.push_back(safeName(file, kUnknownName));
+  return names;
 }
 
 std::string refusal(const std::string &pattern) {

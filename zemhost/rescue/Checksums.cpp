@@ -15,6 +15,7 @@ namespace {
 constexpr size_t kDigits = 64;
 
 std::string escaped(std::string_view name) {
+  if (name.find_first_of("\\\n\r") == std::string_view::npos) return std::string(name);
   std::string text;
   for (const char c : name) {
     if (c == '\\') {
@@ -101,9 +102,10 @@ void extendChecksums(const DestinationFolder &folder, const Checksums &more) {
   if (!sums) sums.emplace();
   const std::string before = sums->text();
   for (const auto &[file, sum] : more.sums()) sums->set(file, sum);
-  if (sums->text() == before) return;
+  const std::string after = sums->text();
+  if (after == before) return;
   OutputFile out(folder.path() / name);
-  out.write(sums->text());
+  out.write(after);
   out.finish();
 }
 

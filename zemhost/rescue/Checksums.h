@@ -26,7 +26,9 @@ class Checksums {
 
   // By the names of the files, as they stand on the disk.
   const std::map<std::string, std::string> &sums() const { return sums_; }
-  void set(const std::string &file, const std::string &sha256) { sums_[file] = sha256; }
+  void set(const std::string &file, const std::string &sha256) {
+    sums_.insert_or_assign(sums_.end(), file, sha256);  // mostly they come in order
+  }
 
  private:
   std::map<std::string, std::string> sums_;

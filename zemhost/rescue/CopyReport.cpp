@@ -12,16 +12,14 @@
 #include "player/FileBytes.h"
 #include "zemhost/files/OutputFile.h"
 #include "zemhost/files/PendingFile.h"
-#include "zemhost/output/JsonText.h"
 #include "zemhost/rescue/FileCopy.h"
+#include "zemhost/rescue/JsonLine.h"
 
 namespace zemhost {
 
 namespace {
 
 constexpr std::string_view kFirstLine = "{\"format\":\"zemhost rescue report\",\"version\":1}\n";
-
-std::string lineOf(const Json &json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 std::string nameNumbered(int number) {
   std::string name = "rescue-report";
@@ -52,7 +50,7 @@ std::optional<CopyRecord> recordIn(std::string_view line) {
     return std::nullopt;
   CopyRecord record;
   record.file = file->get<std::string>();
-  record.song = lineOf(*song);
+  record.song = jsonLine(*song);
   record.size = size->get<uint64_t>();
   const auto tagged = json.find("tagged_size");
   if (tagged != json.end() && tagged->is_number_unsigned()) record.taggedSize = tagged->get<uint64_t>();
@@ -65,6 +63,20 @@ std::optional<CopyRecord> recordIn(std::string_view line) {
   return record;
 }
 
+std::string lineOf(const CopyRecord &record) {
+  std::string line = "{\"file\":";
+  line.append(quotedLine(record.file));
+  line.append(",\"size\":").append(std::to_string(record.size));
+  line.append(",\"modified\":[").append(std::to_string(record.modified.tv_sec));
+  line.append(",").append(std::to_string(record.modified.tv_nsec));
+  line.append("],\"sha256\":").append(quotedLine(record.sha256));
+  Json unread;
+  for (const Gap &gap : record.gaps) unread.push_back({gap.offset, gap.size});
+  if (!record.gaps.empty()) line.append(",\"unread\":").append(jsonLine(unread));
+  if (record.taggedSize != 0) line.append(",\"tagged_size\":").append(std::to_string(record.taggedSize));
+  return line.append(",\"song\":").append(record.song).append("}\n");
+}
+
 bool isSame(const CopyRecord &one, const CopyRecord &other) {
   return one.song == other.song && one.sha256 == other.sha256 && one.gaps == other.gaps &&
          one.size == other.size && one.taggedSize == other.taggedSize &&
@@ -74,11 +86,12 @@ bool isSame(const CopyRecord &one, const CopyRecord &other) {
 }  // namespace
 
 std::string songIdentity(const Song &song, const SongFile &file) {
-  return lineOf({{"path", file.name},
-                 {"track_id", song.id ? Json(*song.id) : Json()},
-                 {"title", song.title},
-                 {"artist", song.artist},
-                 {"album", song.album}});
+  std::string line = "{\"path\":";
+  line.append(quotedLine(file.name));
+  line.append(",\"track_id\":").append(song.id ? std::to_string(*song.id) : "null");
+  line.append(",\"title\":").append(quotedLine(song.title));
+  line.append(",\"artist\":").append(quotedLine(song.artist));
+  return line.append(",\"album\":").append(quotedLine(song.album)).append("}");
 }
 
 CopyReport::CopyReport(const DestinationFolder &destination) : destination_(destination) {
@@ -134,7 +147,7 @@ void CopyReport::remember(CopyRecord record) {
 void CopyReport::make() {
   if (!exists_) {
     try {
-      OutputFile first(destination_.path() / name_);
+      OutputFile first(path());
       first.write(kFirstLine);
       first.finish();
     } catch (const HostError &) {
@@ -142,26 +155,16 @@ void CopyReport::make() {
     }
     exists_ = true;
   }
-  file_ = carbon::Descriptor(
-      open((destination_.path() / name_).c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  if (!file_) throw HostError((destination_.path() / name_).string(), errno);
+  file_ = carbon::Descriptor(open(path().c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  if (!file_) throw HostError(path(), errno);
 }
 
-void CopyReport::add(const CopyRecord &record) {
+void CopyReport::add(CopyRecord record) {
   if (const CopyRecord *known = ofFile(record.file); known != nullptr && isSame(*known, record)) return;
   if (!file_) make();
-  Json json = {{"file", record.file},
-               {"size", record.size},
-               {"modified", {record.modified.tv_sec, record.modified.tv_nsec}},
-               {"sha256", record.sha256}};
-  for (const Gap &gap : record.gaps) json["unread"].push_back({gap.offset, gap.size});
-  if (record.taggedSize != 0) json["tagged_size"] = record.taggedSize;
   std::string line = std::exchange(endsInALine_, true) ? "" : "\n";
-  line.append(lineOf(json));
-  line.pop_back();  // the song is JSON already
-  line.append(",\"song\":").append(record.song).append("}\n");
-  writeAll(file_.number(), line, (destination_.path() / name_).string());
-  remember(record);
+  writeAll(file_.number(), line.append(lineOf(record)), path());
+  remember(std::move(record));
 }
 
 }  // namespace zemhost

@@ -53,13 +53,15 @@ class CopyReport {
 
   // Adds a record, to the file too, which is made with the first one. Does nothing for one that is there
   // already. Throws HostError, naming the file, when it cannot be written.
-  void add(const CopyRecord &record);
+  void add(CopyRecord record);
 
  private:
   bool isReport() const;
   void read();
   void make();
   void remember(CopyRecord record);
+
+  std::string path() const { return (destination_.path() / name_).string(); }
 
   const DestinationFolder &destination_;
   std::string name_;  // a number is added where a file that is no report has the name

@@ -74,6 +74,7 @@ void DestinationFolder::make() {
   if (error) throw HostError(path_.string(), error.value());
   folder_ = carbon::Descriptor(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!folder_) throw HostError(path_.string(), errno);
+  last_ = {};
   // Where a file system knows no locks, there is none.
   if (flock(folder_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
     throw HostError(path_.string() + ": another rescue is writing here");
@@ -109,29 +110,37 @@ bool DestinationFolder::liesOnPlayer(int folder) const {
   return true;
 }
 
-// The folder that a name lies in; none when it does not exist.
-carbon::Descriptor DestinationFolder::folderOf(const std::string &name, bool make) const {
-  const std::string folder = parentOf(name);
-  const fs::path whole = (path_ / folder).lexically_normal();
+// None when it does not exist.
+carbon::Descriptor DestinationFolder::openFolder(const std::string &folder, bool make) const {
   carbon::Descriptor open = openBeneath(folder_.number(), folder, kLookUpOnly);
   if (!open && errno == ENOENT && make) {
-    const carbon::Descriptor parent = folderOf(folder, make);
+    const carbon::Descriptor parent = openFolder(parentOf(folder), make);
     if (mkdirat(parent.number(), lastOf(folder).c_str(), 0777) != 0 && errno != EEXIST) failTarget(errno);
     open = openBeneath(folder_.number(), folder, kLookUpOnly);
   }
+  const auto whole = [&] { return (path_ / folder).lexically_normal().string(); };
   if (!open && errno == EXDEV)
-    throw CopyFailure(kThisFile, EXDEV, whole.string() + ": a symbolic link leads out of " + path_.string());
+    throw CopyFailure(kThisFile, EXDEV, whole() + ": a symbolic link leads out of " + path_.string());
   if (!open && (make || errno != ENOENT)) failTarget(errno);
   if (open && liesOnPlayer(open.number())) {
-    throw CopyFailure(kThisFile, EXDEV,
-                      whole.string() + ": this lies on the player, and nothing is written there");
+    throw CopyFailure(kThisFile, EXDEV, whole() + ": this lies on the player, and nothing is written there");
   }
   return open;
 }
 
+// The folder that a name lies in; none when it does not exist. Valid until the next call.
+const carbon::Descriptor &DestinationFolder::folderOf(const std::string &name, bool make) const {
+  std::string folder = parentOf(name);
+  if (folder == last_.name && (last_.open || !make)) return last_.open;
+  last_ = {};
+  carbon::Descriptor open = openFolder(folder, make);
+  last_ = {std::move(folder), std::move(open)};
+  return last_.open;
+}
+
 std::optional<struct stat> DestinationFolder::statusOf(const std::string &name) const {
   if (!folder_) return std::nullopt;
-  const carbon::Descriptor folder = folderOf(name, false);
+  const carbon::Descriptor &folder = folderOf(name, false);
   struct stat status {};
   if (!folder) return std::nullopt;
   if (fstatat(folder.number(), lastOf(name).c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
@@ -140,7 +149,7 @@ std::optional<struct stat> DestinationFolder::statusOf(const std::string &name) 
 }
 
 carbon::Descriptor DestinationFolder::open(const std::string &name) const {
-  const carbon::Descriptor folder = folderOf(name, false);
+  const carbon::Descriptor &folder = folderOf(name, false);
   carbon::Descriptor file(openat(folder.number(), lastOf(name).c_str(),
                                  O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (!file) throw CopyFailure(kThisFile, errno);
@@ -149,6 +158,7 @@ carbon::Descriptor DestinationFolder::open(const std::string &name) const {
 
 DestinationFolder::NewCopy DestinationFolder::copy(const carbon::Descriptor &source,
                                                    const std::function<void(uint64_t)> &onBytes) const {
+  last_ = {};  // by its end another program may have moved it
   try {
     NewCopy copy{parts_->make(), {}};
     copy.content = copyContent(source, copy.part.content(), onBytes);
@@ -172,7 +182,7 @@ void DestinationFolder::close(NewCopy &copy) {
 
 void DestinationFolder::name(NewCopy &copy, const std::string &name) const {
   try {
-    const carbon::Descriptor folder = folderOf(name, true);
+    const carbon::Descriptor &folder = folderOf(name, true);
     copy.part.nameAs(folder.number(), lastOf(name));
   } catch (const std::system_error &error) {
     failTarget(error.code().value());

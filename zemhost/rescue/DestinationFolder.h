@@ -69,7 +69,8 @@ class DestinationFolder {
 
  private:
   bool liesOnPlayer(int folder) const;
-  carbon::Descriptor folderOf(const std::string &name, bool make) const;
+  carbon::Descriptor openFolder(const std::string &folder, bool make) const;
+  const carbon::Descriptor &folderOf(const std::string &name, bool make) const;
 
   std::filesystem::path path_;
   carbon::Descriptor folder_;  // locked once it is made; none while it does not exist
@@ -80,6 +81,12 @@ class DestinationFolder {
   bool playerIsMounted_ = false;  // so that all its files are on a device of their own
   // Folders that were found to lie elsewhere: to look at each of them once is enough.
   mutable std::set<std::pair<dev_t, ino_t>> elsewhere_;
+  // The folder that was asked for last, until the next file is copied: mostly the next name lies there too.
+  struct Folder {
+    std::string name;         // empty: none
+    carbon::Descriptor open;  // none where it is not there
+  };
+  mutable Folder last_;
 };
 
 }  // namespace zemhost

@@ -116,7 +116,8 @@ CopiedContent copyContent(const carbon::Descriptor &source, const carbon::Descri
   if (!S_ISREG(before.st_mode)) failSource(EINVAL);
   const auto size = static_cast<uint64_t>(before.st_size);
   // The system then reads further ahead.
-  [[maybe_unused]] const int advised = posix_fadvise(source.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  if (size > kBlock) [[maybe_unused]]
+    const int advised = posix_fadvise(source.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
   PatientReader reader(source, size);
   Sha256 sum;
   uint64_t done = 0;

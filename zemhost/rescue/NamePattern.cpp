@@ -243,15 +243,12 @@ std::vector<std::string> NamePattern::texts(const Row &values) const {
   return parts;
 }
 
-std::vector<std::string> NamePattern::names(const Row &values) const {
-  std::vector<std::string> names = texts(values);
-  for (std::string &name : names) name = safeName(name, "Unknown");
+NamePattern::Names NamePattern::names(const Row &values) const {
+  Names names{texts(values), {}};
+  names.file = std::move(names.folders.back());
+  names.folders.pop_back();
+  for (std::string &folder : names.folders) folder = safeName(folder, kUnknownName);
   return names;
-}
-
-std::string NamePattern::fileName(const Row &values, std::string_view suffix,
-                                  std::string_view extension) const {
-  return safeName(texts(values).back(), "Unknown", suffix, extension);
 }
 
 }  // namespace zemhost

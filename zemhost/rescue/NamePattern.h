@@ -18,6 +18,9 @@ constexpr std::string_view kUsualPattern = "{albumartist}/{album}/[{albumdisc}-]
 constexpr std::string_view kAlbumArtistField = "albumartist";
 constexpr std::string_view kAlbumDiscField = "albumdisc";
 
+// What stands for a part of a path of which nothing is left.
+constexpr std::string_view kUnknownName = "Unknown";
+
 class NamePattern {
  public:
   // Reads a pattern: text, fields in braces, '/' between folders. {a|b} is the first field that is not empty,
@@ -29,13 +32,15 @@ class NamePattern {
   // The fields that stand in it, each once: names of an export's columns, and the two above.
   const std::vector<std::string> &fields() const { return fields_; }
 
-  // The folders and, last, the file's name without extension, of a song with these values, which stand beside
-  // fields(): each safe as a part of a path. An empty text outside [] becomes "Unknown Artist" and the like,
-  // or nothing. A number of which 0 says nothing is nothing then, a date is its day, and what is true is the
-  // name of its field.
-  std::vector<std::string> names(const Row &values) const;
-  // The last one with a suffix and an extension, within the length that names may have.
-  std::string fileName(const Row &values, std::string_view suffix, std::string_view extension) const;
+  struct Names {
+    std::vector<std::string> folders;  // each safe as a part of a path
+    std::string file;                  // the text that safeName() makes the file's name from
+  };
+
+  // What a song with these values, which stand beside fields(), is called. An empty text outside [] becomes
+  // "Unknown Artist" and the like, or nothing. A number of which 0 says nothing is nothing then, a date is
+  // its day, and what is true is the name of its field.
+  Names names(const Row &values) const;
 
  private:
   enum class Sign { Literal, Field, Slash, Open, Close };

@@ -15,7 +15,6 @@
 #include "zemhost/output/DisplayText.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
-#include "zemhost/rescue/Checksums.h"
 #include "zemhost/rescue/CopyReport.h"
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/FileCopy.h"
@@ -118,7 +117,7 @@ class Rescue {
     copies_.resize(plan_.files().size());
     ReadAhead ahead(library_, plan_.files());
     for (size_t place = 0; place < copies_.size(); ++place) {
-      ahead.turnOf(place);
+      opened_ = ahead.turnOf(place);
       if (tryToCopy(place, false)) tryToCopy(place, true);
     }
     try {
@@ -254,8 +253,8 @@ class Rescue {
     return false;
   }
 
-  DestinationFolder::NewCopy copyOfSource(const PlannedFile &file) const {
-    const carbon::Descriptor source = library_.open(file.source);
+  DestinationFolder::NewCopy copyOfSource(const PlannedFile &file) {
+    const carbon::Descriptor source = opened_ ? std::exchange(opened_, {}) : library_.open(file.source);
     if (!source) throw CopyFailure(CopyFailure::Reach::ThisFile, errno);
     return destination_.copy(source, [&](uint64_t bytes) { progress_->addBytes(bytes); });
   }
@@ -327,12 +326,9 @@ class Rescue {
 
   bool tryToReport(const std::string &stopped, bool isLast) {
     try {
-      Checksums sums;
-      for (const auto &[file, record] : report_.records()) {
-        if (!record.sha256.empty() && destination_.statusOf(file)) sums.set(file, record.sha256);
-      }
-      extendChecksums(destination_, sums);
-      writeRescueReport(destination_, {library_, plan_, copies_, result_, stopped});
+      const FinishedRescue finished{library_, plan_, copies_, result_, stopped};
+      writeChecksums(destination_, report_, finished);
+      writeRescueReport(destination_, finished);
       return true;
     } catch (const std::runtime_error &failure) {
       if (isLast) result_.problems.emplace_back(failure.what());
@@ -381,7 +377,8 @@ class Rescue {
   PendingCopies pending_;
   Progress *progress_ = nullptr;  // while songs are copied
   bool reportFailed_ = false;
-  bool wasAway_ = false;  // the player, while a song was copied
+  bool wasAway_ = false;       // the player, while a song was copied
+  carbon::Descriptor opened_;  // the file whose turn it is, until it is copied; perhaps none
 };
 
 }  // namespace

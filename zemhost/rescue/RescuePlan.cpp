@@ -61,9 +61,8 @@ void RescuePlan::addSong(int32_t index) {
 }
 
 void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
-  const std::string extension = file.source.path.extension().string();
-  const Naming naming = namingOf(index, song);
-  const std::string wanted = folderFor(namesOf(naming)) + fileName(naming, "", safeExtension(extension));
+  const Naming naming = namingOf(index, song, file.source);
+  const std::string wanted = nameOf(naming, "");
   const auto [known, isNew] =
       shared_.try_emplace({file.source.path.string(), foldedText(wanted)}, files_.size());
   if (!isNew) {
@@ -80,7 +79,8 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
     ++songsLeft_;
     bytesLeft_ += file.source.size;
   }
-  if (safeExtension(extension) != extension) {
+  const std::string extension = file.source.path.extension().string();
+  if (naming.extension != extension) {
     remarks_.push_back(songLabel(index, song) + ": " + file.source.path.string() + ": " +
                        (extension.empty() ? "no extension" : "the extension " + inQuotes(extension)) +
                        " is of neither music nor video; the copy is " + file.target);
@@ -92,32 +92,26 @@ void RescuePlan::place(int32_t index, const Song &song, PlannedFile file) {
 void RescuePlan::evade(size_t place) {
   PlannedFile &file = files_[place];
   if (isFree(file.target, file)) return;
-  takeFreeName(namingOf(file.song, library_.song(file.song)), file);
+  takeFreeName(namingOf(file), file);
 }
 
 void RescuePlan::markDamaged(size_t place, const carbon::Descriptor &copy) {
   PlannedFile &file = files_[place];
-  file.target = freeName(namingOf(file.song, library_.song(file.song)), file, " (damaged)",
-                         [&](const std::string &target) {
-                           const Occupant occupant = occupantOf(destination_, target, copy);
-                           file.there = occupant == Occupant::Same;
-                           return occupant != Occupant::Other;
-                         });
+  file.target = freeName(namingOf(file), " (damaged)", [&](const std::string &target) {
+    const Occupant occupant = occupantOf(destination_, target, copy);
+    file.there = occupant == Occupant::Same;
+    return occupant != Occupant::Other;
+  });
 }
 
 void RescuePlan::takeFreeName(const Naming &naming, PlannedFile &file) {
-  file.target = freeName(naming, file, "", [&](const std::string &target) { return isFree(target, file); });
+  file.target = freeName(naming, "", [&](const std::string &target) { return isFree(target, file); });
 }
 
-std::string RescuePlan::freeName(const Naming &naming, const PlannedFile &file, const std::string &mark,
+std::string RescuePlan::freeName(const Naming &naming, const std::string &mark,
                                  const std::function<bool(const std::string &)> &isFree) {
-  const std::string folder = folderFor(namesOf(naming));
-  const std::string extension(safeExtension(file.source.path.extension().string()));
-  return names_.take(
-      [&](std::string_view suffix) {
-        return folder + fileName(naming, mark + std::string(suffix), extension);
-      },
-      isFree);
+  return names_.take([&](std::string_view suffix) { return nameOf(naming, mark + std::string(suffix)); },
+                     isFree);
 }
 
 // Whether the file may lie there: nothing does, or a copy of it.
@@ -146,32 +140,25 @@ bool RescuePlan::isCopy(const std::string &target, const struct stat &status, co
   return sameContent(destination_.open(target), from);
 }
 
-RescuePlan::Naming RescuePlan::namingOf(int32_t index, const Song &song) const {
-  Naming naming{songNames_.values(index), song.isUnnamed, {}};
-  if (song.isUnnamed && song.title.empty()) naming.ownName = library_.file(song.path).path.stem().string();
-  return naming;
-}
-
 // A file that no song names goes to a folder of such, and keeps its own name where it has no tags.
-std::vector<std::string> RescuePlan::namesOf(const Naming &naming) const {
-  if (!naming.isUnnamed) return pattern_.names(naming.values);
-  std::vector<std::string> names =
-      naming.ownName.empty() ? pattern_.names(naming.values) : std::vector<std::string>(1);
-  names.insert(names.begin(), kUnnamedFolder);
-  return names;
+RescuePlan::Naming RescuePlan::namingOf(int32_t index, const Song &song, const SongFile &source) {
+  std::string extension(safeExtension(source.path.extension().string()));
+  if (song.isUnnamed && song.title.empty())
+    return {folderFor({kUnnamedFolder}), source.path.stem().string(), "Unknown Title", std::move(extension)};
+  NamePattern::Names names = pattern_.names(songNames_.values(index));
+  if (song.isUnnamed) names.folders.insert(names.folders.begin(), kUnnamedFolder);
+  return {folderFor(names.folders), std::move(names.file), kUnknownName, std::move(extension)};
 }
 
-std::string RescuePlan::fileName(const Naming &naming, std::string_view suffix,
-                                 std::string_view extension) const {
-  if (naming.ownName.empty()) return pattern_.fileName(naming.values, suffix, extension);
-  return safeName(naming.ownName, "Unknown Title", suffix, extension);
+std::string RescuePlan::nameOf(const Naming &naming, std::string_view suffix) {
+  return naming.folder + safeName(naming.text, naming.fallback, suffix, naming.extension);
 }
 
 // With a slash at the end; empty for the destination itself.
 std::string RescuePlan::folderFor(const std::vector<std::string> &names) {
   std::string folder;
-  for (size_t i = 0; i + 1 < names.size(); ++i) {
-    const std::string wanted = folder + names[i] + "/";
+  for (const std::string &name : names) {
+    const std::string wanted = folder + name + "/";
     folder = folders_.try_emplace(foldedText(wanted), wanted).first->second;
   }
   return folder;

@@ -73,17 +73,20 @@ class RescuePlan {
  private:
   // What a song's file is called by.
   struct Naming {
-    Row values;              // for the pattern
-    bool isUnnamed = false;  // by any song
-    std::string ownName;     // of a file without tags that no song names
+    std::string folder;  // with a slash at the end; empty for the destination itself
+    std::string text;    // that its name is made from
+    std::string_view fallback;
+    std::string extension;
   };
 
   std::string folderFor(const std::vector<std::string> &names);
-  Naming namingOf(int32_t index, const Song &song) const;
-  std::vector<std::string> namesOf(const Naming &naming) const;
-  std::string fileName(const Naming &naming, std::string_view suffix, std::string_view extension) const;
+  Naming namingOf(int32_t index, const Song &song, const SongFile &source);
+  Naming namingOf(const PlannedFile &file) {
+    return namingOf(file.song, library_.song(file.song), file.source);
+  }
+  static std::string nameOf(const Naming &naming, std::string_view suffix);
   void place(int32_t index, const Song &song, PlannedFile file);
-  std::string freeName(const Naming &naming, const PlannedFile &file, const std::string &mark,
+  std::string freeName(const Naming &naming, const std::string &mark,
                        const std::function<bool(const std::string &)> &isFree);
   void takeFreeName(const Naming &naming, PlannedFile &file);
   bool isFree(const std::string &target, PlannedFile &file);

@@ -1,5 +1,6 @@
 #include "zemhost/rescue/RescueReport.h"
 
+#include <algorithm>
 #include <ctime>
 #include <string_view>
 #include <sys/stat.h>
@@ -7,7 +8,9 @@
 
 #include "player/FileBytes.h"
 #include "zemhost/files/OutputFile.h"
-#include "zemhost/output/JsonText.h"
+#include "zemhost/output/DisplayText.h"
+#include "zemhost/rescue/Checksums.h"
+#include "zemhost/rescue/JsonLine.h"
 
 namespace zemhost {
 
@@ -47,18 +50,42 @@ std::string outcomeOf(const FinishedRescue &rescue) {
   return rescue.result.isComplete() ? "complete" : "incomplete";
 }
 
-Json songJson(const PlannedFile &file, const Copy &copy) {
-  Json json = {{"file", copy.isThere ? Json(file.target) : Json()},
-               {"source", file.source.path.string()},
-               {"size", file.source.size},
-               {"sha256", copy.isThere ? Json(copy.content.sha256) : Json()},
-               {"song", Json::parse(file.identity)}};
-  for (const Gap &gap : copy.content.gaps)
-    json["unread"].push_back({{"offset", gap.offset}, {"bytes", gap.size}});
-  return json;
+// As jsonText() has it.
+std::string quoted(const std::string &text) { return escapedJson(quotedLine(text)); }
+
+std::string songText(const PlannedFile &file, const Copy &copy) {
+  std::string text = "    {\n      \"file\": ";
+  text.append(copy.isThere ? quoted(file.target) : "null");
+  text.append(",\n      \"source\": ").append(quoted(file.source.path.string()));
+  text.append(",\n      \"size\": ").append(std::to_string(file.source.size));
+  text.append(",\n      \"sha256\": ").append(copy.isThere ? quoted(copy.content.sha256) : "null");
+  text.append(",\n      \"song\": ").append(indentedObject(escapedJson(file.identity), 8));
+  for (const Gap &gap : copy.content.gaps) {
+    text.append(&gap == &copy.content.gaps.front() ? ",\n      \"unread\": [" : ",");
+    text.append("\n        {\n          \"offset\": ").append(std::to_string(gap.offset));
+    text.append(",\n          \"bytes\": ").append(std::to_string(gap.size)).append("\n        }");
+  }
+  if (!copy.content.gaps.empty()) text.append("\n      ]");
+  return text.append("\n    }");
 }
 
 }  // namespace
+
+void writeChecksums(const DestinationFolder &destination, const CopyReport &report,
+                    const FinishedRescue &rescue) {
+  std::vector<std::string_view> arrived;
+  for (size_t place = 0; place < rescue.copies.size(); ++place) {
+    if (rescue.copies[place].isThere) arrived.emplace_back(rescue.plan.files()[place].target);
+  }
+  std::sort(arrived.begin(), arrived.end());
+  Checksums sums;
+  for (const auto &[file, record] : report.records()) {
+    if (record.sha256.empty()) continue;
+    if (std::binary_search(arrived.begin(), arrived.end(), file) || destination.statusOf(file))
+      sums.set(file, record.sha256);
+  }
+  extendChecksums(destination, sums);
+}
 
 void writeRescueReport(const DestinationFolder &destination, const FinishedRescue &rescue) {
   const RescueResult &result = rescue.result;
@@ -78,14 +105,18 @@ void writeRescueReport(const DestinationFolder &destination, const FinishedRescu
                {"short_files", result.shortFiles},
                {"damaged", result.damaged},
                {"remarks", result.remarks},
-               {"problems", result.problems},
-               {"songs", Json::array()}});
-  for (size_t i = 0; i < rescue.copies.size(); ++i)
-    json["songs"].push_back(songJson(rescue.plan.files()[i], rescue.copies[i]));
+               {"problems", result.problems}});
   int number = 1;
   while (!isFree(destination, nameNumbered(number))) ++number;
   OutputFile out(destination.path() / nameNumbered(number));
-  out.write(jsonText(json, 2) + "\n");
+  std::string head = jsonText(json, 2);
+  head.erase(head.rfind("\n}"));  // the songs follow
+  out.write(head + ",\n  \"songs\": [");
+  for (size_t i = 0; i < rescue.copies.size(); ++i) {
+    out.write(i == 0 ? "\n" : ",\n");
+    out.write(songText(rescue.plan.files()[i], rescue.copies[i]));
+  }
+  out.write(rescue.copies.empty() ? "]\n}\n" : "\n  ]\n}\n");
   out.finish();
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "zemhost/library/MusicLibrary.h"
+#include "zemhost/rescue/CopyReport.h"
 #include "zemhost/rescue/DestinationFolder.h"
 #include "zemhost/rescue/FileCopy.h"
 #include "zemhost/rescue/Rescue.h"
@@ -27,6 +28,11 @@ struct FinishedRescue {
   const RescueResult &result;
   std::string stopped;  // why it had to stop; empty when it went to its end
 };
+
+// Adds the sums of the copies that are there, of this run and earlier ones, to those of the folder: see
+// extendChecksums(). Throws as that does.
+void writeChecksums(const DestinationFolder &destination, const CopyReport &report,
+                    const FinishedRescue &rescue);
 
 // Writes it. A file of the name that is none of these stays, and the report gets a number. Throws HostError,
 // naming the file, or CopyFailure when it cannot be written.

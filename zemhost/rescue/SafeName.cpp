@@ -45,10 +45,12 @@ void removeMarks(std::string &text) {
                                                        "\u202A", "\u202B", "\u202C", "\u202D", "\u202E",
                                                        "\u2066", "\u2067", "\u2068", "\u2069", "\uFEFF"};
   // NOLINTEND(misc-misleading-bidirectional)
+  const auto mayBeginOne = [](char c) { return c == '\xD8' || c == '\xE2' || c == '\xEF'; };
+  if (std::none_of(text.begin(), text.end(), mayBeginOne)) return;
   std::string kept;
   for (size_t at = 0; at < text.size();) {
     const auto *const mark = std::find_if(kMarks.begin(), kMarks.end(), [&](std::string_view one) {
-      return text.compare(at, one.size(), one) == 0;
+      return mayBeginOne(text[at]) && text.compare(at, one.size(), one) == 0;
     });
     if (mark != kMarks.end()) {
       at += mark->size();

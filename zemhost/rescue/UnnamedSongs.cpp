@@ -25,14 +25,23 @@ bool isInMusicFolder(const fs::path &below) {
                      [](const fs::path &part) { return player::isNamed(part, player::kMusicFolder); });
 }
 
-// The files that songs name, as the system calls them.
-std::set<fs::path> filesNamedBy(const LibrarySource &library, SongFiles &files) {
-  std::set<fs::path> named;
+// A file below the player's root as a song names it: ":iPod_Control:Music:F00:ABCD.mp3".
+std::string songPathOf(const std::string &file, const std::string &root) {
+  return std::string(":").append(diskPath(file.substr(root.size())));
+}
+
+// Takes those that songs name away from the files of the player.
+void removeNamed(const LibrarySource &library, SongFiles &files, const std::string &root,
+                 std::set<std::string> &paths) {
   const int32_t songs = library.songCount();
   for (int32_t index = 0; index < songs; ++index) {
-    if (const SongFile file = files.find(library.song(index).path); file.isThere()) named.insert(file.path);
+    const std::string path = library.song(index).path;
+    if (paths.erase(path) > 0) continue;
+    // In another case, perhaps, or through a link.
+    const SongFile file = files.find(path);
+    if (file.isThere() && file.path.string().starts_with(root))
+      paths.erase(songPathOf(file.path.string(), root));
   }
-  return named;
 }
 
 }  // namespace
@@ -42,31 +51,31 @@ UnnamedSongs::UnnamedSongs(std::shared_ptr<const LibrarySource> library, player:
       location_(std::move(location)),
       named_(library_ ? library_->songCount() : 0) {
   SongFiles files(location_, false);
-  std::set<fs::path> paths = filesOfPlayer();
-  if (library_) {
-    for (const fs::path &file : filesNamedBy(*library_, files)) paths.erase(file);
-  }
   std::error_code error;
-  const fs::path root = fs::canonical(location_.volumeRoot, error);
-  for (const fs::path &path : paths) {
+  const std::string root = (fs::canonical(location_.volumeRoot, error) / "").string();
+  std::set<std::string> paths = filesOfPlayer(root);
+  if (library_) removeNamed(*library_, files, root, paths);
+  std::set<fs::path> unnamed;
+  for (const std::string &path : paths) unnamed.insert(diskPath(path.substr(1)));
+  for (const fs::path &below : unnamed) {
     // Beside a file, other systems keep what they know of it under such a name.
-    if (path.filename().string().starts_with('.')) continue;
-    const std::string extension = path.extension().string();
-    const fs::path below = path.lexically_relative(root);
+    if (below.filename().string().starts_with('.')) continue;
+    const std::string extension = below.extension().string();
     if (safeExtension(extension) == extension) {
       unnamed_.push_back(unnamedOf(below.string(), files));
     } else if (isInMusicFolder(below)) {
-      remarks_.push_back(path.string() +
+      remarks_.push_back(root + below.string() +
                          ": no song names it, and its extension is of neither music nor video, so it "
                          "is left out");
     }
   }
 }
 
-std::set<fs::path> UnnamedSongs::filesOfPlayer() {
-  std::set<fs::path> paths;
+// As songs name them. `root`, with a slash at its end, is the player's without symbolic links.
+std::set<std::string> UnnamedSongs::filesOfPlayer(const std::string &root) {
+  std::set<std::string> paths;
   player::MusicFileSink sink;
-  sink.onFile = [&](const fs::path &file) { paths.insert(file); };
+  sink.onFile = [&](const fs::path &file) { paths.insert(songPathOf(file.string(), root)); };
   sink.onFailure = [&](const fs::path &path, int error) {
     problems_.push_back(path.string() + " cannot be read: " + std::generic_category().message(error));
   };

@@ -3,7 +3,6 @@
 // A library together with the music files of its player that no song of it names, as songs behind its own:
 // what is known of them is what their tags say.
 
-#include <filesystem>
 #include <memory>
 #include <set>
 #include <string>
@@ -71,7 +70,7 @@ class UnnamedSongs final : public LibrarySource {
     std::string albumArtist;
   };
 
-  std::set<std::filesystem::path> filesOfPlayer();
+  std::set<std::string> filesOfPlayer(const std::string &root);
   static Unnamed unnamedOf(const std::string &below, SongFiles &files);
   bool isNamed(int32_t index) const { return index < named_; }
   const Unnamed &unnamed(int32_t index) const { return unnamed_[static_cast<size_t>(index - named_)]; }

@@ -3,6 +3,7 @@
 import fcntl
 import os
 import re
+import resource
 import shutil
 import signal
 import subprocess
@@ -14,6 +15,7 @@ from program import Terminal, run, start, wait_until
 from rescued_player import REPORTS, Player, files_below
 
 BROKEN_CALLS = os.environ["BROKEN_CALLS_LIBRARY"]
+BROKEN_DISK = os.environ["BROKEN_DISK_LIBRARY"]
 CONTINUE = "run the same command again to continue"
 
 
@@ -246,6 +248,35 @@ class InterruptedRescue(unittest.TestCase):
             process.send_signal(signal.SIGCONT)
             _, err = process.communicate(timeout=20)
         self.assertEqual(err.decode(), f"\nzemhost: interrupted; {CONTINUE}\n")
+
+
+class Work(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = os.path.realpath(folder.name)
+        self.destination = os.path.join(self.folder, "music")
+
+    def test_each_song_is_looked_up_and_opened_once_and_each_folder_a_few_times(self):
+        player = Player(self.folder, 480)  # in 40 albums
+        log = os.path.join(self.folder, "log")
+        environment = {**os.environ, "LD_PRELOAD": BROKEN_DISK, "BROKEN_DISK": f"log {log}"}
+        self.assertEqual(run("rescue", player.root, self.destination, env=environment).status, 0)
+        with open(log, encoding="utf-8") as file:
+            lines = file.read().splitlines()
+        songs = sorted(line for line in lines if line.endswith(".mp3"))
+        names = [os.path.join(player.root, "iPod_Control", "Music", f"F{place % 50:02}", f"S{place:05}.mp3")
+                 for place in range(480)]
+        self.assertEqual(songs, sorted(f"{word} {name}" for word in ("look", "open") for name in names))
+        folders = [line for line in lines if line.startswith("look " + self.destination)]
+        self.assertTrue(80 < len(folders) < 6 * 40, len(folders))
+
+    def test_few_descriptors_are_enough(self):
+        player = Player(self.folder, 200)
+        few = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (32, 32))}
+        ended = run("rescue", player.root, self.destination, **few)
+        self.assertEqual((ended.status, ended.message), (0, ""))
+        self.assertIn("200 songs copied, ", ended.text)
 
 
 if __name__ == "__main__":

@@ -158,7 +158,7 @@ carbon::Descriptor DestinationFolder::open(const std::string &name) const {
 
 DestinationFolder::NewCopy DestinationFolder::copy(const carbon::Descriptor &source,
                                                    const std::function<void(uint64_t)> &onBytes) const {
-  last_ = {};  // by its end another program may have moved it
+  last_ = {};  // another program may move it while this goes on
   try {
     NewCopy copy{parts_->make(), {}};
     copy.content = copyContent(source, copy.part.content(), onBytes);

@@ -7,7 +7,8 @@ Makes players of 20,000 files of 4 KB and of 2,000 files of 5 MB in FOLDER (the 
 room for 30 GB), and copies each alternately with `cp -r` and with `zemhost rescue`, N times. Before each copying the
 player's files are dropped from the system's memory, as those of a player that was just connected are not in it.
 `rescue` ends when its copies are on the disk, `cp -r` before; so its time is also taken with `sync -f` behind it. Prints
-the median rates as ratios; all that was made is removed."""
+the median rates as ratios; all that was made is removed. Wait five minutes before another run: for that long ext4 without
+a journal passes over the places of removed files, and whatever makes files then takes several times as long."""
 
 import argparse
 import os

@@ -46,7 +46,10 @@ class DamagedPlayer(unittest.TestCase):
 
     def report(self):
         with open(os.path.join(self.destination, "rescue-report.json"), encoding="utf-8") as file:
-            return json.load(file)
+            text = file.read()
+        report = json.loads(text)
+        self.assertEqual(text, json.dumps(report, indent=2, ensure_ascii=False) + "\n")
+        return report
 
     def expect_sums(self):
         checked = subprocess.run(["sha256sum", "-c", "--strict", "--quiet", "SHA256SUMS"], cwd=self.destination,

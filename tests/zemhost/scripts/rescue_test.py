@@ -1,6 +1,7 @@
 """Rescues that are interrupted: what is there is complete, and the same command goes on to the end."""
 
 import fcntl
+import hashlib
 import os
 import re
 import resource
@@ -270,6 +271,22 @@ class Work(unittest.TestCase):
         self.assertEqual(songs, sorted(f"{word} {name}" for word in ("look", "open") for name in names))
         albums = [line for line in lines if re.search(r"music/Artist \d+/Album \d+$", line)]
         self.assertTrue(40 <= len(albums) <= 4 * 40, len(albums))  # before they are made, then, and afterwards
+
+    def test_sums_are_those_of_the_songs_whatever_their_sizes(self):
+        block = 256 * 1024
+        sizes = [0, 1, block - 1, block, block + 1, 4 * block - 1, 4 * block, 4 * block + 1, 5 * block, 9_000_000]
+        player = Player(self.folder, len(sizes))
+        wanted = set()
+        for place, size in enumerate(sizes):
+            content = os.urandom(size)
+            wanted.add(hashlib.sha256(content).hexdigest())
+            with open(os.path.join(player.root, "iPod_Control", "Music", f"F{place:02}", f"S{place:05}.mp3"), "wb") as file:
+                file.write(content)
+        ended = run("rescue", player.root, self.destination, "--verify")
+        self.assertIn("10 copies were read back, and the same\n", ended.text)
+        with open(os.path.join(self.destination, "SHA256SUMS"), encoding="utf-8") as file:
+            self.assertEqual({line.split()[0] for line in file}, wanted)
+        subprocess.run(["sha256sum", "-c", "--quiet", "SHA256SUMS"], cwd=self.destination, check=True)
 
     def test_few_descriptors_are_enough(self):
         player = Player(self.folder, 200)

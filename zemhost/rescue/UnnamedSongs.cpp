@@ -99,7 +99,9 @@ std::string UnnamedSongs::volumeName() const {
 }
 
 Song UnnamedSongs::song(int32_t index) const {
-  return isNamed(index) ? library_->song(index) : unnamed(index).song;
+  if (!isNamed(index)) return unnamed(index).song;
+  if (last_.first != index) last_ = {index, library_->song(index)};
+  return last_.second;
 }
 
 std::optional<std::string> UnnamedSongs::numberedText(int32_t index, int32_t number) const {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zemhost/library/LibrarySource.h"
@@ -81,6 +82,8 @@ class UnnamedSongs final : public LibrarySource {
   std::vector<std::string> remarks_;
   int32_t named_ = 0;
   std::vector<Unnamed> unnamed_;  // in the order of their paths
+  // The library's song that was asked for last, and its place: who plans a copy asks twice.
+  mutable std::pair<int32_t, Song> last_{-1, {}};
 };
 
 }  // namespace zemhost

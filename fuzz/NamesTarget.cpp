@@ -68,10 +68,9 @@ FUZZ_TARGET(names) {
     const NamePattern pattern(parts[0]);
     Row values;
     for (const std::string &field : pattern.fields()) values.push_back(ValueOf(field, parts));
-    const std::vector<std::string> names = pattern.names(values);
-    Require(!names.empty(), "no name");
-    for (const std::string &name : names) IsSafe(name);
-    IsSafe(pattern.fileName(values, suffix, safeExtension(parts[7])));
+    const NamePattern::Names names = pattern.names(values);
+    for (const std::string &name : names.folders) IsSafe(name);
+    IsSafe(safeName(names.file, kUnknownName, suffix, safeExtension(parts[7])));
   } catch (const HostError &error) {
     Require(std::string_view(error.what()).starts_with("the pattern "), "a message about something else");
   }

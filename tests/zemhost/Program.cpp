@@ -4,9 +4,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <poll.h>
 #include <pty.h>
 #include <sstream>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <termios.h>
@@ -57,9 +59,14 @@ Channel outputChannel(const RunOptions &options) {
           carbon::Descriptor(checked(open(options.output.c_str(), O_WRONLY | O_CLOEXEC), "open"))};
 }
 
+// Leaves the superuser what its owner may do with a file, and so nothing more to a program that is started.
+bool onlyOwnerMay() {
+  return geteuid() != 0 ||
+         (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE) == 0 && prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH) == 0);
+}
+
 [[noreturn]] void runChild(const std::vector<std::string> &arguments, int out, int err,
                            const RunOptions &options) {
-  constexpr uid_t kNobody = 65534;
   std::vector<char *> words = {const_cast<char *>(ZEMHOST_PROGRAM)};
   for (const std::string &argument : arguments) words.push_back(const_cast<char *>(argument.c_str()));
   words.push_back(nullptr);
@@ -71,8 +78,8 @@ Channel outputChannel(const RunOptions &options) {
   // of memory was asked for takes half of a short run.
   setenv("ASAN_OPTIONS", "detect_leaks=0:malloc_context_size=1", 1);
   for (const auto &[name, value] : options.environment) setenv(name.c_str(), value.c_str(), 1);
-  const bool ready = dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
-                     (!options.asNobody || (setgid(kNobody) == 0 && setuid(kNobody) == 0));
+  const bool ready =
+      dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 && (!options.asOwner || onlyOwnerMay());
   if (ready) execv(ZEMHOST_PROGRAM, words.data());
   _exit(127);
 }

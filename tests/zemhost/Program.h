@@ -25,7 +25,7 @@ struct RunOptions {
   std::optional<unsigned short> terminalWidth;  // standard output is a terminal of this width
   bool errorsToTerminal = false;                // standard error is a terminal
   std::filesystem::path output;                 // standard output is this file
-  bool asNobody = false;                        // without the rights of the superuser
+  bool asOwner = false;                         // without the superuser's right to what its owner may not
   std::optional<size_t> readAtMost;             // close the pipe from standard output after this many bytes
   std::vector<std::pair<std::string, std::string>> environment;  // variables and what they are set to
 };

@@ -292,13 +292,12 @@ TEST_F(Nano, NothingIsWrittenAndAReadOnlyPlayerIsRead) {
                                                           {"call", nano_, "CountSongs"}};
   for (const auto &arguments : commands) runZemhost(arguments);
   EXPECT_EQ(support::filesBelow(nano_), before) << "and no journal or log stands there";
-  fs::permissions(folder_.path(), fs::perms::all);
   for (const auto &entry : fs::recursive_directory_iterator(nano_)) {
     fs::permissions(entry.path(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
                     fs::perm_options::remove);
   }
   RunOptions options;
-  options.asNobody = true;
+  options.asOwner = true;
   const Outcome outcome = runZemhost({"songs", nano_}, options);
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(outcome.err, "");

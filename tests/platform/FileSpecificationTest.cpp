@@ -255,6 +255,8 @@ TEST_F(FileSpecification, FullPathDisregardsTheStart) {
   FSSpec spec;
   ASSERT_EQ(makeSpec(0, 2, "iPod:one:file", spec), noErr);
   EXPECT_EQ(posixPath(spec), at("one/file"));
+  ASSERT_EQ(makeSpec(volume_, 2, "System:etc", spec), noErr);
+  EXPECT_EQ(posixPath(spec), "/etc");
 }
 
 TEST_F(FileSpecification, SymbolicLinksAreFollowed) {

@@ -198,6 +198,10 @@ TEST_F(VolumeLookUp, PathBelongsToTheLongestMatchingRoot) {
   EXPECT_EQ(macPathOf(at("outer/inner")), "Inner:");
   EXPECT_EQ(macPathOf(at("outer/inner2/file")), "Outer:inner2:file") << "a longer name is not inside";
   EXPECT_EQ(macPathOf(at("outer/")), "Outer:");
+  machine_.write("wide/deep/file");
+  ASSERT_EQ(mount("Wide", at("wide")), noErr);
+  ASSERT_EQ(mount("Deep", at("wide/deep")), noErr);
+  EXPECT_EQ(macPathOf(at("wide/deep/file")), "Deep:file") << "though the other was declared first";
   EXPECT_EQ(macPathOf("/etc"), "System:etc");
   EXPECT_EQ(macPathOf("/"), "System:");
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zemhost/export/ExportWriter.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/output/Messages.h"
 #include "zemhost/output/Units.h"
 
@@ -44,7 +45,7 @@ class ListenWriter final : public ExportWriter {
     if (!row[Album].is_null()) metadata["release_name"] = row[Album];
     metadata["additional_info"] = std::move(info);
     const Json listen = {{"listened_at", *moment}, {"track_metadata", std::move(metadata)}};
-    out_->write(listen.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
+    out_->write(jsonLine(listen) + '\n');
   }
 
   void finish() override {

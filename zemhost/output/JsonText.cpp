@@ -17,6 +17,14 @@ bool isPlain(const std::string &text) {
                      [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
 }
 
+void appendInQuotes(std::string &text, const std::string &plain) {
+  text.append(1, '"').append(plain).append(1, '"');
+}
+
+std::string dumped(const Json &value, int indent) {
+  return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
 template <typename Number>
 void appendNumber(std::string &text, Number number) {
   std::array<char, 24> digits{};
@@ -26,15 +34,13 @@ void appendNumber(std::string &text, Number number) {
 
 }  // namespace
 
-std::string jsonText(const Json &value, int indent) {
-  return escapedJson(value.dump(indent, ' ', false, Json::error_handler_t::replace));
-}
+std::string jsonText(const Json &value, int indent) { return escapedJson(dumped(value, indent)); }
 
 // The library's writer takes longer to set up than such a value to write.
 void appendJson(std::string &text, const Json &value) {
   const auto *const string = value.get_ptr<const std::string *>();
   if (string != nullptr && isPlain(*string)) {
-    text.append(1, '"').append(*string).append(1, '"');
+    appendInQuotes(text, *string);
   } else if (value.is_null()) {
     text += "null";
   } else if (value.is_boolean()) {
@@ -46,6 +52,37 @@ void appendJson(std::string &text, const Json &value) {
   } else {
     text += jsonText(value);
   }
+}
+
+std::string jsonLine(const Json &value) { return dumped(value, -1); }
+
+std::string quotedLine(const std::string &text) {
+  if (!isPlain(text)) return jsonLine(text);
+  std::string line;
+  line.reserve(text.size() + 2);
+  appendInQuotes(line, text);
+  return line;
+}
+
+std::string indentedObject(const std::string &line, size_t indent) {
+  std::string text;
+  bool isInText = false;
+  for (size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (isInText) {
+      text += c;
+      if (c == '\\') text += line[++i];
+      isInText = c != '"';
+    } else if (c == '}') {
+      text.append(1, '\n').append(indent - 2, ' ').append(1, c);
+    } else {
+      text += c;
+      if (c == ':') text += ' ';
+      if (c == '{' || c == ',') text.append(1, '\n').append(indent, ' ');
+      isInText = c == '"';
+    }
+  }
+  return text;
 }
 
 }  // namespace zemhost

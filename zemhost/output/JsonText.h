@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -15,5 +16,15 @@ std::string jsonText(const Json &value, int indent = -1);
 
 // Adds the same on one line to a text. Quick for what rows are made of: null, numbers and plain texts.
 void appendJson(std::string &text, const Json &value);
+
+// The value on one line, each character as it is unless JSON has it escaped: for files that programs read.
+std::string jsonLine(const Json &value);
+
+// The same of a text, in quotes.
+std::string quotedLine(const std::string &text);
+
+// The line of an object of texts and numbers, with a line for each of its members; they stand behind `indent`
+// blanks, and the last brace behind two fewer.
+std::string indentedObject(const std::string &line, size_t indent);
 
 }  // namespace zemhost

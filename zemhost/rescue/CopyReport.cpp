@@ -12,8 +12,8 @@
 #include "player/FileBytes.h"
 #include "zemhost/files/OutputFile.h"
 #include "zemhost/files/PendingFile.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/rescue/FileCopy.h"
-#include "zemhost/rescue/JsonLine.h"
 
 namespace zemhost {
 

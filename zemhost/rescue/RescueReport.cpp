@@ -9,8 +9,8 @@
 #include "player/FileBytes.h"
 #include "zemhost/files/OutputFile.h"
 #include "zemhost/output/DisplayText.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/rescue/Checksums.h"
-#include "zemhost/rescue/JsonLine.h"
 
 namespace zemhost {
 

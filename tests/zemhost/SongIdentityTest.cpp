@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
+#include "zemhost/output/JsonText.h"
 #include "zemhost/rescue/CopyReport.h"
-#include "zemhost/rescue/JsonLine.h"
 
 namespace zemhost {
 namespace {
@@ -18,11 +18,11 @@ std::vector<std::string> texts() {
   return texts;
 }
 
-TEST(JsonLine, TextIsQuotedAsTheLibraryForJsonDoes) {
+TEST(QuotedLine, IsWhatTheLibraryForJsonWrites) {
   for (const std::string &text : texts()) EXPECT_EQ(quotedLine(text), jsonLine(Json(text)));
 }
 
-TEST(JsonLine, IdentityOfASongIsTheLineOfAnObject) {
+TEST(SongIdentity, IsTheLineOfAnObjectAndCanBeIndented) {
   for (const std::string &text : texts()) {
     Song song;
     song.title = text;

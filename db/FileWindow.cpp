@@ -6,19 +6,13 @@
 
 #include "db/ChunkFormat.h"
 
-namespace {
-
-constexpr size_t kWindow = size_t{256} << 10;
-
-}  // namespace
-
 FileWindow::FileWindow(FILE *fp) : fp_(fp) {
   if (std::fseek(fp, 0, SEEK_END) != 0) throw FileUnreadable();
   const long filesize = std::ftell(fp);
   if (filesize < long{kChunkHeaderSize} || filesize > long{INT32_MAX}) throw FileUnreadable();
   if (std::fseek(fp, 0, SEEK_SET) != 0) throw FileUnreadable();
   size_ = static_cast<uint32_t>(filesize);
-  capacity_ = std::min<size_t>(size_, kWindow);
+  capacity_ = std::min<size_t>(size_, kUsualSize);
   buffer_ = MakeLargeBuffer(capacity_ + kSpare);
 }
 

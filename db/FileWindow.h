@@ -21,6 +21,10 @@ class FileWindow {
   // that one cut short reads zero for what is missing.
   static constexpr uint32_t kSpare = 0x100;
 
+  // The window's size, unless one chunk needs more. Each of its pages is fresh memory, which in a small load
+  // costs more than reading what it holds.
+  static constexpr size_t kUsualSize = size_t{64} << 10;
+
   // Takes the stream from its start. Throws FileUnreadable when it cannot seek, or is shorter than a chunk's
   // header or as long as 2 GiB. The stream stays the caller's.
   explicit FileWindow(FILE *fp);

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "db/FileWindow.h"
 #include "samples/GeneratedLibrary.h"
 #include "tests/db/DatabaseFiles.h"
 #include "tests/db/PlainRecords.h"
@@ -167,7 +168,7 @@ TEST_P(DamagedFile, GeneratedLibraryIsReadAlike) {
   }
 }
 
-// A file is read through a window of 256 KB. Objects at its end need more than the window shows.
+// Objects at the end of the window need more than it shows.
 class AtTheWindowsEnd : public testing::TestWithParam<Variant> {
  protected:
   // A track whose only object begins at the position, and other bytes after it.
@@ -181,7 +182,7 @@ class AtTheWindowsEnd : public testing::TestWithParam<Variant> {
     return out.TakeBytes();
   }
 
-  static constexpr size_t kWindow = size_t{256} << 10;
+  static constexpr size_t kWindow = FileWindow::kUsualSize;
 };
 
 INSTANTIATE_TEST_SUITE_P(Loader, AtTheWindowsEnd, testing::Values(Variant::LittleEndian, Variant::BigEndian));

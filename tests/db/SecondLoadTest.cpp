@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "db/FileWindow.h"
 #include "tests/db/DatabaseFiles.h"
 #include "tests/db/PlainRecords.h"
 #include "tests/model/Loader.h"
@@ -138,8 +139,9 @@ struct Everything {
 TEST_P(SecondLoad, ThatFailsLeavesTheDatabaseExactlyAsItWas) {
   for (const std::string &first : FirstFiles()) {
     FailingFile file{GoingOn(), 0};
-    for (const size_t failsAt : {size_t{0}, size_t{10}, size_t{100}, size_t{262144}, size_t{262145},
-                                 size_t{300500}, file.bytes.size() - 300001, file.bytes.size() - 1}) {
+    for (const size_t failsAt :
+         {size_t{0}, size_t{10}, size_t{100}, FileWindow::kUsualSize, FileWindow::kUsualSize + 1,
+          size_t{300500}, file.bytes.size() - 300001, file.bytes.size() - 1}) {
       file.failsAt = failsAt;
       CiTunesDB database;
       ASSERT_EQ(Load(database, first), 1);

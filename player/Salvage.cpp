@@ -18,7 +18,7 @@ namespace {
 constexpr uint32_t kLongestHeader = 0x400;  // no file seen has one of more
 constexpr uint32_t kShortestSong = 0x9c;
 constexpr uint32_t kShortestList = 0x18;
-constexpr uint32_t kShortestEntry = 0x1c;
+constexpr uint32_t kShortestListEntry = 0x1c;
 constexpr uint32_t kHeaderOfText = 0x28;
 constexpr uint64_t kLongestRecord = 16U << 20;  // a song or an entry, with its objects
 constexpr uint32_t kUtf8Text = 2;
@@ -270,7 +270,7 @@ class Scanner {
   }
 
   bool takeEntry(const Chunk &chunk) {
-    if (chunk.jump < kShortestEntry || chunk.length < chunk.jump || chunk.length > kLongestRecord ||
+    if (chunk.jump < kShortestListEntry || chunk.length < chunk.jump || chunk.length > kLongestRecord ||
         chunk.count > chunk.length)
       return false;
     if (!isListOpen_ || (afterGap_ && at_ >= listEnd_)) {

@@ -21,11 +21,11 @@ namespace zemhost {
 
 namespace {
 
-using Answer = nlohmann::json;
+using TagsFound = nlohmann::json;
 
 constexpr size_t kLongestAnswer = 1U << 20;
 
-void set(Answer &field, const TagLib::String &text) {
+void set(TagsFound &field, const TagLib::String &text) {
   const TagLib::String plain = text.stripWhiteSpace();
   if (!plain.isEmpty()) field = plain.to8Bit(true);
 }
@@ -43,8 +43,8 @@ const TagLib::Tag &tagOf(const TagLib::FileRef &reference) {
 }
 
 // What the library for tags finds, as JSON: it is found in another process than it is needed in.
-Answer foundIn(int file) {
-  Answer found = Answer::object();
+TagsFound foundIn(int file) {
+  TagsFound found = TagsFound::object();
   // The library closes what it is given. It knows the kind of file by its content then.
   TagLib::FileStream stream(dup(file), true);
   const TagLib::FileRef reference(&stream);
@@ -66,7 +66,7 @@ Answer foundIn(int file) {
 }
 
 // As foundIn(), from a process of its own; null when nothing came of it.
-Answer foundApart(int file) {
+TagsFound foundApart(int file) {
   int ends[2] = {};
   if (pipe2(ends, O_CLOEXEC) != 0) throw HostError("tags: no pipe can be made", errno);
   carbon::Descriptor from(ends[0]);
@@ -74,7 +74,8 @@ Answer foundApart(int file) {
   std::string answer;
   const int status = runApart(
       [&] {
-        player::writeAll(to.number(), foundIn(file).dump(-1, ' ', false, Answer::error_handler_t::replace));
+        player::writeAll(to.number(),
+                         foundIn(file).dump(-1, ' ', false, TagsFound::error_handler_t::replace));
         return 0;
       },
       [&] {
@@ -88,15 +89,15 @@ Answer foundApart(int file) {
         }
         from = carbon::Descriptor();
       });
-  return status == 0 ? Answer::parse(answer, nullptr, false) : Answer();
+  return status == 0 ? TagsFound::parse(answer, nullptr, false) : TagsFound();
 }
 
-void take(const Answer &found, const char *name, std::string &text) {
+void take(const TagsFound &found, const char *name, std::string &text) {
   const auto field = found.find(name);
   if (field != found.end() && field->is_string()) text = field->get<std::string>();
 }
 
-uint32_t numberIn(const Answer &found, const char *name) {
+uint32_t numberIn(const TagsFound &found, const char *name) {
   const auto field = found.find(name);
   return field != found.end() && field->is_number_unsigned() ? field->get<uint32_t>() : 0;
 }
@@ -105,7 +106,7 @@ uint32_t numberIn(const Answer &found, const char *name) {
 
 FileTags readTags(const carbon::Descriptor &file, Song &song) {
   FileTags more;
-  const Answer found = foundApart(file.number());
+  const TagsFound found = foundApart(file.number());
   if (!found.is_object()) return more;
   take(found, "title", song.title);
   take(found, "artist", song.artist);

@@ -62,15 +62,20 @@ function(zem_share_googletest target)
   target_precompile_headers(${target} REUSE_FROM zem_googletest_headers)
 endfunction()
 
-# zem_add_test(NAME SOURCES... [LIBS ...]): a GoogleTest program. CTest's names begin with the folder's, so that `./test db`
-# runs one folder. With ZEM_ONCE each case is a test, which can be run by its name; elsewhere a program runs in four parts,
-# since to start a process for each case takes longer than the case.
+# zem_add_test(NAME SOURCES... [OPTIMISED] [LIBS ...]): a GoogleTest program. CTest's names begin with the folder's, so that
+# `./test db` runs one folder. With ZEM_ONCE each case is a test, which can be run by its name; elsewhere a program runs in
+# four parts, since to start a process for each case takes longer than the case. OPTIMISED is for one whose own sources
+# compute for longer than it takes to optimise them.
 function(zem_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMISED" "" "LIBS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
-  zem_not_optimised(${name})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
-  zem_share_googletest(${name})
+  if(arg_OPTIMISED)
+    target_compile_options(${name} PRIVATE -O1)
+  else()
+    zem_not_optimised(${name})
+    zem_share_googletest(${name})
+  endif()
   zem_tests_need(${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
   if(ZEM_ONCE)

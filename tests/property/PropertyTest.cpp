@@ -6,33 +6,16 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <set>
-#include <stdexcept>
 #include <string>
 
 #include "tests/model/Methods.h"
+#include "tests/property/Environment.h"
 #include "tests/property/RandomCase.h"
 #include "tests/property/Runner.h"
 #include "tests/property/Shrinker.h"
 
 namespace property {
 namespace {
-
-// The number in an environment variable; nothing when it is not set.
-std::optional<uint64_t> FromEnvironment(const char *name) {
-  const char *value = std::getenv(name);
-  if (value == nullptr || *value == '\0') return std::nullopt;
-  size_t used = 0;
-  uint64_t number = 0;
-  try {
-    number = std::stoull(value, &used);
-  } catch (const std::exception &) {
-    used = 0;
-  }
-  if (used != std::string(value).size()) {
-    throw std::runtime_error(std::string(name) + " is no number: " + value);
-  }
-  return number;
-}
 
 // Makes the case small, writes it beside the test program's working files, and says how to come back to it.
 std::string Report(uint64_t seed, const Case &failing) {
@@ -63,7 +46,7 @@ TEST_P(Property, PluginAnswersAsTheModelDoes) {
     ASSERT_EQ(FindDifference(what), std::nullopt);
     return;
   }
-  const uint64_t cases = kCasesOfABlock * FromEnvironment("ZEM_TEST_SCALE").value_or(100) / 100;
+  const uint64_t cases = Scaled(kCasesOfABlock);
   const uint64_t first = GetParam() * 1000000 + 1;
   const std::string running = "property-running-" + std::to_string(GetParam()) + ".txt";
   std::cout << "seeds " << first << " to " << first + cases - 1 << "; the one at work is in " << running

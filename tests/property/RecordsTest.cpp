@@ -6,13 +6,15 @@
 #include "tests/db/PlainRecords.h"
 #include "tests/model/Loader.h"
 #include "tests/property/Case.h"
+#include "tests/property/Environment.h"
 #include "tests/property/RandomFile.h"
 
 namespace property {
 namespace {
 
 TEST(PropertyOfTheLoader, RecordsAreTheModels) {
-  for (uint64_t seed = 1; seed <= 20000; ++seed) {
+  const uint64_t files = Scaled(20000);
+  for (uint64_t seed = 1; seed <= files; ++seed) {
     samples::Random random(seed);
     const DatabaseFile file = {.pieces = SomeFile(random)};
     CiTunesDB database;

@@ -3,7 +3,7 @@
 import os
 
 from place import FIRST_SONG, Place, chunk, compressed, database, library, play_counts, track_list
-from runs import remove, run
+from runs import measure, remove
 
 TIMES = 4  # the second size is so many times the first
 
@@ -122,7 +122,7 @@ _LIMITS = {"bytes written": (1.2 * TIMES, 20_000), "bytes read": (1.2 * TIMES, 6
 
 def _needs(program, place, seconds, words):
     arguments = [word.format(player=place.root, work=place.work) for word in words]
-    ended = run([program, *arguments], place, seconds, terminal=False)
+    ended = measure([program, *arguments], place, seconds)
     if ended is None or ended.status not in (0, 1, 3):
         raise RuntimeError("does not end" if ended is None else f"ends with {ended.status}: {ended.out[-500:]!r}")
     written = sum(os.path.getsize(file.path) for file in os.scandir(place.work / "exports"))

@@ -14,6 +14,7 @@ import termios
 import time
 
 from place import CANARY, FORGED, Place
+from server import Server
 from watch import Watch, changes, manifest, steering
 
 # What is run on every player, by the command's name. {player}: its root, {work}: a folder to write to.
@@ -58,10 +59,17 @@ _PR_CAPBSET_DROP = 24
 
 
 class Ended:
-    """How a run ended: its status, below zero for a signal, what it wrote, and what it needed."""
+    """How a run ended: its status, below zero for a signal, and what it wrote."""
+
+    def __init__(self, status, out):
+        self.status, self.out = status, out
+
+
+class Needs(Ended):
+    """And what it needed."""
 
     def __init__(self, status, out, usage, reads):
-        self.status, self.out = status, out
+        super().__init__(status, out)
         self.seconds = usage.ru_utime + usage.ru_stime
         self.kilobytes = usage.ru_maxrss
         self.bytes_read = reads
@@ -83,40 +91,57 @@ def _bytes_read(process):
         return 0
 
 
-def run(command, place, seconds, terminal=True):
-    """Runs it in the player's folder to its end; None when it does not end."""
-    if terminal:
-        ours, theirs = pty.openpty()
-        fcntl.ioctl(theirs, termios.TIOCSWINSZ, b"\x18\0\x84\0\0\0\0\0")
-    else:
-        ours, theirs = os.pipe()
+def _how(place, terminal):
+    """Where and how the program is started for a player."""
     environment = {"PATH": os.environ["PATH"], "TERM": "xterm", "LANG": "C.UTF-8", "SECRET": CANARY,
                    "TMPDIR": str(place.work / "tmp"),
                    "ASAN_OPTIONS": "detect_leaks=0:exitcode=77:malloc_context_size=1:"
                                    f"quarantine_size_mb={256 if terminal else 4}",
                    "UBSAN_OPTIONS": "print_stacktrace=1"}
-    process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=theirs, stderr=theirs, cwd=place.root,
-                               env=environment, preexec_fn=_before, start_new_session=True)
-    os.close(theirs)
-    shown, end, ended = [], time.monotonic() + seconds, True
+    return {"stdin": subprocess.DEVNULL, "cwd": place.root, "env": environment, "preexec_fn": _before,
+            "start_new_session": True}
+
+
+def _read(ours, process, seconds):
+    """What a run writes to its end; None, and it is ended, when it does not end."""
+    shown, end = [], time.monotonic() + seconds
     while True:
         if not select.select([ours], [], [], max(0, end - time.monotonic()))[0]:
             process.kill()
-            ended = False
-            break
+            return None
         try:
             part = os.read(ours, 1 << 16)
         except OSError:  # a terminal whose other side is closed
-            break
+            part = b""
         if not part:
-            break
+            return b"".join(shown)
         shown.append(part)
+
+
+def measure(command, place, seconds):
+    """Runs it in the player's folder to its end, and says what it needed; None when it does not end."""
+    ours, theirs = os.pipe()
+    process = subprocess.Popen(command, stdout=theirs, stderr=theirs, **_how(place, terminal=False))
+    os.close(theirs)
+    shown = _read(ours, process, seconds)
     os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
     reads = _bytes_read(process)
     _, status, usage = os.wait4(process.pid, 0)
     process.returncode = os.waitstatus_to_exitcode(status)
     os.close(ours)
-    return Ended(process.returncode, b"".join(shown), usage, reads) if ended else None
+    return None if shown is None else Needs(process.returncode, shown, usage, reads)
+
+
+def show(server, words, seconds):
+    """Runs a command on a terminal to its end; None when it does not end."""
+    ours, theirs = pty.openpty()
+    fcntl.ioctl(theirs, termios.TIOCSWINSZ, b"\x18\0\x84\0\0\0\0\0")
+    process = server.start(words, theirs)
+    os.close(theirs)
+    shown = _read(ours, process, seconds)
+    status = process.wait()
+    os.close(ours)
+    return None if shown is None else Ended(status, shown)
 
 
 def faults_of_run(name, ended, seconds):
@@ -159,7 +184,7 @@ def faults_of_files(folder):
     return found
 
 
-def attack(program, name, build, folder, seconds):
+def attack(program, library, name, build, folder, seconds):
     """Builds one player and runs every command on it. Returns the number of runs, and the faults, a line each."""
     place = Place(folder)
     build(place)
@@ -167,11 +192,12 @@ def attack(program, name, build, folder, seconds):
     faults, count = [], 0
     surroundings = manifest(place.machine)
     watch = Watch([where for where, _, _ in os.walk(place.outside)])
+    server = Server(library, program, **_how(place, terminal=True))
     for command, rows in COMMANDS.items():
         for row in rows:
             arguments = [part.format(player=place.root, work=place.work) for part in row]
             count += 1
-            found = faults_of_run(command, run([program, command, *arguments], place, seconds), seconds)
+            found = faults_of_run(command, show(server, [command, *arguments], seconds), seconds)
             found += [f"outside the player: {event}" for event in watch.seen()]
             now = manifest(place.machine)
             found += [f"on the player or beside it: {change}" for change in changes(surroundings, now)]
@@ -179,6 +205,7 @@ def attack(program, name, build, folder, seconds):
             surroundings = now
             line = " ".join([command, *row])
             faults += [f"{name}: {line}: {fault}" for fault in found]
+    server.close()
     if left := os.listdir(place.work / "tmp"):
         faults.append(f"{name}: temporary files stay: {left}")
     if unexpected := set(os.listdir(place.work)) - {"tmp", "exports", "lists", "music"}:

@@ -43,7 +43,8 @@ class HostilePlayers(unittest.TestCase):
         with open(self.program, "w", encoding="utf-8") as file:
             file.write(text)
         os.chmod(self.program, 0o755)
-        done = subprocess.run([TOOL, "--program", self.program, *options], capture_output=True, text=True, check=False)
+        done = subprocess.run([TOOL, "--program", self.program, "--server", os.environ["RUN_SERVER_LIBRARY"], *options],
+                              capture_output=True, text=True, check=False)
         self.assertEqual(done.stderr, "")
         return done.returncode, done.stdout
 

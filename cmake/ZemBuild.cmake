@@ -62,12 +62,16 @@ function(zem_share_googletest target)
   target_precompile_headers(${target} REUSE_FROM zem_googletest_headers)
 endfunction()
 
-# zem_add_test(NAME SOURCES... [OPTIMISED] [LIBS ...]): a GoogleTest program. CTest's names begin with the folder's, so that
-# `./test db` runs one folder. With ZEM_ONCE each case is a test, which can be run by its name; elsewhere a program runs in
-# four parts, since to start a process for each case takes longer than the case. OPTIMISED is for one whose own sources
-# compute for longer than it takes to optimise them.
+# zem_add_test(NAME SOURCES... [OPTIMISED] [COST N] [LIBS ...]): a GoogleTest program. CTest's names begin with the folder's,
+# so that `./test db` runs one folder. With ZEM_ONCE each case is a test, which can be run by its name; elsewhere a program
+# runs in four parts, since to start a process for each case takes longer than the case. OPTIMISED is for one whose own
+# sources compute for longer than it takes to optimise them. Parts of a larger COST start earlier: a long one that starts
+# last would leave processors idle.
 function(zem_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMISED" "" "LIBS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMISED" "COST" "LIBS")
+  if(NOT arg_COST)
+    set(arg_COST 0)
+  endif()
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS} GTest::gmock_main)
   if(arg_OPTIMISED)
@@ -85,7 +89,7 @@ function(zem_add_test name)
   foreach(part RANGE 3)
     add_test(NAME ${folder}.${name}.${part} COMMAND ${name} --gtest_brief=1)
     set_tests_properties(${folder}.${name}.${part} PROPERTIES
-      TIMEOUT 600 ENVIRONMENT "GTEST_TOTAL_SHARDS=4;GTEST_SHARD_INDEX=${part}")
+      TIMEOUT 600 COST ${arg_COST} ENVIRONMENT "GTEST_TOTAL_SHARDS=4;GTEST_SHARD_INDEX=${part}")
   endforeach()
 endfunction()
 

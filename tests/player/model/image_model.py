@@ -1,6 +1,7 @@
 """A plain reader of lists of pictures and of pictures, written from a description of the files alone: small steps and
 big tables, and no concern for speed."""
 
+import functools
 import math
 import os
 import struct
@@ -67,20 +68,23 @@ def stated_formats(formats):
     return found
 
 
+@functools.cache
 def colour565(value):
     r, g, b = value >> 11, value >> 5 & 63, value & 31
-    return r << 3 | r >> 2, g << 2 | g >> 4, b << 3 | b >> 2
+    return bytes((r << 3 | r >> 2, g << 2 | g >> 4, b << 3 | b >> 2))
 
 
+@functools.cache
 def colour555(value):
-    return tuple((part & 31) << 3 | (part & 31) >> 2 for part in (value >> 10, value >> 5, value))
+    return bytes((part & 31) << 3 | (part & 31) >> 2 for part in (value >> 10, value >> 5, value))
 
 
+@functools.cache
 def colour_yuv(y, u, v):
     def level(number):
         return min(max(math.floor((number + 500) / 1000), 0), 255)
     y, u, v = 1164 * (y - 16), u - 128, v - 128
-    return level(y + 1596 * v), level(y - 813 * v - 391 * u), level(y + 2018 * u)
+    return bytes((level(y + 1596 * v), level(y - 813 * v - 391 * u), level(y + 2018 * u)))
 
 
 def quarters(pixels):
@@ -137,7 +141,7 @@ def picture(rows):
     """Width, height and bytes, as the reader's printer gives them."""
     if not rows:
         return [0, 0, ""]
-    return [len(rows[0]), len(rows), b"".join(bytes(colour) for row in rows for colour in row).hex()]
+    return [len(rows[0]), len(rows), b"".join(b"".join(row) for row in rows).hex()]
 
 
 class ImageList:

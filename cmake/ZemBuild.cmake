@@ -20,6 +20,10 @@ target_include_directories(zem_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(zem_options INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>)
 # A source of a group counts as a header, in which a type of an unnamed namespace would be another in each source.
 target_compile_options(zem_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+# The compiler looks through its memory for what it can give back, which takes a tenth of its time in groups of this size.
+target_compile_options(zem_options INTERFACE
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:--param=ggc-min-heapsize=400000>
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:--param=ggc-min-expand=100>)
 # Files, inode numbers and directory entries of large disks, on 32-bit machines too.
 target_compile_definitions(zem_options INTERFACE _FILE_OFFSET_BITS=64)
 

@@ -80,8 +80,9 @@ BytePair Changed(const char *unit, bool lowByteFirst) {
   return Number(lowByteFirst ? UTSchangeOneChar(b1, b0) : UTSchangeOneChar(b0, b1));
 }
 
-bool HasCode(const char *unit) {
-  return kCodes[Pair(static_cast<std::uint8_t>(unit[0]), static_cast<std::uint8_t>(unit[1]))] != 0;
+// The code of a unit stored high byte first, 0 for one without a code.
+BytePair CodeOf(const char *unit) {
+  return kCodes[Pair(static_cast<std::uint8_t>(unit[0]), static_cast<std::uint8_t>(unit[1]))];
 }
 
 void Store(BytePair pair, char *to) { std::memcpy(to, &pair, sizeof pair); }
@@ -105,25 +106,59 @@ class Conversion {
   // Returns the end of what was written.
   char *Run() {
     UTSchangeOneChar(0, 0);
-    for (;;) {
-      if (!lowByteFirst_) ConvertFours();
-      if (in_ == end_) return out_;
-      ConvertUnit();
-    }
+    const char *const stop = EndOfFours();
+    ConvertDoubleBytes(stop);
+    return in_ == end_ ? out_ : Rest(in_, end_, out_, full_, stop);
   }
 
  private:
+  Conversion(const char *in, const char *end, char *out, const char *full)
+      : in_(in), end_(end), out_(out), full_(full) {}
+
+  // What begins with another character than those of two bytes. Apart, since it needs all registers there
+  // are.
+  [[gnu::noinline]] static char *Rest(const char *in, const char *end, char *out, const char *full,
+                                      const char *stop) {
+    Conversion rest(in, end, out, full);
+    for (;; stop = rest.EndOfFours()) {
+      if (!rest.lowByteFirst_) rest.ConvertFours(stop);
+      if (rest.in_ == rest.end_) return rest.out_;
+      rest.ConvertUnit();
+    }
+  }
+
+  // Where the units end that can be taken four at a time. A unit gives two bytes at the most, so that as much
+  // text as there is room reaches no growth.
+  const char *EndOfFours() const {
+    if (out_ >= full_) return in_;
+    return in_ + static_cast<std::size_t>(std::min(end_ - in_, full_ - out_)) / 8 * 8;
+  }
+
+  // Takes four units at a time while all of them have codes of two bytes.
+  void ConvertDoubleBytes(const char *stop) {
+    // Every lead byte has its top bit set, so that something is left when none is missing.
+    while (in_ != stop &&
+           (CodeOf(in_) & CodeOf(in_ + 2) & CodeOf(in_ + 4) & CodeOf(in_ + 6) & kLeadByte) != 0) {
+      const BytePair c0 = Changed(in_, false);
+      const BytePair c1 = Changed(in_ + 2, false);
+      const BytePair c2 = Changed(in_ + 4, false);
+      const BytePair c3 = Changed(in_ + 6, false);
+      Store(c0, out_);
+      Store(c1, out_ + 2);
+      Store(c2, out_ + 4);
+      Store(c3, out_ + 6);
+      in_ += 8;
+      out_ += 8;
+    }
+  }
+
   // Takes four units at a time while all of them have codes. The compiler sees that such units repeat
   // nothing, and makes four look-ups of the four calls.
-  void ConvertFours() {
-    // A unit gives two bytes at the most: as much text as there is room reaches no growth.
-    if (out_ >= full_) return;
-    const auto bytes = static_cast<std::size_t>(std::min(end_ - in_, full_ - out_));
-    const char *const stop = in_ + bytes / 8 * 8;
+  void ConvertFours(const char *stop) {
     const char *in = in_;
     char *out = out_;
     for (; in != stop; in += 8) {
-      if (!HasCode(in) || !HasCode(in + 2) || !HasCode(in + 4) || !HasCode(in + 6)) break;
+      if (CodeOf(in) == 0 || CodeOf(in + 2) == 0 || CodeOf(in + 4) == 0 || CodeOf(in + 6) == 0) break;
       const BytePair c0 = Changed(in, false);
       const BytePair c1 = Changed(in + 2, false);
       const BytePair c2 = Changed(in + 4, false);

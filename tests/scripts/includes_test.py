@@ -91,15 +91,15 @@ class Includes(unittest.TestCase):
         self.assertEqual(users, ["zemhost/options/Parts.h"])
 
     def test_include_that_the_table_does_not_allow_is_named(self):
+        tree, expected = self.copy(), []
         for folder, header in (("db", "platform/FileReference.h"), ("player", "host/Host.h"),
                                ("player", "platform/carbon/CarbonFiles.h"), ("host", "zemhost/output/Table.h"),
                                ("zemhost", "db/CiTunesDB.h"), ("plugin", "host/Host.h"), ("unicode", "db/ByteOrder.h")):
-            with self.subTest(folder=folder, header=header):
-                tree = self.copy()
-                file = next(file for file in self.files if file.startswith(folder + "/") and file.endswith(".cpp"))
-                with (tree / file).open("a") as source:
-                    source.write(f'#include "{header}"\n')
-                self.assertEqual(faults(tree, self.files), [f"{file} includes {header}: not allowed"])
+            file = next(file for file in self.files if file.startswith(folder + "/") and file.endswith(".cpp"))
+            with (tree / file).open("a") as source:
+                source.write(f'#include "{header}"\n')
+            expected.append(f"{file} includes {header}: not allowed")
+        self.assertCountEqual(faults(tree, self.files), expected)
 
     def test_include_by_another_path_is_named(self):
         tree = self.copy()

@@ -44,7 +44,7 @@ function(zem_tests_need)
 endfunction()
 
 # zem_not_optimised(TARGET): for what runs in tests alone. Compiling its own sources takes longer than running them, with
-# clang++ and the sanitizers three times as long, and an eighth of that goes into line numbers, which a failed test prints.
+# clang++ and the sanitizers three times as long. An eighth of that would go into line numbers, which GoogleTest knows itself.
 function(zem_not_optimised target)
   target_compile_options(${target} PRIVATE -O0 $<$<CONFIG:RelWithDebInfo>:-g0>)
   set_target_properties(${target} PROPERTIES ZEM_UNOPTIMISED ON)

@@ -87,6 +87,15 @@ BytePair CodeOf(const char *unit) {
 
 void Store(BytePair pair, char *to) { std::memcpy(to, &pair, sizeof pair); }
 
+// Writes four codes of two bytes; returns their end.
+char *StoreFour(BytePair c0, BytePair c1, BytePair c2, BytePair c3, char *out) {
+  Store(c0, out);
+  Store(c1, out + 2);
+  Store(c2, out + 4);
+  Store(c3, out + 6);
+  return out + 8;
+}
+
 // Writes a code that is not 0, and after a single-byte one a byte that does not count; returns the end of
 // what counts. Without a branch, which would be mispredicted at every change of scripts in a text.
 char *Put(BytePair code, char *out) {
@@ -115,8 +124,8 @@ class Conversion {
   Conversion(const char *in, const char *end, char *out, const char *full)
       : in_(in), end_(end), out_(out), full_(full) {}
 
-  // What begins with another character than those of two bytes. Apart, since it needs all registers there
-  // are.
+  // What begins with another character than those of two bytes. Apart: it needs all registers there are, and
+  // a title without such characters does not wait until they are put aside.
   [[gnu::noinline]] static char *Rest(const char *in, const char *end, char *out, const char *full,
                                       const char *stop) {
     Conversion rest(in, end, out, full);
@@ -143,12 +152,8 @@ class Conversion {
       const BytePair c1 = Changed(in_ + 2, false);
       const BytePair c2 = Changed(in_ + 4, false);
       const BytePair c3 = Changed(in_ + 6, false);
-      Store(c0, out_);
-      Store(c1, out_ + 2);
-      Store(c2, out_ + 4);
-      Store(c3, out_ + 6);
+      out_ = StoreFour(c0, c1, c2, c3, out_);
       in_ += 8;
-      out_ += 8;
     }
   }
 
@@ -165,11 +170,7 @@ class Conversion {
       const BytePair c3 = Changed(in + 6, false);
       // Every lead byte has its top bit set, so that something is left when none is missing.
       if ((c0 & c1 & c2 & c3 & kLeadByte) != 0) {
-        Store(c0, out);
-        Store(c1, out + 2);
-        Store(c2, out + 4);
-        Store(c3, out + 6);
-        out += 8;
+        out = StoreFour(c0, c1, c2, c3, out);
       } else {
         out = Put(c3, Put(c2, Put(c1, Put(c0, out))));
       }

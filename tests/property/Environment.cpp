@@ -1,5 +1,6 @@
 #include "tests/property/Environment.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
@@ -22,6 +23,8 @@ std::optional<uint64_t> FromEnvironment(const char *name) {
   return number;
 }
 
-uint64_t Scaled(uint64_t cases) { return cases * FromEnvironment("ZEM_TEST_SCALE").value_or(100) / 100; }
+uint64_t Scaled(uint64_t cases) {
+  return std::max<uint64_t>(1, cases * FromEnvironment("ZEM_TEST_SCALE").value_or(100) / 100);
+}
 
 }  // namespace property

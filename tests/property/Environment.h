@@ -11,7 +11,8 @@ namespace property {
 // number.
 std::optional<uint64_t> FromEnvironment(const char *name);
 
-// How many cases to try of these many: ZEM_TEST_SCALE percent of them, all when it is not set.
+// How many cases to try of these many: ZEM_TEST_SCALE percent of them and one at least, all when it is not
+// set.
 uint64_t Scaled(uint64_t cases);
 
 }  // namespace property

@@ -39,14 +39,12 @@ void answer(int socket, int number) {
   if (send(socket, &number, sizeof number, MSG_NOSIGNAL) != sizeof number) _exit(1);
 }
 
-// The program's own words, then those of the request; their number.
+// The program's own words, then those of the request; their number. More than there is room for end the run.
 int takeWords(int count, char **arguments, size_t length) {
   size_t used = 0;
-  for (; used < static_cast<size_t>(count) && used + 1 < words.size(); ++used) words[used] = arguments[used];
-  for (size_t at = 0; at < length && used + 1 < words.size(); at += std::strlen(&request[at]) + 1) {
-    words[used++] = &request[at];
-  }
-  words[used] = nullptr;
+  for (; used < static_cast<size_t>(count); ++used) words.at(used) = arguments[used];
+  for (size_t at = 0; at < length; at += std::strlen(&request[at]) + 1) words.at(used++) = &request[at];
+  words.at(used) = nullptr;
   return static_cast<int>(used);
 }
 

@@ -17,7 +17,8 @@ std::string jsonText(const Json &value, int indent = -1);
 // Adds the same on one line to a text. Quick for what rows are made of: null, numbers and plain texts.
 void appendJson(std::string &text, const Json &value);
 
-// The value on one line, each character as it is unless JSON has it escaped: for files that programs read.
+// The value on one line, each character as it is unless JSON has it escaped, for files that programs read;
+// bytes that are not UTF-8 become U+FFFD.
 std::string jsonLine(const Json &value);
 
 // The same of a text, in quotes.

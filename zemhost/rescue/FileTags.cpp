@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <taglib/audioproperties.h>
 #include <taglib/fileref.h>
@@ -15,17 +14,16 @@
 
 #include "host/Error.h"
 #include "player/FileBytes.h"
+#include "zemhost/output/JsonText.h"
 #include "zemhost/rescue/Apart.h"
 
 namespace zemhost {
 
 namespace {
 
-using TagsFound = nlohmann::json;
-
 constexpr size_t kLongestAnswer = 1U << 20;
 
-void set(TagsFound &field, const TagLib::String &text) {
+void set(Json &field, const TagLib::String &text) {
   const TagLib::String plain = text.stripWhiteSpace();
   if (!plain.isEmpty()) field = plain.to8Bit(true);
 }
@@ -43,8 +41,8 @@ const TagLib::Tag &tagOf(const TagLib::FileRef &reference) {
 }
 
 // What the library for tags finds, as JSON: it is found in another process than it is needed in.
-TagsFound foundIn(int file) {
-  TagsFound found = TagsFound::object();
+Json foundIn(int file) {
+  Json found = Json::object();
   // The library closes what it is given. It knows the kind of file by its content then.
   TagLib::FileStream stream(dup(file), true);
   const TagLib::FileRef reference(&stream);
@@ -66,7 +64,7 @@ TagsFound foundIn(int file) {
 }
 
 // As foundIn(), from a process of its own; null when nothing came of it.
-TagsFound foundApart(int file) {
+Json foundApart(int file) {
   int ends[2] = {};
   if (pipe2(ends, O_CLOEXEC) != 0) throw HostError("tags: no pipe can be made", errno);
   carbon::Descriptor from(ends[0]);
@@ -74,8 +72,7 @@ TagsFound foundApart(int file) {
   std::string answer;
   const int status = runApart(
       [&] {
-        player::writeAll(to.number(),
-                         foundIn(file).dump(-1, ' ', false, TagsFound::error_handler_t::replace));
+        player::writeAll(to.number(), jsonLine(foundIn(file)));
         return 0;
       },
       [&] {
@@ -89,15 +86,15 @@ TagsFound foundApart(int file) {
         }
         from = carbon::Descriptor();
       });
-  return status == 0 ? TagsFound::parse(answer, nullptr, false) : TagsFound();
+  return status == 0 ? Json::parse(answer, nullptr, false) : Json();
 }
 
-void take(const TagsFound &found, const char *name, std::string &text) {
+void take(const Json &found, const char *name, std::string &text) {
   const auto field = found.find(name);
   if (field != found.end() && field->is_string()) text = field->get<std::string>();
 }
 
-uint32_t numberIn(const TagsFound &found, const char *name) {
+uint32_t numberIn(const Json &found, const char *name) {
   const auto field = found.find(name);
   return field != found.end() && field->is_number_unsigned() ? field->get<uint32_t>() : 0;
 }
@@ -106,7 +103,7 @@ uint32_t numberIn(const TagsFound &found, const char *name) {
 
 FileTags readTags(const carbon::Descriptor &file, Song &song) {
   FileTags more;
-  const TagsFound found = foundApart(file.number());
+  const Json found = foundApart(file.number());
   if (!found.is_object()) return more;
   take(found, "title", song.title);
   take(found, "artist", song.artist);

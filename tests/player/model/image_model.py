@@ -1,5 +1,5 @@
 """A plain reader of lists of pictures and of pictures, written from a description of the files alone: small steps and
-big tables, and no concern for speed."""
+big tables."""
 
 import functools
 import math

@@ -54,6 +54,11 @@ def run(*arguments, file_size=None, **options):
     return Outcome(process.returncode, out or b"", err or b"")
 
 
+def without_free_room(text):
+    """The bytes of a listing without their line on the free room of the disk, to which others write meanwhile."""
+    return re.sub(rb"^Free .*\n", b"", text, flags=re.MULTILINE)
+
+
 class Terminal:
     """A terminal of 24 lines for the output of a program that is watched while it runs."""
 

@@ -67,17 +67,17 @@ class Script(unittest.TestCase):
         self.tools.mkdir()
         self.tool("dpkg-query", f'echo "dpkg-query $*" >>{self.asked}; for name; do echo "$name installed"; done')
         self.tool("cmake", f'echo "cmake $*" >>{self.asked}')
-        self.tool("ctest", f'echo "ctest $*" >>{self.asked}')
+        self.tool("ctest", f'echo "ctest ($ZEM_TEST_SCALE) $*" >>{self.asked}')
 
     def tool(self, name, line):
         (self.tools / name).write_text(f"#!/bin/sh\n{line}\n")
         (self.tools / name).chmod(0o755)
 
-    def ask(self, *arguments):
-        """The lines that build and that test."""
+    def ask(self, *arguments, scale=""):
+        """The lines that build and that test, the second with the percentage of random files."""
         self.asked.unlink(missing_ok=True)
         subprocess.run([self.tree / "test", *arguments], capture_output=True,
-                       env={**os.environ, "PATH": f"{self.tools}:{os.environ['PATH']}"})
+                       env={**os.environ, "PATH": f"{self.tools}:{os.environ['PATH']}", "ZEM_TEST_SCALE": scale})
         lines = self.asked.read_text().splitlines()
         return (next(line for line in lines if line.startswith("cmake --build")),
                 next(line for line in lines if line.startswith("ctest")))
@@ -113,6 +113,13 @@ class Script(unittest.TestCase):
     def test_what_takes_long_is_tested_where_it_is_asked_for(self):
         for arguments in (["--all"], ["report"], ["db.Loader|plugin"]):
             self.assertNotIn("--label-exclude", self.ask(*arguments)[1])
+
+    def test_all_random_files_are_tried_by_release_where_all_or_one_folder_is_asked_for(self):
+        for arguments, scale in ((["--all"], ""), (["property"], ""), (["Loader"], ""), ([], "40"), (["--preset", "asan"], "40"),
+                                 (["--preset", "asan", "Loader"], "40"), (["--preset", "i386"], "40"),
+                                 (["--preset", "powerpc", "db"], "10")):
+            self.assertTrue(self.ask(*arguments)[1].startswith(f"ctest ({scale}) "), arguments)
+            self.assertTrue(self.ask(*arguments, scale="70")[1].startswith("ctest (70) "), arguments)
 
 
 unittest.main()

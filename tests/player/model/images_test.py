@@ -2,25 +2,18 @@
 """What the reader makes of lists of pictures and of pictures is, field by field and pixel by pixel, what a plain model
 makes of them: on sound, real and damaged ones."""
 
-import json
 import os
 import random
 import struct
-import subprocess
 import tempfile
 import unittest
 
 from image_model import TABLE, ImageList, format_of, picture, rows_of, seen_of, stated_formats
+from printer import printed, scaled
 
 SAMPLES = os.environ["SAMPLES"]
 COVERS = os.path.join(os.environ["SHARED"], "data", "players", "classic-covers")
-RANDOM_LISTS = 500
-
-
-def ask(lines):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "images"],
-                          input="\n".join(lines).encode(), stdout=subprocess.PIPE, check=True)
-    return [json.loads(line) for line in done.stdout.splitlines()]
+RANDOM_LISTS = scaled(500)
 
 
 def content(path):
@@ -122,7 +115,7 @@ class Images(unittest.TestCase):
         lines = []
         for i, (number, offset, size, part, data) in enumerate(cases):
             lines.append(" ".join(map(str, ["picture", number, offset, size, *part, self.place(f"p{i}", data), plist])))
-        for case, got in zip(cases, ask(lines), strict=True):
+        for case, got in zip(cases, printed("images", lines), strict=True):
             number, offset, size, part, data = case
             form = format_of(number, size, stated_formats(stated))
             with self.subTest(format=number, size=size, part=part):
@@ -141,7 +134,7 @@ class Images(unittest.TestCase):
             print("the real covers are not there")
         for folder in folders:
             data = content(os.path.join(folder, "ArtworkDB"))
-            got = ask(["list " + self.place("list", data)])[0]
+            got = printed("images", ["list " + self.place("list", data)])[0]
             self.assert_list(data, got)
             self.assertFalse(got["broken"])
             cases = [(number, offset, size, part, content(os.path.join(folder, bytes.fromhex(name).decode()[1:])))
@@ -157,7 +150,7 @@ class Images(unittest.TestCase):
             one = RandomList(seed)
             data = one.file()
             files.append(data if seed % 2 == 0 else one.damaged(data))
-        found = ask(["list " + self.place(f"list{i}", data) for i, data in enumerate(files)])
+        found = printed("images", ["list " + self.place(f"list{i}", data) for i, data in enumerate(files)])
         for i, (data, got) in enumerate(zip(files, found, strict=True)):
             with self.subTest(seed=i):
                 self.assert_list(data, got)

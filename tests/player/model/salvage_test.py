@@ -8,12 +8,13 @@ import subprocess
 import tempfile
 import unittest
 
+from printer import scaled
 from salvage_model import records
 from songs_test import RandomFiles, real_files
 
 SAMPLES = os.environ["SAMPLES"]
 DAMAGES = 40  # of each kind, for each file
-RANDOM_FILES = 60
+RANDOM_FILES = scaled(60)
 
 
 def measure(path, damages, seed):

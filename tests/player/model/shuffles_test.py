@@ -1,24 +1,17 @@
 #!/usr/bin/env python3
 """What the reader makes of files of shuffles is what a plain model makes of them: on sound, real and damaged ones."""
 
-import json
 import os
 import random
 import struct
-import subprocess
 import tempfile
 import unittest
 
 import shuffle_model
+from printer import printed, scaled
 
 SHUFFLE = os.path.join(os.environ["SHARED"], "data", "players", "shuffle")
-RANDOM_FILES = 500
-
-
-def read(paths):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "shuffles", *paths],
-                          stdout=subprocess.PIPE, check=True)
-    return [json.loads(line) for line in done.stdout.splitlines()]
+RANDOM_FILES = scaled(500)
 
 
 class RandomFile:
@@ -86,7 +79,7 @@ class Shuffles(unittest.TestCase):
     @unittest.skipUnless(os.path.isdir(SHUFFLE), "the collection of players is not there")
     def test_real_files(self):
         paths = [os.path.join(SHUFFLE, name) for name in sorted(os.listdir(SHUFFLE))]
-        for path, got in zip(paths, read(paths), strict=True):
+        for path, got in zip(paths, printed("shuffles", paths), strict=True):
             with open(path, "rb") as file:
                 self.assert_read(file.read(), got)
             whole = got["list"] and len(got["list"]["songs"]) or got["counts"] and len(got["counts"])
@@ -101,7 +94,7 @@ class Shuffles(unittest.TestCase):
                 paths.append(os.path.join(folder, str(seed)))
                 with open(paths[-1], "wb") as file:
                     file.write(files[-1])
-            found = read(paths)
+            found = printed("shuffles", paths)
             for seed, (data, got) in enumerate(zip(files, found, strict=True)):
                 with self.subTest(seed=seed):
                     self.assert_read(data, got)

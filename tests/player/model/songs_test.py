@@ -1,19 +1,18 @@
 #!/usr/bin/env python3
 """What the reader knows of songs is, field by field, what a plain model reads: on sound, real and damaged files."""
 
-import json
 import os
 import random
 import struct
-import subprocess
 import tempfile
 import unittest
 
+from printer import printed, scaled
 from song_model import BIG, BOTH, LITTLE, NAMES, Database, expected
 
 SAMPLES = os.environ["SAMPLES"]
 SHARED = os.environ["SHARED"]
-RANDOM_FILES = 500
+RANDOM_FILES = scaled(500)
 
 
 def real_files():
@@ -21,12 +20,6 @@ def real_files():
     return [os.path.join(folder, name) for folder in folders if os.path.isdir(folder)
             for name in sorted(os.listdir(folder))
             if name.endswith((".itunesdb", ".library", "iTunesDB")) and not name.startswith("encrypted")]
-
-
-def read(paths):
-    done = subprocess.run([os.path.join(os.environ["PRINTERS"], "print_player"), "songs", *paths],
-                          stdout=subprocess.PIPE, check=True)
-    return [json.loads(line) for line in done.stdout.decode().splitlines()]
 
 
 def chunk(tag, order, jump, body, count=0, length=None):
@@ -129,7 +122,7 @@ class Songs(unittest.TestCase):
         self.is_sound = True
         paths = [os.path.join(SAMPLES, "player", "iPod_Control", "iTunes", "iTunesDB"),
                  os.path.join(SAMPLES, "big-endian.library"), *real_files()]
-        for path, got in zip(paths, read(paths), strict=True):
+        for path, got in zip(paths, printed("songs", paths), strict=True):
             with self.subTest(os.path.basename(path)):
                 self.assertTrue(got["songs"] or "empty" in path)
                 self.assert_read(path, got)
@@ -151,7 +144,7 @@ class Songs(unittest.TestCase):
                 if seed % 3 != 0:
                     with open(os.path.join(folder, str(seed), "Play Counts"), "wb") as file:
                         file.write(files.play_counts(songs))
-            found = read(paths)
+            found = printed("songs", paths)
             for path, got, self.is_sound in zip(paths, found, sound, strict=True):
                 with self.subTest(path):
                     self.assert_read(path, got)

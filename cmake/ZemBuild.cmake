@@ -50,15 +50,13 @@ function(zem_not_optimised target)
   set_target_properties(${target} PROPERTIES ZEM_UNOPTIMISED ON)
 endfunction()
 
-# zem_add_tool(NAME SOURCES... [LIBS ...]): a program that is run by hand, to write files that are committed.
+# zem_add_tool(NAME SOURCES... [LIBS ...]): a program that is run by hand, to write files that are committed. What runs it
+# builds it, and clang-tidy reads its sources with all others.
 function(zem_add_tool name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
-  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  add_executable(${name} EXCLUDE_FROM_ALL ${arg_UNPARSED_ARGUMENTS})
   zem_not_optimised(${name})
   target_link_libraries(${name} PRIVATE zem_options ${arg_LIBS})
-  if(NOT ZEM_ONCE)
-    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
-  endif()
 endfunction()
 
 # zem_share_googletest(TARGET): GoogleTest's headers, a third of what g++ does for a test, are read once for all programs.

@@ -82,7 +82,7 @@ def colour555(value):
 @functools.cache
 def colour_yuv(y, u, v):
     def level(number):
-        return min(max(math.floor((number + 500) / 1000), 0), 255)
+        return min(max((number + 500) // 1000, 0), 255)
     y, u, v = 1164 * (y - 16), u - 128, v - 128
     return bytes((level(y + 1596 * v), level(y - 813 * v - 391 * u), level(y + 2018 * u)))
 

@@ -202,18 +202,15 @@ class Conversion {
 
 // Whether the text is single-byte characters stored high byte first: every unit is 00 and a byte that is not.
 bool IsPlain(std::string_view text) {
-  constexpr auto kFirstBytes =
-      std::bit_cast<std::uint64_t>(std::array<std::uint8_t, 8>{0xFF, 0, 0xFF, 0, 0xFF, 0, 0xFF, 0});
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  constexpr std::uint64_t kTopBits = 0x8080808080808080;
+  constexpr std::uint64_t kOnes = 0x0001000100010001;
+  constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00;
   if (text.size() % 2 != 0 || text.empty() || text[0] != 0) return false;
   for (; text.size() >= 8; text.remove_prefix(8)) {
     std::uint64_t units = 0;
     std::memcpy(&units, text.data(), sizeof units);
-    // The usual test for a zero byte in a word, with the first bytes out of its way.
-    const std::uint64_t seconds = units | kFirstBytes;
-    const std::uint64_t zeroSeconds = (seconds - kOnes) & ~seconds & kTopBits;
-    if ((units & kFirstBytes) != 0 || zeroSeconds != 0) return false;
+    // Second bytes become the low ones of four numbers, of which only 0 has a high byte once 1 is taken away.
+    if constexpr (std::endian::native == std::endian::little) units = std::rotl(units, 8);
+    if (((units | (units - kOnes)) & kHighBytes) != 0) return false;
   }
   for (; !text.empty(); text.remove_prefix(2)) {
     if (text[0] != 0 || text[1] == 0) return false;

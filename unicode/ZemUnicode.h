@@ -25,14 +25,8 @@ class SJISText {
   // for the room the text is empty and says so.
   template <typename Write>
   SJISText(std::size_t room, Write write) {
-    if (room > sizeof near_) {
-      far_.reset(new (std::nothrow) char[room]);
-      if (far_ == nullptr) {
-        outOfMemory_ = true;
-        return;
-      }
-    }
-    size_ = write(far_ == nullptr ? near_ : far_.get());
+    char *out = room > sizeof near_ ? Far(room) : near_;
+    if (out != nullptr) size_ = write(out);
   }
   SJISText(const SJISText &) = delete;
   SJISText &operator=(const SJISText &) = delete;
@@ -42,6 +36,13 @@ class SJISText {
   bool OutOfMemory() const { return outOfMemory_; }
 
  private:
+  // Room in memory; null without it. Apart: a title does not wait until what a call needs is put aside.
+  [[gnu::noinline, gnu::cold]] char *Far(std::size_t room) {
+    far_.reset(new (std::nothrow) char[room]);
+    outOfMemory_ = far_ == nullptr;
+    return far_.get();
+  }
+
   std::size_t size_ = 0;
   bool outOfMemory_ = false;
   std::unique_ptr<char[]> far_;

@@ -10,7 +10,7 @@ namespace {
 
 uint8_t g_characters[] = {4, 't', 'e', 'x', 't', 0};
 REALstringStruct g_string = {1, g_characters, sizeof g_characters, 4, 0};
-std::string g_path;
+int g_other = 0;  // what the items that the plug-in makes point to
 REALclassDefinition *g_class = nullptr;
 
 void RegisterPluginVersion(int32_t /*version*/) {}
@@ -24,9 +24,10 @@ REALstring BuildString(const char * /*bytes*/, int32_t /*length*/) { return &g_s
 uint32_t GetStringEncoding(REALstring /*string*/) { return 0; }
 void SetStringEncoding(REALstring /*string*/, uint32_t /*encoding*/) {}
 REALstring ConvertString(REALstring string, uint32_t /*encoding*/) { return string; }
-REALfolderItem ItemFromSpec(const FSSpec * /*spec*/) { return reinterpret_cast<REALfolderItem>(&g_path); }
-int32_t SpecFromItem(FSSpec *spec, REALfolderItem /*item*/) {
-  return CarbonSpecFromPath(g_path.c_str(), spec) == noErr ? 1 : 0;
+REALfolderItem ItemFromSpec(const FSSpec * /*spec*/) { return reinterpret_cast<REALfolderItem>(&g_other); }
+int32_t SpecFromItem(FSSpec *spec, REALfolderItem item) {
+  *spec = reinterpret_cast<const Item *>(item)->spec;
+  return 1;
 }
 REALstring PathFromItem(REALfolderItem /*item*/) { return &g_string; }
 double Version() { return 5.9; }
@@ -86,14 +87,16 @@ REALproc MethodSlot(std::string_view declaration) {
   throw std::runtime_error("no such method: " + std::string(declaration));
 }
 
+Item::Item(const std::string &path) {
+  if (CarbonSpecFromPath(path.c_str(), &spec) != noErr) throw std::runtime_error(path + ": no such file");
+}
+
 Instance::Instance() { Method<void>("Constructor")(get()); }
 
 Instance::~Instance() { reinterpret_cast<void (*)(REALobject)>(PluginClass().destructor)(get()); }
 
-bool Instance::Load(const std::string &path) {
-  g_path = path;
-  return Method<int32_t, REALfolderItem>("Load(f As FolderItem) As Boolean")(
-             get(), reinterpret_cast<REALfolderItem>(&g_path)) != 0;
+bool Instance::Load(const Item &item) {
+  return Method<int32_t, const Item *>("Load(f As FolderItem) As Boolean")(get(), &item) != 0;
 }
 
 void Instance::Set(std::string_view property, int32_t value) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/carbon/FileRecords.h"
 #include "sdk/HostTypes.h"
 
 namespace bench {
@@ -23,6 +24,13 @@ auto Method(std::string_view declaration) {
   return reinterpret_cast<Result (*)(REALobject, Arguments...)>(MethodSlot(declaration));
 }
 
+// A folder item as a host holds one: where its file lies was found when it was made, before it is loaded.
+// Throws std::runtime_error when there is no such file.
+struct Item {
+  explicit Item(const std::string &path);
+  FSSpec spec = {};
+};
+
 // An object of the class, its constructor run and its destructor to come.
 class Instance {
  public:
@@ -33,8 +41,8 @@ class Instance {
 
   REALobject get() { return reinterpret_cast<REALobject>(block_); }
 
-  // Calls Load with an item of the file. False when the plug-in rejects it.
-  bool Load(const std::string &path);
+  // Calls Load with an item. False when the plug-in rejects its file.
+  bool Load(const Item &item);
 
   // Sets an Integer or Boolean property.
   void Set(std::string_view property, int32_t value);

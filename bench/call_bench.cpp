@@ -48,7 +48,7 @@ void FindRefIdx(benchmark::State &state, bool known, bool changed) {
 
 // A loaded library small enough to stay in the cache.
 void Load(bench::Instance &instance) {
-  if (!instance.Load(bench::LibraryFile(kFewSongs, Texts::kUsual))) std::abort();
+  if (!instance.Load(bench::Item(bench::LibraryFile(kFewSongs, Texts::kUsual)))) std::abort();
 }
 
 template <typename Result, typename... Before>

@@ -33,7 +33,7 @@ void Count(const char *name, Work work) {
 }
 
 void Load(bench::Instance &instance, uint32_t songs, bench::Texts texts) {
-  if (!instance.Load(bench::LibraryFile(songs, texts))) std::abort();
+  if (!instance.Load(bench::Item(bench::LibraryFile(songs, texts)))) std::abort();
 }
 
 void CountLoads() {

@@ -90,10 +90,11 @@ void Floor(benchmark::State &state, Texts texts) {
 
 // Load through the plug-in's registered function, in a new object each time.
 void LoadOf(benchmark::State &state, const std::string &path) {
+  const bench::Item item(path);
   Measure(
       state, [] { return std::make_unique<bench::Instance>(); },
       [&](const std::unique_ptr<bench::Instance> &instance) {
-        if (!instance->Load(path)) std::abort();
+        if (!instance->Load(item)) std::abort();
       });
 }
 

@@ -34,7 +34,7 @@ int main(int argc, char **argv) {
   // Writing the file may have taken more memory than loading it.
   std::ofstream("/proc/self/clear_refs") << "5";
   const double before = StatusBytes("VmRSS:");
-  if (!instance.Load(file)) {
+  if (!instance.Load(bench::Item(file))) {
     std::cerr << "load_memory: " << file << ": rejected\n";
     return 1;
   }

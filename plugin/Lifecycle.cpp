@@ -56,6 +56,8 @@ REALboolean ZemRbiTunesDB_LoadiTunesDB(REALobject instance, REALfolderItem item)
   if (!REALFSSpecFromFolderItem(&spec, item)) return REALboolean::False;
   FILE *file = FileReference(spec).fopen("rb");
   if (file == nullptr) return REALboolean::False;
+  // The database is read through a window. A second buffer below it would make two reads of each.
+  std::setvbuf(file, nullptr, _IONBF, 0);
   const int32_t rc = data->db->LoadiTunesDB(file);
   std::fclose(file);
   data->err = kRejected;

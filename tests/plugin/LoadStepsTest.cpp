@@ -1,7 +1,10 @@
 // What a host can see of a load besides its result: the object's data block, and the order of the steps.
 
 #include <filesystem>
+#include <fstream>
+#include <string>
 
+#include "samples/GeneratedLibrary.h"
 #include "tests/plugin/PluginTest.h"
 
 namespace plugin_test {
@@ -30,6 +33,16 @@ class LoadSteps : public PluginTest {
     }
     return false;
   }
+
+  // How many calls have read from files up to now.
+  static long Reads() {
+    std::ifstream io("/proc/self/io");
+    for (std::string word; io >> word;) {
+      long count = 0;
+      if (word == "syscr:" && io >> count) return count;
+    }
+    return -1;
+  }
 };
 
 TEST_F(LoadSteps, BlockHoldsErrorDatabaseItemAndEncodingInThisOrder) {
@@ -57,6 +70,21 @@ TEST_F(LoadSteps, AnyAnswerButZeroMeansThatTheItemHasASpecification) {
   }
   Host().specAnswer = 0;
   EXPECT_EQ(Load(Host().New(), Item(DatabasePath())), 0);
+}
+
+TEST_F(LoadSteps, FileIsReadInFewLargePieces) {
+  const long before = Reads();
+  if (before < 0) GTEST_SKIP() << "the system does not count reads";
+  const long counting = Reads() - before;
+  const std::string library = samples::GeneratedLibrary{.seed = 5, .songs = 4000}.Bytes();
+  ASSERT_GT(library.size(), 1U << 20);
+  Write(library);
+  const REALobject object = Host().New();
+  const REALfolderItem item = Item(DatabasePath());
+  const long start = Reads();
+  EXPECT_EQ(Load(object, item), 1);
+  // The record at the end of a piece stays for the next one, which has so much less room.
+  EXPECT_LE(Reads() - start - counting, static_cast<long>(library.size() / 45000));
 }
 
 TEST_F(LoadSteps, FileIsClosedBeforeThePathIsAskedFor) {
